@@ -1,0 +1,103 @@
+#include <array>
+#include <optional>
+#include <string>
+
+#include "inventory/NicInfo.h"
+#include "inventory/Stages.h"
+#include "platform/IphlpApi.h"
+#include "platform/Registry.h"
+#include "platform/Text.h"
+#include "vendors/VendorList.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr char kOriginalValue[] = "OriginalNetworkAddress";
+
+void LookUpVendor(NicInfo& nic, const std::string& prefix) {
+    if (const std::optional<std::size_t> record = FindVendor(prefix)) nic.Vendor = VendorText(Vendors(), *record);
+}
+
+void WriteOriginal(const NicInfo& nic) {
+    static_cast<void>(RegSetString(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue,
+                                   nic.OriginalNetworkAddress, kRegSz));
+}
+
+/// The reported address is the manufacturer's while no override is in force; with one, the saved value is the only
+/// source of it.
+void KeepOriginal(NicInfo& nic) {
+    if (!nic.OriginalNetworkAddress.empty() && !ResetOriginalMac) return;
+    if (!nic.NetworkAddress.empty()) {
+        if (nic.OriginalNetworkAddress.empty()) return;
+        nic.OriginalNetworkAddress.clear();
+        WriteOriginal(nic);
+    } else if (nic.Mac != nic.OriginalNetworkAddress) {
+        nic.OriginalNetworkAddress = nic.Mac;
+        WriteOriginal(nic);
+    }
+}
+
+void SetStatus(NicInfo& nic, const IfRow& row) {
+    static constexpr std::array<const char*, 4> kAdmin = {nullptr, "Up", "Down", "Testing"};
+    static constexpr std::array<const char*, 6> kOper = {", Non Operational", ", Unreachable", ", Disconnected",
+                                                         ", Connecting",      ", Connected",   ", Operational"};
+    if (row.adminStatus >= 1 && row.adminStatus < kAdmin.size()) nic.Status = kAdmin[row.adminStatus];
+    if (row.operStatus < kOper.size()) nic.Status += kOper[row.operStatus];
+}
+
+/// `unit` holds the vendor prefix on entry: a speed below 1000 bit/s is followed by it. This is intended.
+std::string SpeedText(std::uint64_t bitsPerSecond, std::string unit) {
+    double value = static_cast<double>(bitsPerSecond);
+    for (const char* next : {" Kbps", " Mbps", " Gbps"}) {
+        if (value < 1000) break;
+        value /= 1000;
+        unit = next;
+    }
+    return ShortestDecimal(value, 2) + unit;
+}
+
+void ReadLive(NicInfo& nic) {
+    IfRow row;
+    const Win32Error code = CurrentPlatform().ipHelper->GetIfEntry(nic.IfIndex, row);
+    if (!Ok(code)) {
+        IphlpApiError(code, "GetIfEntry");
+        return;
+    }
+    std::string prefix;
+    nic.Mac.clear();
+    for (std::size_t i = 0; i < row.physAddr.size(); ++i) {
+        const std::string octet = ByteToHex2(row.physAddr[i]);
+        if (i > 0) nic.Mac += '-';
+        nic.Mac += octet;
+        if (i < 3) prefix += octet;
+    }
+    LookUpVendor(nic, prefix);
+    KeepOriginal(nic);
+    SetStatus(nic, row);
+    nic.Speed = SpeedText(row.speed, prefix);
+}
+
+void ReadDisabled(NicInfo& nic) {
+    nic.Status = "Disabled";
+    if (ResetOriginalMac) {
+        nic.OriginalNetworkAddress.clear();
+        static_cast<void>(RegDeleteValue(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue));
+    }
+    const std::string& stored = nic.NetworkAddress.empty() ? nic.OriginalNetworkAddress : nic.NetworkAddress;
+    if (stored.size() >= 8) LookUpVendor(nic, stored.substr(0, 2) + stored.substr(3, 2) + stored.substr(6, 2));
+}
+
+}  // namespace
+
+void ReadAdapterStatus() {
+    for (NicInfo& nic : Nics) {
+        if (nic.IfIndex != 0) {
+            ReadLive(nic);
+        } else {
+            ReadDisabled(nic);
+        }
+    }
+}
+
+}  // namespace corvane

@@ -1,0 +1,132 @@
+#include "inventory/GetNicInfo.h"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "inventory/NicInfo.h"
+#include "inventory/Stages.h"
+#include "platform/IphlpApi.h"
+#include "platform/Registry.h"
+#include "platform/Seat.h"
+#include "platform/Text.h"
+
+namespace corvane {
+
+namespace {
+
+/// Position of the first record of each Id.
+using IdIndex = std::unordered_map<std::string, std::size_t>;
+
+IdIndex IndexOfIds() {
+    IdIndex index;
+    for (std::size_t i = 0; i < Nics.size(); ++i) index.emplace(Nics[i].Id, i);
+    return index;
+}
+
+void ShowReadError(const std::string& path, Win32Error code) {
+    CurrentSeat().ShowBox("Error! Cannot Read Registry",
+                          std::string("Error while reading windows registry.") + kCrLf + kCrLf +
+                              "Registry Path: HKEY_LOCAL_MACHINE\\" + path + kCrLf + kCrLf +
+                              "Error: " + RegErrorText(code) + kCrLf + kCrLf + "Click OK to continue",
+                          BoxIcon::kCritical, BoxButtons::kOk);
+}
+
+/// A value as text; empty when it is missing or cannot be read.
+std::string ReadText(const std::string& key, const std::string& name) {
+    std::string text;
+    static_cast<void>(RegQueryString(kHkeyLocalMachine, key, name, text));
+    return text;
+}
+
+std::string PairsOfFirstTwelve(const std::string& text) {
+    std::string pairs;
+    for (std::size_t i = 0; i < 12; i += 2) {
+        if (i > 0) pairs += '-';
+        pairs += text.substr(i, 2);
+    }
+    return pairs;
+}
+
+void ReadDriverKey(NicInfo& nic, const std::string& subkey) {
+    const std::string key = DriverKeyPath(subkey);
+    nic.DriverKey = subkey;
+    nic.DriverDesc = ReadText(key, "DriverDesc");
+    nic.ComponentId = ReadText(key, "ComponentId");
+    const std::string address = ToUpper(ReadText(key, "NetworkAddress"));
+    nic.NetworkAddress = address.size() > 11 ? PairsOfFirstTwelve(address) : std::string();
+    const std::string original = ToUpper(ReadText(key, "OriginalNetworkAddress"));
+    nic.OriginalNetworkAddress = original.size() > 11 ? original : std::string();
+}
+
+}  // namespace
+
+void RefreshNicInfo() {
+    Nics.assign(1, NicInfo());
+    ReadAdapterRegistry();
+    MatchInterfaceIndexes();
+    ReadAdapterStatus();
+    ReadTcpipConfig();
+}
+
+void ReadAdapterRegistry() {
+    std::vector<std::string> names;
+    const Win32Error adaptersRead = RegEnumSubkeys(kHkeyLocalMachine, kAdaptersKey, names);
+    if (!Ok(adaptersRead)) ShowReadError(kAdaptersKey, adaptersRead);
+    if (!Ok(adaptersRead) || names.empty()) return;
+
+    std::size_t count = 0;
+    for (const std::string& name : names) {
+        if (name.empty() || name.front() != '{') continue;
+        if (count == Nics.size()) Nics.emplace_back();
+        Nics[count++].Id = name;
+    }
+    for (NicInfo& nic : Nics) nic.Name = ReadText(ConnectionKey(nic.Id), "Name");
+
+    names.clear();
+    const Win32Error classRead = RegEnumSubkeys(kHkeyLocalMachine, kClassKey, names);
+    if (!Ok(classRead)) ShowReadError(kClassKey, classRead);
+    const IdIndex records = IndexOfIds();
+    for (const std::string& subkey : names) {
+        if (subkey.empty()) continue;
+        const std::string id = ReadText(DriverKeyPath(subkey), "NetCfgInstanceId");
+        if (id.empty()) continue;
+        const auto record = records.find(id);
+        if (record != records.end()) ReadDriverKey(Nics[record->second], subkey);
+    }
+
+    static constexpr std::string_view kDevice = "\\Device\\";
+    for (const std::string& piece : Split(ReadText(kLinkageKey, "Bind"), '\0')) {
+        if (!piece.starts_with(kDevice)) continue;
+        const auto record = records.find(piece.substr(kDevice.size()));
+        if (record != records.end()) Nics[record->second].TcpipBound = true;
+    }
+}
+
+void MatchInterfaceIndexes() {
+    const TableRead<InterfaceEntry> table = CurrentPlatform().ipHelper->GetInterfaceInfo();
+    if (table.outcome == TableRead<InterfaceEntry>::Outcome::kFailed) IphlpApiError(table.code, "GetInterfaceInfo");
+    if (table.outcome != TableRead<InterfaceEntry>::Outcome::kRows) return;
+
+    // An entry belongs to the first record whose Id its name goes on with. Ids have very few lengths (one, as a rule),
+    // so one look-up per length finds it.
+    const IdIndex records = IndexOfIds();
+    std::set<std::size_t> lengths;
+    for (const auto& [id, position] : records)
+        if (!id.empty()) lengths.insert(id.size());
+    static constexpr std::string_view kDevice = "\\DEVICE\\TCPIP_";
+    for (const InterfaceEntry& entry : table.rows) {
+        const std::string name = Without(entry.name, '\0');
+        if (!name.starts_with(kDevice)) continue;
+        std::size_t first = Nics.size();
+        for (const std::size_t length : lengths) {
+            const auto record = records.find(name.substr(kDevice.size(), length));
+            if (record != records.end()) first = std::min(first, record->second);
+        }
+        if (first < Nics.size()) Nics[first].IfIndex = entry.index;
+    }
+}
+
+}  // namespace corvane

@@ -1,0 +1,72 @@
+#include "mac/NetworkFolderDialog.h"
+
+#include <optional>
+
+#include "mac/RestartConnection.h"
+#include "mac/SetConnectionState.h"
+#include "platform/Registry.h"
+#include "platform/Seat.h"
+#include "platform/Text.h"
+
+namespace corvane {
+
+namespace {
+
+void Inform(const std::string& title, const std::string& text) {
+    CurrentSeat().ShowBox(title, text, BoxIcon::kInformation, BoxButtons::kOk);
+}
+
+/// In memory at once, and in the registry. A failure is shown; the operation goes on.
+void RememberFolder(const std::string& name) {
+    NetworkFolderName = ToLower(name);
+    Win32Error code = RegCreateKey(kHkeyLocalMachine, kProgramKey);
+    if (Ok(code)) {
+        code = RegSetString(kHkeyLocalMachine, kProgramKey, kNetworkFolderValue, NetworkFolderName, kRegSz);
+    }
+    if (Ok(code)) return;
+    CurrentSeat().ShowBox("Error! Cannot Write Registry",
+                          std::string("Error while writing windows registry.") + kCrLf + kCrLf +
+                              "Registry Path: HKEY_LOCAL_MACHINE\\" + kProgramKey + "\\" + kNetworkFolderValue + kCrLf +
+                              kCrLf + "Error: " + RegErrorText(code) + kCrLf + kCrLf + "Click OK to continue",
+                          BoxIcon::kCritical, BoxButtons::kOk);
+}
+
+}  // namespace
+
+void BrowseNetworkFolder(const std::vector<ShellItem>& panel, const FolderRequest& request) {
+    Seat& seat = CurrentSeat();
+    std::vector<std::string> folders;
+    for (const ShellItem& item : panel) {
+        if (item.isFolder) folders.push_back(Without(item.name, '&'));
+    }
+    const std::optional<std::size_t> choice = seat.PickFolder(
+        "Browse Network Folder", "Control Pannel Folders",
+        "Please Manually Select 'Network Connections' or 'Network and dial-up connections' Folder From The List "
+        "Below. Orvella Corvane Will Remember The Folder You Selected.",
+        folders);
+    if (!choice || *choice >= folders.size()) return;
+    RememberFolder(folders[*choice]);
+
+    if (request.restart) {
+        if (!RestartConnection(request.connectionName, false, false)) return;
+        Inform("Network Connection Restarted", "Network connection restarted successfully.");
+        seat.Refresh();
+        return;
+    }
+    seat.RowProgress(1, "");
+    seat.RowProgress(2, "");
+    seat.RowProgress(3, request.enable ? "Enabling ..." : "Disabling ...");
+    seat.RowProgress(4, " ");
+    seat.LetEventsRun();
+    if (SetConnectionState(request.connectionName, request.enable, false) != StateResult::kDone) return;
+    static constexpr std::uint32_t kWaitMilliseconds = 5000;
+    CurrentPlatform().clock->Sleep(kWaitMilliseconds);
+    if (request.enable) {
+        Inform("Network Connection Enabled", "Network connection enabled successfully.");
+    } else {
+        Inform("Network Connection Disabled", "Network connection disabled successfully.");
+    }
+    seat.Refresh();
+}
+
+}  // namespace corvane

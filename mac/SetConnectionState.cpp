@@ -1,0 +1,81 @@
+#include "mac/SetConnectionState.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+#include "mac/NetworkFolderDialog.h"
+#include "platform/Platform.h"
+#include "platform/Seat.h"
+#include "platform/Text.h"
+
+namespace corvane {
+
+namespace {
+
+/// A shown name as it is compared: without "&", in lower case.
+std::string Plain(const std::string& name) { return ToLower(Without(name, '&')); }
+
+bool IsConnectionsFolder(const ShellItem& item) {
+    const std::string name = Plain(item.name);
+    return name == NetworkFolderName || name == "network and dial-up connections" || name == "network connections";
+}
+
+StateResult ShowShellFailure(const std::string& description) {
+    CurrentSeat().ShowBox(kApplicationTitle,
+                          std::string("Error! There was an error while accessing shell32.dll") + kCrLf + kCrLf +
+                              "Description: " + description,
+                          BoxIcon::kCritical, BoxButtons::kOk);
+    return StateResult::kGivenUp;
+}
+
+/// Position of the first element that `matches`, or nothing.
+template <class Element, class Predicate>
+std::optional<std::size_t> FirstWhere(const std::vector<Element>& elements, Predicate matches) {
+    const auto found = std::find_if(elements.begin(), elements.end(), matches);
+    if (found == elements.end()) return std::nullopt;
+    return static_cast<std::size_t>(found - elements.begin());
+}
+
+bool UserWantsToBrowse(const std::string& name) {
+    const std::string text =
+        "Error! Could not locate network connection '" + name +
+        "' to be enabled/disabled. Please, enable/disable your network connection manually. This may happen if the "
+        "'Network Connections' or 'Network and dial-up connections' folder is not found by Orvella Corvane." +
+        kCrLf + kCrLf + "Do you want to manually browse and set the network connection folder in control pannel ?";
+    return CurrentSeat().ShowBox("Unable To Locate Network Connection", text, BoxIcon::kExclamation,
+                                 BoxButtons::kYesNoCancel) == BoxAnswer::kYes;
+}
+
+}  // namespace
+
+StateResult SetConnectionState(const std::string& name, bool enable, bool partOfRestart) {
+    ShellApi& shell = *CurrentPlatform().shell;
+    std::string failure;
+    std::vector<ShellItem> panel;
+    if (!shell.ControlPanelItems(panel, failure)) return ShowShellFailure(failure);
+
+    const std::optional<std::size_t> folder = FirstWhere(panel, IsConnectionsFolder);
+    if (folder) {
+        std::vector<std::string> connections;
+        if (!shell.FolderItems(*folder, connections, failure)) return ShowShellFailure(failure);
+        const std::string wanted = ToLower(name);
+        const std::optional<std::size_t> connection =
+            FirstWhere(connections, [&](const std::string& item) { return ToLower(item) == wanted; });
+        if (connection) {
+            std::vector<std::string> verbs;
+            if (!shell.ItemVerbs(*folder, *connection, verbs, failure)) return ShowShellFailure(failure);
+            const std::string wantedVerb = enable ? "enable" : "disable";
+            const std::optional<std::size_t> verb =
+                FirstWhere(verbs, [&](const std::string& item) { return Plain(item) == wantedVerb; });
+            if (!verb) return StateResult::kNoVerb;
+            if (!shell.DoVerb(*folder, *connection, *verb, failure)) return ShowShellFailure(failure);
+            return StateResult::kDone;
+        }
+        if (!UserWantsToBrowse(name)) return StateResult::kGivenUp;
+    }
+    BrowseNetworkFolder(panel, {name, enable, partOfRestart});
+    return StateResult::kDialogShown;
+}
+
+}  // namespace corvane

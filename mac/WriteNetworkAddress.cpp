@@ -1,0 +1,29 @@
+#include "mac/WriteNetworkAddress.h"
+
+#include "inventory/NicInfo.h"
+#include "platform/Registry.h"
+#include "platform/Seat.h"
+
+namespace corvane {
+
+bool WriteNetworkAddress(std::size_t adapter, const std::string& text) {
+    static constexpr char kValue[] = "NetworkAddress";
+    const std::string key = DriverKeyPath(Nics.at(adapter).DriverKey);
+    Win32Error code = Win32Error::kSuccess;
+    if (!text.empty()) {
+        code = RegSetString(kHkeyLocalMachine, key, kValue, text, kRegSz);
+    } else {
+        std::string present;
+        if (!Ok(RegQueryString(kHkeyLocalMachine, key, kValue, present))) return true;
+        code = RegDeleteValue(kHkeyLocalMachine, key, kValue);
+    }
+    if (Ok(code)) return true;
+    CurrentSeat().ShowBox("Error! Cannot Write Registry",
+                          std::string("Error while writing in windows registry.") + kCrLf + kCrLf +
+                              "Registry Path: HKEY_LOCAL_MACHINE\\" + key + "\\" + kValue + kCrLf + kCrLf +
+                              "Error: " + RegErrorText(code) + kCrLf + kCrLf + "Click OK to continue",
+                          BoxIcon::kCritical, BoxButtons::kOk);
+    return false;
+}
+
+}  // namespace corvane

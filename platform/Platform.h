@@ -1,0 +1,259 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/Win32Error.h"
+
+/// The seam to the machine. Each role is implemented once per operating system (platform/linux, platform/windows)
+/// and once as a fake for tests. No call throws; no call keeps a handle open for the caller. All text is UTF-8.
+namespace corvane {
+
+// ---- registry -----------------------------------------------------------------------------------------------
+
+/// Predefined root handles (winreg.h). The program uses kHkeyLocalMachine only.
+using RegistryRoot = std::uint32_t;
+inline constexpr RegistryRoot kHkeyLocalMachine = 0x80000002U;
+
+/// Registry value types (winnt.h).
+inline constexpr std::uint32_t kRegSz = 1;
+inline constexpr std::uint32_t kRegBinary = 3;
+inline constexpr std::uint32_t kRegDword = 4;
+inline constexpr std::uint32_t kRegMultiSz = 7;
+
+struct RegistryValue {
+    std::uint32_t type = 0;
+    std::vector<std::uint8_t> data;  ///< Raw bytes; text is in the single-byte code page, terminators included.
+
+    bool operator==(const RegistryValue&) const = default;
+};
+
+/// Outcome of reading one value. `keyOpened` tells apart "no such key" and "no such value", both of which are
+/// kFileNotFound. `value` is meaningful only when `code` is kSuccess.
+struct RegistryRead {
+    Win32Error code = Win32Error::kSuccess;
+    bool keyOpened = false;
+    RegistryValue value;
+};
+
+/// The registry. Key and value names compare without regard to case and keep the case they were made with. Key
+/// paths use "\" and have none at either end. Every call opens the key, does one thing and closes it. Errors:
+/// kFileNotFound (no such key or value), kAccessDenied (no right), kInvalidHandle (unknown root),
+/// kRegistryCorrupt (store damaged), kCantRead / kCantWrite (store busy or unreachable), or what the system says.
+class RegistryApi {
+   public:
+    virtual ~RegistryApi() = default;
+
+    virtual RegistryRead ReadValue(RegistryRoot root, const std::string& subkey, const std::string& name) = 0;
+
+    /// The key must exist. Replaces an existing value, its type included. As RegSetValueExA does, text (kRegSz,
+    /// kRegMultiSz) that is not empty and does not end in NUL is stored with one NUL added.
+    virtual Win32Error WriteValue(RegistryRoot root, const std::string& subkey, const std::string& name,
+                                  const RegistryValue& value) = 0;
+
+    virtual Win32Error DeleteValue(RegistryRoot root, const std::string& subkey, const std::string& name) = 0;
+
+    /// Makes the key and any missing parents. Success when it exists already.
+    virtual Win32Error CreateKey(RegistryRoot root, const std::string& subkey) = 0;
+
+    /// Names of the direct subkeys, in the system's order (sorted by name, without regard to case). `names` is
+    /// replaced only when there is at least one subkey; a failing enumeration leaves what it had got so far.
+    virtual Win32Error EnumSubkeys(RegistryRoot root, const std::string& subkey,
+                                   std::vector<std::string>& names) = 0;
+};
+
+// ---- IP Helper ----------------------------------------------------------------------------------------------
+
+using MacBytes = std::array<std::uint8_t, 6>;
+/// The four bytes of an IPv4 address in network order, as they lie in memory.
+using Ipv4Bytes = std::array<std::uint8_t, 4>;
+
+/// One entry of GetInterfaceInfo's table (IP_ADAPTER_INDEX_MAP). Name is "\DEVICE\TCPIP_" + the adapter's GUID.
+struct InterfaceEntry {
+    std::uint32_t index = 0;
+    std::string name;
+};
+
+/// The part of MIB_IFROW that the program reads.
+struct IfRow {
+    std::uint32_t index = 0;
+    MacBytes physAddr{};
+    std::uint64_t speed = 0;        ///< bit/s; 0 when unknown.
+    std::uint32_t adminStatus = 0;  ///< 1 up, 2 down, 3 testing.
+    std::uint32_t operStatus = 0;   ///< 0 non operational ... 5 operational (ipifcons.h).
+    std::uint32_t inOctets = 0;     ///< Low 32 bits of the counter.
+    std::uint32_t outOctets = 0;
+};
+
+/// The part of MIB_IPADDRROW that the program reads.
+struct IpAddrRow {
+    Ipv4Bytes address{};
+    Ipv4Bytes mask{};
+    std::uint32_t index = 0;
+    std::uint16_t nteContext = 0;  ///< The 16-bit word after the reassembly size; DeleteIPAddress accepts it.
+};
+
+/// The part of MIB_IPFORWARDROW that the program reads or sets.
+struct IpForwardRow {
+    Ipv4Bytes destination{};
+    Ipv4Bytes mask{};
+    Ipv4Bytes nextHop{};
+    std::uint32_t ifIndex = 0;
+    std::uint32_t type = 4;   ///< 3 direct, 4 indirect (ipmib.h).
+    std::uint32_t proto = 3;  ///< 2 local, 3 set by management (ipmib.h).
+    std::uint32_t metric1 = 0;
+};
+
+/// A table read is a size query and a fetch. kNothingToRead: the size query was not answered with 122, which no
+/// caller reports. kFailed: the fetch failed with `code`. kRows: `rows` holds the table.
+template <class Row>
+struct TableRead {
+    enum class Outcome { kNothingToRead, kFailed, kRows };
+    Outcome outcome = Outcome::kNothingToRead;
+    Win32Error code = Win32Error::kSuccess;
+    std::vector<Row> rows;
+};
+
+/// The IP Helper calls that the program makes (iphlpapi.h), over portable rows.
+class IpHelperApi {
+   public:
+    virtual ~IpHelperApi() = default;
+
+    /// The live interfaces: those that are administratively up.
+    virtual TableRead<InterfaceEntry> GetInterfaceInfo() = 0;
+
+    /// Fills `row` for interface `index`. kInvalidParameter when there is no such interface; `row` is then as it was.
+    virtual Win32Error GetIfEntry(std::uint32_t index, IfRow& row) = 0;
+
+    /// IPv4 addresses of every interface, in ascending order of address.
+    virtual TableRead<IpAddrRow> GetIpAddrTable() = 0;
+
+    /// IPv4 routes of the main table, in ascending order of destination, then metric, then next hop.
+    virtual TableRead<IpForwardRow> GetIpForwardTable() = 0;
+
+    /// Adds an address to the running stack (not kept over a restart of the link). `nteContext` receives the word
+    /// that DeleteIPAddress takes. kObjectAlreadyExists when it is there already, kInvalidParameter for an address
+    /// or mask that no host may have or an unknown interface, kAccessDenied without the right.
+    virtual Win32Error AddIPAddress(const Ipv4Bytes& address, const Ipv4Bytes& mask, std::uint32_t ifIndex,
+                                    std::uint32_t& nteContext) = 0;
+
+    /// Removes the address with this context; other addresses of the link stay. kInvalidParameter for an unknown one.
+    virtual Win32Error DeleteIPAddress(std::uint32_t nteContext) = 0;
+
+    virtual Win32Error CreateIpForwardEntry(const IpForwardRow& row) = 0;
+    virtual Win32Error DeleteIpForwardEntry(const IpForwardRow& row) = 0;
+
+    /// Gives the DHCP lease back, respectively asks for it anew; returns when that is done. kNotSupported when the
+    /// link does not use DHCP; kSemTimeout when no server answered.
+    virtual Win32Error IpReleaseAddress(const InterfaceEntry& entry) = 0;
+    virtual Win32Error IpRenewAddress(const InterfaceEntry& entry) = 0;
+
+    /// The system's message for an error number, with the line break that system texts end in; empty when it has none.
+    virtual std::string SystemText(Win32Error code) = 0;
+};
+
+// ---- shell folders ------------------------------------------------------------------------------------------
+
+struct ShellItem {
+    std::string name;
+    bool isFolder = false;
+};
+
+/// The shell's Control Panel and the folders in it. Items and verbs are named by their positions in the lists that
+/// the latest call handed out. Every call returns false on failure, with `failure` set to what the system says.
+class ShellApi {
+   public:
+    virtual ~ShellApi() = default;
+
+    virtual bool ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) = 0;
+    virtual bool FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) = 0;
+    virtual bool ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
+                           std::string& failure) = 0;
+
+    /// Carries a verb out. On Linux it returns when the link is in the new state; false then means that the link is
+    /// not in the state asked for, or only in part (for example up, but with its original address).
+    virtual bool DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) = 0;
+
+    /// Opens a document or an address with the user's default program.
+    virtual bool OpenDocument(const std::string& target, std::string& failure) = 0;
+};
+
+// ---- clock and host -----------------------------------------------------------------------------------------
+
+/// A date and time of day without zone. Month and day from 1, weekday 0 = Sunday.
+struct DateTime {
+    int year = 1970;
+    int month = 1;
+    int day = 1;
+    int weekday = 4;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+};
+
+/// Nothing else in the program sleeps or reads the time.
+class ClockApi {
+   public:
+    virtual ~ClockApi() = default;
+    virtual void Sleep(std::uint32_t milliseconds) = 0;
+    virtual DateTime LocalTime() = 0;
+    /// A seed for random numbers, drawn from the time of day.
+    virtual std::uint32_t Seed() = 0;
+};
+
+/// What the system says it is: on Windows the version record (GetVersionExA), elsewhere a ready description.
+struct OsIdentity {
+    std::string readyDescription;  ///< Not empty: take this; the record below is then unused.
+    std::uint32_t platformId = 2;
+    std::uint32_t majorVersion = 0;
+    std::uint32_t minorVersion = 0;
+    std::uint32_t buildNumber = 0;
+    std::string csdVersion;  ///< The 128-character service-pack field, NULs included.
+};
+
+class HostApi {
+   public:
+    virtual ~HostApi() = default;
+    virtual OsIdentity Os() = 0;
+    /// The folder that holds the program, with or without a separator at its end.
+    virtual std::string ProgramFolder() = 0;
+    /// The path separator of the system, '\' or '/'.
+    virtual char Separator() = 0;
+    /// The system's general date-and-time form.
+    virtual std::string GeneralDate(const DateTime& date) = 0;
+};
+
+// ---- the whole ----------------------------------------------------------------------------------------------
+
+struct Platform {
+    std::shared_ptr<RegistryApi> registry;
+    std::shared_ptr<IpHelperApi> ipHelper;
+    std::shared_ptr<ShellApi> shell;
+    std::shared_ptr<ClockApi> clock;
+    std::shared_ptr<HostApi> host;
+};
+
+/// The installed platform. Programs install theirs once at start.
+Platform& CurrentPlatform();
+void InstallPlatform(Platform platform);
+
+/// Makes this system's platform; defined by the back-end that the build picked.
+Platform MakeSystemPlatform();
+
+/// Installs a platform for a scope and puts the former one back; for tests.
+class ScopedPlatform {
+   public:
+    explicit ScopedPlatform(Platform platform);
+    ~ScopedPlatform();
+    ScopedPlatform(const ScopedPlatform&) = delete;
+    ScopedPlatform& operator=(const ScopedPlatform&) = delete;
+
+   private:
+    Platform former_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,111 @@
+#include "platform/Registry.h"
+
+#include <utility>
+
+#include "platform/Text.h"
+
+namespace corvane {
+
+Win32Error RegQueryString(RegistryRoot root, const std::string& subkey, const std::string& name, std::string& text) {
+    const RegistryRead read = CurrentPlatform().registry->ReadValue(root, subkey, name);
+    if (!Ok(read.code)) return read.code;
+    const std::vector<std::uint8_t>& data = read.value.data;
+    if (!data.empty()) text = FromCodePage({reinterpret_cast<const char*>(data.data()), data.size() - 1});
+    return read.code;
+}
+
+Win32Error RegQueryBinary(RegistryRoot root, const std::string& subkey, const std::string& name,
+                          std::vector<std::uint8_t>& data, std::uint32_t& type) {
+    RegistryRead read = CurrentPlatform().registry->ReadValue(root, subkey, name);
+    if (!read.keyOpened) return read.code;
+    if (Ok(read.code)) {
+        data = std::move(read.value.data);
+        type = read.value.type;
+    } else {
+        data.assign(1, 0);
+    }
+    return read.code;
+}
+
+Win32Error RegSetString(RegistryRoot root, const std::string& subkey, const std::string& name,
+                        const std::string& text, std::uint32_t type) {
+    const std::string bytes = ToCodePage(text);
+    return CurrentPlatform().registry->WriteValue(root, subkey, name, {type, {bytes.begin(), bytes.end()}});
+}
+
+Win32Error RegSetBinary(RegistryRoot root, const std::string& subkey, const std::string& name,
+                        const std::vector<std::uint8_t>& data, std::uint32_t type) {
+    return CurrentPlatform().registry->WriteValue(root, subkey, name, {type, data});
+}
+
+Win32Error RegDeleteValue(RegistryRoot root, const std::string& subkey, const std::string& name) {
+    return CurrentPlatform().registry->DeleteValue(root, subkey, name);
+}
+
+Win32Error RegCreateKey(RegistryRoot root, const std::string& subkey) {
+    return CurrentPlatform().registry->CreateKey(root, subkey);
+}
+
+Win32Error RegEnumSubkeys(RegistryRoot root, const std::string& subkey, std::vector<std::string>& names) {
+    return CurrentPlatform().registry->EnumSubkeys(root, subkey, names);
+}
+
+std::string RegErrorText(Win32Error code) {
+    const char* text = "Undefined Error Code";
+    switch (Number(code)) {
+        case 0:
+            text = "No Error";
+            break;
+        case 2:
+        case 1010:
+            text = "Bad Key Name";
+            break;
+        case 4:
+        case 1012:
+            text = "Can't Read Key";
+            break;
+        case 5:
+            text = "Access to this key is denied";
+            break;
+        case 6:
+            text = "Invalid registry key handle";
+            break;
+        case 8:
+        case 14:
+            text = "Out of memory";
+            break;
+        case 87:
+            text = "Invalid Parameter";
+            break;
+        case 234:
+            text = "There is more data than the buffer has been allocated to hold";
+            break;
+        case 1009:
+        case 1015:
+            text = "The Registry Database is corrupt!";
+            break;
+        case 1011:
+            text = "Can't Open Key";
+            break;
+        case 1013:
+            text = "Can't Write Key";
+            break;
+        default:
+            break;
+    }
+    return "(" + std::to_string(Number(code)) + ") " + text;
+}
+
+std::uint32_t DwordFrom(std::vector<std::uint8_t> data) {
+    data.resize(4, 0);
+    return static_cast<std::uint32_t>(data[0]) | static_cast<std::uint32_t>(data[1]) << 8 |
+           static_cast<std::uint32_t>(data[2]) << 16 | static_cast<std::uint32_t>(data[3]) << 24;
+}
+
+std::vector<std::uint8_t> DwordBytes(std::uint32_t value) {
+    std::vector<std::uint8_t> bytes;
+    for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(value >> shift & 0xFFU));
+    return bytes;
+}
+
+}  // namespace corvane

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/Platform.h"
+#include "platform/linux/LinkControl.h"
+#include "platform/linux/Machine.h"
+
+namespace corvane {
+
+/// The shell role: a Control Panel whose one item is the folder "Network Connections"; its items are the links. A link
+/// that is up offers "Disa&ble", one that is down "En&able".
+class ConnectionsFolder : public ShellApi {
+   public:
+    explicit ConnectionsFolder(std::shared_ptr<Machine> machine) : machine_(machine), control_(std::move(machine)) {}
+
+    bool ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) override;
+    bool FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) override;
+    bool ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
+                   std::string& failure) override;
+    bool DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) override;
+    /// Through xdg-open, which must be installed.
+    bool OpenDocument(const std::string& target, std::string& failure) override;
+
+   private:
+    std::shared_ptr<Machine> machine_;
+    LinkControl control_;
+    std::vector<std::string> links_;  ///< Of the latest FolderItems.
+    bool offersDisable_ = false;      ///< Of the latest ItemVerbs.
+};
+
+}  // namespace corvane

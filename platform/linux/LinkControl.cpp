@@ -1,0 +1,276 @@
+#include "platform/linux/LinkControl.h"
+
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "platform/Address.h"
+#include "platform/Text.h"
+#include "platform/linux/Announce.h"
+#include "platform/linux/DhcpControl.h"
+#include "platform/linux/Dns.h"
+#include "platform/linux/Errors.h"
+#include "platform/linux/TcpipKey.h"
+
+namespace corvane {
+
+namespace {
+
+/// One disabling or enabling of one link.
+class Operation {
+   public:
+    Operation(Machine& machine, std::string name) : machine_(machine), name_(std::move(name)) {
+        machine_.Update();
+        if (const LinkRow* row = machine_.RowOfName(name_)) row_ = *row;
+    }
+
+    bool Disable() {
+        if (!Find()) return false;
+        if (!SetHeld(true)) return false;
+        std::string failure;
+        if (!Ok(StopDhcp(link_.index, failure))) {
+            Problem(failure);
+            SetHeld(false);
+            return false;
+        }
+        const KernelAnswer down = machine_.Kernel().SetLinkUp(link_.index, false);
+        if (!down.Ok()) {
+            Problem("the link could not be taken down: " + down.Words());
+            SetHeld(false);
+            return false;
+        }
+        RemoveAddressesBut({});
+        ApplyResolver();
+        return problems_.empty();
+    }
+
+    bool Enable() {
+        if (!Find()) return false;
+        const bool held = row_.held;
+        const bool dhcp = UsesDhcp(machine_.Store(), row_.id);
+        const StaticSetup setup = ReadStaticSetup(machine_.Store(), row_.id, link_.index);
+        if (!SetAddress() || !BringUp()) return false;
+        if (dhcp) {
+            RemoveAddressesBut({});
+            std::string failure;
+            if (!Ok(StartDhcp(link_.index, name_, row_.id, failure))) Problem(failure);
+        } else {
+            ApplyStatic(setup);
+        }
+        if (held) RestoreHeld();
+        ReleaseHold();
+        ApplyResolver();
+        ReadBack(dhcp ? StaticSetup() : setup);
+        return problems_.empty();
+    }
+
+    [[nodiscard]] std::string Problems() const { return Join(problems_, "; "); }
+
+   private:
+    void Problem(const std::string& sentence) { problems_.push_back("'" + name_ + "': " + sentence); }
+
+    bool Find() {
+        const KernelAnswer answer = machine_.Kernel().GetLinkByName(name_, link_);
+        if (!answer.Ok()) {
+            Problem("the link is gone: " + answer.Words());
+            return false;
+        }
+        if (row_.id.empty() || row_.index != link_.index) {
+            Problem("the link is not in the registry; it appeared or was replaced just now, try again");
+            return false;
+        }
+        return true;
+    }
+
+    /// Marks the link as disabled by the program, together with what it is going to lose; or takes the mark off.
+    bool SetHeld(bool held) {
+        std::vector<RawMessage> saved;
+        if (held) {
+            const KernelAnswer answer = machine_.Kernel().SaveLinkState(link_.index, saved);
+            if (!answer.Ok()) Problem("its routes could not be read: " + answer.Words());
+        }
+        std::vector<HeldMessage> messages;
+        for (RawMessage& message : saved) messages.push_back({message.type, std::move(message.payload)});
+        row_.held = held;
+        const Win32Error code = machine_.Store().Transact([&](RegistryStore::Editor& editor) {
+            const Win32Error kept = editor.SaveHeld(row_.id, messages);
+            return Ok(kept) ? editor.SaveLink(row_) : kept;
+        });
+        if (Ok(code)) return true;
+        Problem("what it would lose could not be kept in the registry: " + Trim(Win32Text(code)));
+        return false;
+    }
+
+    void RemoveAddressesBut(const std::vector<KernelAddress>& wanted) {
+        std::vector<KernelAddress> present;
+        if (!machine_.Kernel().DumpAddresses(present).Ok()) return;
+        // Last first: with a primary address the kernel takes its secondary ones.
+        for (auto address = present.rbegin(); address != present.rend(); ++address) {
+            if (address->index != link_.index || Contains(wanted, *address)) continue;
+            const KernelAnswer answer = machine_.Kernel().DeleteAddress(*address);
+            if (!answer.Ok()) {
+                Problem("address " + DottedQuad(address->address.data()) + " could not be removed: " + answer.Words());
+            }
+        }
+    }
+
+    static bool Contains(const std::vector<KernelAddress>& addresses, const KernelAddress& address) {
+        return std::any_of(addresses.begin(), addresses.end(), [&](const KernelAddress& other) {
+            return other.index == address.index && other.address == address.address &&
+                   other.prefix == address.prefix && address.validSeconds == kForever;
+        });
+    }
+
+    std::optional<MacBytes> Original() const { return ParseMacDigits(row_.original); }
+
+    /// The address that the link should get; nothing when it should keep what it has.
+    std::optional<MacBytes> WantedAddress() {
+        const std::optional<std::string> text = ReadOverride(machine_.Store(), row_.driverKey);
+        if (text && !text->empty()) {
+            const std::optional<MacBytes> mac = ParseMacDigits(*text);
+            const std::string reason = mac ? MacRefusal(*mac) : "it is not made of twelve hexadecimal digits";
+            if (reason.empty()) {
+                overrides_ = true;
+                return mac;
+            }
+            Problem("MAC address '" + *text + "' cannot be used: " + reason + "; the original address was given back");
+        }
+        // A bridge takes its address from its ports as long as nobody sets one.
+        if (link_.kind == "bridge" && row_.applied.empty()) return std::nullopt;
+        return Original();
+    }
+
+    bool SetAddress() {
+        wanted_ = WantedAddress();
+        if (!wanted_ || *wanted_ == link_.address) return true;
+        const KernelAnswer answer = machine_.Kernel().SetLinkAddress(link_.index, *wanted_);
+        if (answer.Ok()) return true;
+        if (!overrides_) {
+            Problem("the original MAC address could not be given back: " + answer.Words());
+            wanted_.reset();
+            return true;
+        }
+        FallBack(answer);
+        return true;
+    }
+
+    /// The kernel or the driver refused the override: gives the original back, says why.
+    void FallBack(const KernelAnswer& answer) {
+        Problem("MAC address " + MacText(*wanted_) + " was refused: " + answer.Words() +
+                "; the link has its original address");
+        overrides_ = false;
+        wanted_ = Original();
+        if (!wanted_ || *wanted_ == link_.address) return;
+        const KernelAnswer again = machine_.Kernel().SetLinkAddress(link_.index, *wanted_);
+        if (!again.Ok()) Problem("the original MAC address could not be given back: " + again.Words());
+    }
+
+    /// Address conflicts with sibling links show only here.
+    bool BringUp() {
+        KernelAnswer up = machine_.Kernel().SetLinkUp(link_.index, true);
+        if (!up.Ok() && overrides_) {
+            link_.address = *wanted_;
+            FallBack(up);
+            up = machine_.Kernel().SetLinkUp(link_.index, true);
+        }
+        if (up.Ok()) return true;
+        Problem("the link could not be taken up: " + up.Words());
+        return false;
+    }
+
+    void ApplyStatic(const StaticSetup& setup) {
+        for (const std::string& sentence : setup.refused) Problem(sentence);
+        RemoveAddressesBut(setup.addresses);
+        for (const KernelAddress& address : setup.addresses) {
+            const KernelAnswer answer = machine_.Kernel().AddAddress(address, true);
+            if (!answer.Ok()) {
+                Problem("IP address " + DottedQuad(address.address.data()) + " was refused: " + answer.Words());
+            }
+        }
+        std::vector<KernelRoute> present;
+        static_cast<void>(machine_.Kernel().DumpRoutes(present));
+        for (const KernelRoute& route : present) {
+            if (route.index == link_.index && route.prefix == 0 && route.gateway) {
+                static_cast<void>(machine_.Kernel().DeleteRoute(route));
+            }
+        }
+        for (const KernelRoute& route : setup.defaultRoutes) {
+            const KernelAnswer answer = machine_.Kernel().AddRoute(route);
+            if (!answer.Ok()) {
+                Problem("gateway " + DottedQuad(route.gateway->data()) + " was refused: " + answer.Words());
+            }
+        }
+    }
+
+    void RestoreHeld() {
+        std::vector<HeldMessage> messages;
+        if (!Ok(machine_.Store().LoadHeld(row_.id, messages))) return;
+        for (const HeldMessage& message : messages) {
+            // What depends on an address that is no longer wanted cannot come back, and need not.
+            static_cast<void>(machine_.Kernel().Restore({message.type, message.payload}));
+        }
+    }
+
+    void ReleaseHold() {
+        row_.held = false;
+        row_.applied = overrides_ ? MacDigits(*wanted_) : std::string();
+        const Win32Error code = machine_.Store().Transact([&](RegistryStore::Editor& editor) {
+            const Win32Error forgotten = editor.SaveHeld(row_.id, {});
+            return Ok(forgotten) ? editor.SaveLink(row_) : forgotten;
+        });
+        if (!Ok(code)) Problem("the registry could not be brought up to date: " + Trim(Win32Text(code)));
+    }
+
+    void ApplyResolver() {
+        std::string failure;
+        if (!ApplyDns(machine_.Store(), machine_.Kernel(), failure)) problems_.push_back(failure);
+    }
+
+    /// The kernel is the witness of what was asked for.
+    void ReadBack(const StaticSetup& setup) {
+        KernelLink now;
+        const KernelAnswer answer = machine_.Kernel().GetLink(link_.index, now);
+        if (!answer.Ok()) {
+            Problem("the link is gone: " + answer.Words());
+            return;
+        }
+        if (!now.Up()) Problem("the link is down again");
+        if (wanted_ && now.address != *wanted_) {
+            Problem("the MAC address is " + MacText(now.address) + ", not " + MacText(*wanted_));
+        }
+        std::vector<KernelAddress> present;
+        static_cast<void>(machine_.Kernel().DumpAddresses(present));
+        std::vector<Ipv4Bytes> announced;
+        for (const KernelAddress& address : setup.addresses) {
+            if (Contains(present, address)) announced.push_back(address.address);
+        }
+        AnnounceAddresses(link_.index, now.address, announced);
+    }
+
+    Machine& machine_;
+    std::string name_;
+    LinkRow row_;
+    KernelLink link_;
+    std::optional<MacBytes> wanted_;
+    bool overrides_ = false;
+    std::vector<std::string> problems_;
+};
+
+}  // namespace
+
+bool LinkControl::Disable(const std::string& linkName, std::string& failure) {
+    Operation operation(*machine_, linkName);
+    const bool done = operation.Disable();
+    failure = operation.Problems();
+    return done;
+}
+
+bool LinkControl::Enable(const std::string& linkName, std::string& failure) {
+    Operation operation(*machine_, linkName);
+    const bool done = operation.Enable();
+    failure = operation.Problems();
+    return done;
+}
+
+}  // namespace corvane

@@ -1,0 +1,39 @@
+#include "platform/linux/Machine.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace corvane {
+
+Machine::Machine(std::string storePath) : store_(std::move(storePath)), zone_(CurrentTimeZone()) {
+    picture_.incarnationBase = IncarnationBase();
+}
+
+Machine::~Machine() = default;
+
+void Machine::Update() {
+    const bool changed = monitor_.TakeChanges();
+    if (known_ && !changed) return;
+    std::vector<KernelLink> links;
+    const bool complete = netlink_.DumpLinks(links).Ok() && netlink_.DumpAddresses(picture_.addresses).Ok() &&
+                          netlink_.DumpRoutes(picture_.routes).Ok();
+    std::erase_if(links, [](const KernelLink& link) { return !IsAdapter(link); });
+    picture_.links = std::move(links);
+    // A picture with holes must not make the store forget links.
+    if (!complete) return;
+    known_ = Ok(SyncLinks(store_, picture_, zone_, ethtool_, rows_));
+}
+
+const LinkRow* Machine::RowOfIndex(std::uint32_t index) const {
+    const auto row = std::find_if(rows_.begin(), rows_.end(),
+                                  [&](const LinkRow& candidate) { return candidate.present && candidate.index == index; });
+    return row == rows_.end() ? nullptr : &*row;
+}
+
+const LinkRow* Machine::RowOfName(const std::string& name) const {
+    const auto row = std::find_if(rows_.begin(), rows_.end(),
+                                  [&](const LinkRow& candidate) { return candidate.present && candidate.name == name; });
+    return row == rows_.end() ? nullptr : &*row;
+}
+
+}  // namespace corvane

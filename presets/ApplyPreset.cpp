@@ -1,0 +1,41 @@
+#include "presets/ApplyPreset.h"
+
+#include <string>
+
+#include "inventory/NicInfo.h"
+#include "mac/WriteNetworkAddress.h"
+#include "platform/Platform.h"
+#include "platform/Text.h"
+#include "tcpip/RegistryWriters.h"
+#include "vendors/RandomMac.h"
+#include "vendors/VendorList.h"
+
+namespace corvane {
+
+namespace {
+
+static_assert(kPresetDhcp == kTcpipDhcp && kPresetIp == kTcpipAddresses && kPresetGateway == kTcpipGateways &&
+              kPresetDns == kTcpipDns);
+
+void ApplyMac(std::size_t adapter, const PresetRecord& preset) {
+    if ((preset.Flags & kPresetRandomMac) != 0) {
+        UniformRandom random(CurrentPlatform().clock->Seed());
+        WriteNetworkAddress(adapter, RandomPresetMac(random, Vendors()));
+        return;
+    }
+    const NicInfo& nic = Nics.at(adapter);
+    if (preset.Mac == nic.NetworkAddress) return;
+    const bool original = preset.Mac == nic.OriginalNetworkAddress;
+    WriteNetworkAddress(adapter, original ? std::string() : Without(preset.Mac, '-'));
+}
+
+}  // namespace
+
+void ApplyPreset(std::size_t adapter, const PresetRecord& preset) {
+    if ((preset.Flags & kPresetMac) != 0) ApplyMac(adapter, preset);
+    WriteTcpipSettings(static_cast<std::int16_t>(adapter), preset.Flags, preset.IpAddresses.Items,
+                       preset.SubnetMasks.Items, preset.Gateways.Items, preset.GatewayMetrics.Items,
+                       preset.DnsServers.Items);
+}
+
+}  // namespace corvane

@@ -1,0 +1,128 @@
+"""The shape of the source tree: who may include whom, headers that stand alone, no forgotten test file."""
+
+import concurrent.futures
+import os
+import re
+import subprocess
+import tempfile
+import unittest
+
+SOURCE = os.environ["CORVANE_SOURCE"]
+
+# Folder -> the folders whose headers it may include, besides its own. Everything goes one way.
+ALLOWED = {
+    "platform": set(),
+    "platform/linux": {"platform"},
+    "platform/windows": {"platform"},
+    "vendors": {"platform"},
+    "inventory": {"platform", "vendors"},
+    "mac": {"platform", "inventory"},
+    "tcpip": {"platform", "inventory"},
+    "presets": {"platform", "vendors", "inventory", "mac", "tcpip"},
+    "ui/logic": {"platform", "vendors", "inventory", "mac", "tcpip", "presets"},
+    "ui": {"platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic"},
+    "startup": {"platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic", "ui"},
+}
+# Programs that are parts of the Linux back-end, or tools for its store.
+BACKEND_PROGRAMS = {"startup/NicxDhcp.cpp", "startup/NicxRegistry.cpp", "startup/RegistryTool.h", "startup/RegistryTool.cpp"}
+
+# System headers that only these folders may see.
+CONFINED = {
+    r"sqlite3\.h": {"platform/linux"},
+    r"(linux|libmnl|net|netinet|arpa)/.*": {"platform/linux"},
+    r"libudev\.h": {"platform/linux"},
+    r"windows\.h": {"platform/windows"},
+    r"wx/.*": {"ui", "startup"},
+}
+
+
+def sources(*suffixes):
+    listed = subprocess.run(
+        ["find", ".", "-path", "./build*", "-prune", "-o", "-path", "./.git", "-prune", "-o", "-type", "f", "-print"],
+        cwd=SOURCE, check=True, capture_output=True, text=True).stdout.split("\n")
+    return sorted(path[2:] for path in listed if path.endswith(suffixes))
+
+
+def folder_of(path):
+    folder = os.path.dirname(path)
+    return folder if folder in ALLOWED else None
+
+
+def includes(path):
+    with open(os.path.join(SOURCE, path), encoding="utf-8") as source:
+        for line in source:
+            match = re.match(r'\s*#include\s+(["<])([^">]+)', line)
+            if match:
+                yield match.group(1), match.group(2)
+
+
+class Structure(unittest.TestCase):
+    def test_includes_go_one_way(self):
+        wrong = []
+        seen = 0
+        for path in sources(".cpp", ".h"):
+            folder = folder_of(path)
+            if folder is None:
+                continue
+            for kind, name in includes(path):
+                if kind != '"':
+                    continue
+                seen += 1
+                target = folder_of(name)
+                self.assertIsNotNone(target, f"{path} includes {name} by a path that is not from the root")
+                allowed = ALLOWED[folder] | {folder}
+                if path in BACKEND_PROGRAMS:
+                    allowed = allowed | {"platform/linux"}
+                if target not in allowed:
+                    wrong.append(f"{path} includes {name}")
+        self.assertGreater(seen, 100)
+        self.assertEqual(wrong, [])
+
+    def test_system_headers_stay_in_the_back_ends(self):
+        wrong = []
+        for path in sources(".cpp", ".h"):
+            folder = folder_of(path)
+            if folder is None:
+                continue
+            for kind, name in includes(path):
+                for pattern, folders in CONFINED.items():
+                    if kind == "<" and re.fullmatch(pattern, name) and folder not in folders:
+                        wrong.append(f"{path} includes <{name}>")
+        self.assertEqual(wrong, [])
+
+    def test_every_header_compiles_alone(self):
+        headers = [path for path in sources(".h") if folder_of(path)]
+        self.assertGreater(len(headers), 30)
+
+        def compile_alone(path):
+            with tempfile.NamedTemporaryFile("w", suffix=".cpp") as unit:
+                unit.write(f'#include "{path}"\n')
+                unit.flush()
+                run = subprocess.run(["g++", "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only", "-I", SOURCE,
+                                      unit.name], capture_output=True, text=True)
+                return f"{path}\n{run.stderr}" if run.returncode else None
+
+        with concurrent.futures.ThreadPoolExecutor(2) as pool:
+            failures = [failure for failure in pool.map(compile_alone, headers) if failure]
+        self.assertEqual(failures, [])
+
+    def test_every_test_file_is_listed(self):
+        listings = ""
+        for path in sources(".cmake", "CMakeLists.txt"):
+            with open(os.path.join(SOURCE, path), encoding="utf-8") as listing:
+                listings += listing.read()
+        tests = [path for path in sources("Test.cpp", "_test.py", ".cpp") if path.startswith("tests/")]
+        self.assertGreater(len(tests), 20)
+        self.assertEqual([path for path in tests if os.path.basename(path) not in listings], [])
+
+    def test_every_source_file_is_listed(self):
+        listings = ""
+        for path in sources(".cmake", "CMakeLists.txt"):
+            with open(os.path.join(SOURCE, path), encoding="utf-8") as listing:
+                listings += listing.read()
+        units = [path for path in sources(".cpp") if folder_of(path)]
+        self.assertEqual([path for path in units if os.path.basename(path) not in listings], [])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,7 @@
+corvane_test(NAME vendors_test SOURCES unit/VendorListTest.cpp unit/RandomMacTest.cpp LIBS corvane_core)
+add_dependencies(vendors_test vendor_list)
+
+add_test(NAME make_vendor_list_test
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/unit/make_vendor_list_test.py
+        ${CMAKE_SOURCE_DIR}/data/make_vendor_list.py ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/VendorNumbers.log
+        ${CORVANE_OUI_CSV})

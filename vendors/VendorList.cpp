@@ -1,0 +1,208 @@
+#include "vendors/VendorList.h"
+
+#include <bit>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/Files.h"
+#include "platform/RunTimeError.h"
+#include "platform/Text.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::size_t kCountBytes = 4;
+constexpr std::size_t kPrefixBytes = 6;
+constexpr std::size_t kLengthBytes = 2;
+/// A record with two empty texts.
+constexpr std::size_t kSmallestRecord = kPrefixBytes + 2 * kLengthBytes;
+
+/// Larger files are refused, which also keeps every offset within 32 bits.
+constexpr std::uintmax_t kLargestFile = 256U * 1024U * 1024U;
+
+constexpr char kRemedy[] = "Put back the file that came with the program.";
+
+std::uint8_t ByteAt(std::string_view bytes, std::size_t offset) {
+    return static_cast<std::uint8_t>(bytes[offset]);
+}
+
+std::size_t LengthAt(std::string_view bytes, std::size_t offset) {
+    return ByteAt(bytes, offset) + (std::size_t{ByteAt(bytes, offset + 1)} << 8U);
+}
+
+std::int32_t CountAt(std::string_view bytes) {
+    std::uint32_t count = 0;
+    for (std::size_t i = kCountBytes; i-- > 0;) count = (count << 8U) | ByteAt(bytes, i);
+    return static_cast<std::int32_t>(count);
+}
+
+/// The six bytes of a prefix as a number. Two overlapping reads of four bytes do it without a loop.
+std::uint64_t KeyOf(const char* prefix) {
+    std::uint32_t first = 0;
+    std::uint32_t last = 0;
+    std::memcpy(&first, prefix, sizeof first);
+    std::memcpy(&last, prefix + kPrefixBytes - sizeof last, sizeof last);
+    return first | (std::uint64_t{last} << 32U);
+}
+
+/// Spreads the keys: hexadecimal digits differ in a few bits only. Multiplication moves them to the top,
+/// which is then folded onto the bits that pick the slot. The factor is 2^64 divided by the golden ratio.
+std::size_t HashOf(std::uint64_t key) {
+    key *= 0x9E3779B97F4A7C15U;
+    key ^= key >> 32U;
+    key *= 0x9E3779B97F4A7C15U;
+    return static_cast<std::size_t>(key >> 32U);
+}
+
+[[noreturn]] void FailToRead(const std::string& path, const std::error_code& reason) {
+    int number = RunTimeError::kPathFileAccess;
+    if (reason == std::errc::no_such_file_or_directory || reason == std::errc::not_a_directory) {
+        number = RunTimeError::kFileNotFound;
+    } else if (reason == std::errc::permission_denied || reason == std::errc::operation_not_permitted) {
+        number = RunTimeError::kPermissionDenied;
+    } else if (reason == std::errc::io_error) {
+        number = RunTimeError::kDeviceIoError;
+    } else if (reason == std::errc::not_enough_memory) {
+        number = RunTimeError::kOutOfMemory;
+    }
+    throw RunTimeError(number,
+                       "The vendor list " + path + " cannot be read: " + reason.message() + ". " + kRemedy);
+}
+
+[[noreturn]] void FailShort(const std::string& path) {
+    throw RunTimeError(RunTimeError::kInputPastEndOfFile,
+                       "The vendor list " + path + " is shorter than its record count says. " + kRemedy);
+}
+
+}  // namespace
+
+VendorTable VendorTable::Empty() {
+    VendorTable table;
+    table.bytes_.assign(kSmallestRecord, '\0');
+    table.slots_.assign(2, 0);
+    table.AddRecord(0);
+    return table;
+}
+
+bool VendorTable::IsPlaceholder() const {
+    return Size() == 1 && Prefix(0) == std::string_view("\0\0\0\0\0\0", 6);
+}
+
+VendorTable VendorTable::Parse(std::string contents, const std::string& path) {
+    const std::string_view bytes = contents;
+    if (bytes.size() < kCountBytes) FailShort(path);
+    const std::int32_t count = CountAt(bytes);
+    if (count <= 0) {
+        throw RunTimeError(
+            RunTimeError::kSubscriptOutOfRange,
+            "The vendor list " + path + " has the record count " + std::to_string(count) + ". " + kRemedy);
+    }
+    const auto records = static_cast<std::size_t>(count);
+    // Before any memory is asked for: a damaged count may be in the billions.
+    if (records > (bytes.size() - kCountBytes) / kSmallestRecord) FailShort(path);
+
+    VendorTable table;
+    table.bytes_ = std::move(contents);
+    table.starts_.reserve(records);
+    table.slots_.assign(std::bit_ceil(records * 2), 0);
+    const std::string_view all = table.bytes_;
+    std::size_t offset = kCountBytes;
+    for (std::size_t i = 0; i < records; ++i) {
+        const std::size_t start = offset;
+        if (all.size() - offset < kSmallestRecord) FailShort(path);
+        offset += kPrefixBytes;
+        const std::size_t nameLength = LengthAt(all, offset);
+        offset += kLengthBytes;
+        if (all.size() - offset < nameLength + kLengthBytes) FailShort(path);
+        offset += nameLength;
+        const std::size_t addressLength = LengthAt(all, offset);
+        offset += kLengthBytes;
+        if (all.size() - offset < addressLength) FailShort(path);
+        offset += addressLength;
+        table.AddRecord(static_cast<std::uint32_t>(start));
+    }
+    return table;
+}
+
+void VendorTable::AddRecord(std::uint32_t start) {
+    starts_.push_back(start);
+    const std::uint64_t key = KeyOf(bytes_.data() + start);
+    const std::size_t slot = SlotOf(key);
+    if (slots_[slot] == 0) slots_[slot] = static_cast<std::uint32_t>(starts_.size());
+}
+
+std::size_t VendorTable::SlotOf(std::uint64_t key) const {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = HashOf(key) & mask;
+    while (slots_[slot] != 0 && KeyOf(bytes_.data() + starts_[slots_[slot] - 1]) != key)
+        slot = (slot + 1) & mask;
+    return slot;
+}
+
+std::optional<std::size_t> VendorTable::FindVendor(std::string_view prefix) const {
+    if (prefix.size() != kPrefixBytes) return std::nullopt;
+    const std::uint32_t found = slots_[SlotOf(KeyOf(prefix.data()))];
+    if (found == 0) return std::nullopt;
+    return found - 1;
+}
+
+std::size_t VendorTable::StartOf(std::size_t i) const {
+    if (i >= starts_.size()) {
+        throw RunTimeError(RunTimeError::kSubscriptOutOfRange,
+                           "The vendor list has no record " + std::to_string(i) + "; choose one of the " +
+                               std::to_string(starts_.size()) + " that it has.");
+    }
+    return starts_[i];
+}
+
+std::string_view VendorTable::TextAt(std::size_t offset) const {
+    return std::string_view(bytes_).substr(offset + kLengthBytes, LengthAt(bytes_, offset));
+}
+
+std::string_view VendorTable::Prefix(std::size_t i) const {
+    return std::string_view(bytes_).substr(StartOf(i), kPrefixBytes);
+}
+
+std::string VendorTable::Name(std::size_t i) const { return FromCodePage(TextAt(StartOf(i) + kPrefixBytes)); }
+
+std::string VendorTable::Address(std::size_t i) const {
+    const std::size_t name = StartOf(i) + kPrefixBytes;
+    return FromCodePage(TextAt(name + kLengthBytes + LengthAt(bytes_, name)));
+}
+
+VendorRecord VendorTable::Record(std::size_t i) const {
+    return {.Prefix = FromCodePage(Prefix(i)), .Name = Name(i), .Address = Address(i)};
+}
+
+VendorTable LoadVendorList(const std::string& programFolder) {
+    const std::string path = programFolder + kVendorFileName;
+    std::error_code failure;
+    const std::filesystem::path file(std::u8string(path.begin(), path.end()));
+    const std::uintmax_t size = std::filesystem::file_size(file, failure);
+    if (failure) FailToRead(path, failure);
+    if (size > kLargestFile) {
+        throw RunTimeError(RunTimeError::kOutOfMemory, "The vendor list " + path + " is too large: " +
+                                                           std::to_string(size) + " bytes. " + kRemedy);
+    }
+    std::string contents;
+    failure = ReadFileContents(path, contents);
+    if (failure) FailToRead(path, failure);
+    return VendorTable::Parse(std::move(contents), path);
+}
+
+VendorTable& Vendors() {
+    static VendorTable table = VendorTable::Empty();
+    return table;
+}
+
+std::string VendorText(const VendorTable& table, std::size_t i) {
+    if (ShortVendorList) return table.Name(i);
+    return table.Name(i) + "   Address: " + table.Address(i);
+}
+
+std::optional<std::size_t> FindVendor(std::string_view prefix) { return Vendors().FindVendor(prefix); }
+
+}  // namespace corvane
