@@ -19,7 +19,9 @@ void LookUpVendor(NicInfo& nic, const std::string& prefix) {
     if (const std::optional<std::size_t> record = FindVendor(prefix)) nic.Vendor = VendorText(Vendors(), *record);
 }
 
+/// An adapter without a driver key has no place for the saved address; it is then known for this run only.
 void WriteOriginal(const NicInfo& nic) {
+    if (nic.DriverKey.empty()) return;
     static_cast<void>(RegSetString(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue,
                                    nic.OriginalNetworkAddress, kRegSz));
 }
@@ -82,9 +84,12 @@ void ReadDisabled(NicInfo& nic) {
     nic.Status = "Disabled";
     if (ResetOriginalMac) {
         nic.OriginalNetworkAddress.clear();
-        static_cast<void>(RegDeleteValue(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue));
+        if (!nic.DriverKey.empty())
+            static_cast<void>(RegDeleteValue(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue));
     }
-    const std::string& stored = nic.NetworkAddress.empty() ? nic.OriginalNetworkAddress : nic.NetworkAddress;
+    // In the code page, as the vendor list's prefixes are: one byte per character.
+    const std::string stored =
+        ToCodePage(nic.NetworkAddress.empty() ? nic.OriginalNetworkAddress : nic.NetworkAddress);
     if (stored.size() >= 8) LookUpVendor(nic, stored.substr(0, 2) + stored.substr(3, 2) + stored.substr(6, 2));
 }
 

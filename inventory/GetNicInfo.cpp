@@ -41,13 +41,17 @@ std::string ReadText(const std::string& key, const std::string& name) {
     return text;
 }
 
+/// Characters of a registry text: each is one byte of the code page, whatever its length in UTF-8.
+std::size_t CharacterCount(const std::string& text) { return ToCodePage(text).size(); }
+
 std::string PairsOfFirstTwelve(const std::string& text) {
+    const std::string characters = ToCodePage(text);
     std::string pairs;
     for (std::size_t i = 0; i < 12; i += 2) {
         if (i > 0) pairs += '-';
-        pairs += text.substr(i, 2);
+        pairs += characters.substr(i, 2);
     }
-    return pairs;
+    return FromCodePage(pairs);
 }
 
 void ReadDriverKey(NicInfo& nic, const std::string& subkey) {
@@ -56,9 +60,9 @@ void ReadDriverKey(NicInfo& nic, const std::string& subkey) {
     nic.DriverDesc = ReadText(key, "DriverDesc");
     nic.ComponentId = ReadText(key, "ComponentId");
     const std::string address = ToUpper(ReadText(key, "NetworkAddress"));
-    nic.NetworkAddress = address.size() > 11 ? PairsOfFirstTwelve(address) : std::string();
+    nic.NetworkAddress = CharacterCount(address) > 11 ? PairsOfFirstTwelve(address) : std::string();
     const std::string original = ToUpper(ReadText(key, "OriginalNetworkAddress"));
-    nic.OriginalNetworkAddress = original.size() > 11 ? original : std::string();
+    nic.OriginalNetworkAddress = CharacterCount(original) > 11 ? original : std::string();
 }
 
 }  // namespace

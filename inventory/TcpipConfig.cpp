@@ -54,12 +54,13 @@ class RowsByInterface {
     std::unordered_map<std::uint32_t, std::vector<const Row*>> rows_;
 };
 
-/// Seconds of a zone offset's text, such as 19800 for "05:30"; 0 for a text of another form.
+/// Seconds of a zone offset's text, such as 19800 for "05:30" and 18000 for "5"; 0 for a text that is no time of day.
 std::int64_t OffsetSeconds(const std::string& text) {
     const std::vector<std::string> parts = Split(text, ':');
-    if (parts.size() < 2) return 0;
-    return static_cast<std::int64_t>(NumericValue(parts[0])) * 3600 +
-           static_cast<std::int64_t>(NumericValue(parts[1])) * 60;
+    const double hours = NumericValue(parts[0]);
+    const double minutes = parts.size() > 1 ? NumericValue(parts[1]) : 0;
+    if (hours < 0 || hours >= 24 || minutes < 0 || minutes >= 60) return 0;
+    return static_cast<std::int64_t>(hours) * 3600 + static_cast<std::int64_t>(minutes) * 60;
 }
 
 DateTime DateFromSeconds(std::int64_t seconds) {

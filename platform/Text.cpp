@@ -62,9 +62,9 @@ double NumericValue(std::string_view text) {
     const std::string compact = Without(text, ' ');
     const char* first = compact.data();
     const char* const last = first + compact.size();
+    const char* const digits = first != last && (*first == '+' || *first == '-') ? first + 1 : first;
+    // from_chars also reads "inf" and "nan", which are no numbers here, and does not know the sign "+".
     if (first != last && *first == '+') ++first;
-    // from_chars also reads "inf" and "nan", which are no numbers here.
-    const char* const digits = first != last && *first == '-' ? first + 1 : first;
     if (digits == last || !((*digits >= '0' && *digits <= '9') || *digits == '.')) return 0;
     double value = 0;
     const auto [end, error] = std::from_chars(first, last, value);

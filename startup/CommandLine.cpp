@@ -21,12 +21,14 @@ std::vector<std::string> ListEntries(const std::string& text) {
     return text.empty() ? std::vector<std::string>() : Split(text, ',');
 }
 
-/// The two lists of "a,b:c,d". The second gets the first's length, and `missing` for each entry it lacks.
+/// The two lists of "a,b:c,d". The second gets the first's length, and `missing` for each entry it lacks, unless the
+/// first has no entry.
 void ParseListPair(const std::string& value, const std::string& missing, PresetList& first, PresetList& second) {
     std::vector<std::string> parts = Split(Without(value, ' '), ':');
     parts.resize(2);
     first = PresetList(ListEntries(parts[0]));
     second = PresetList(ListEntries(parts[1]));
+    if (first.Items.empty()) return;
     second.Items.resize(first.Items.size());
     std::replace(second.Items.begin(), second.Items.end(), std::string(), missing);
 }

@@ -49,7 +49,9 @@ constexpr char kHelp[] =
     "  --version         the version\n"
     "\n"
     "Exit codes: 0 done, 1 failed, 2 wrong arguments, 3 not root, 4 no DHCP client, 5 no such link.\n"
-    "Environment: NICX_REGISTRY (registry file), NICX_RUNTIME (folder of the control sockets).\n";
+    "Environment: NICX_REGISTRY (registry file), NICX_RUNTIME (folder of the control sockets), "
+    "NICX_DHCP_CLIENT\n"
+    "(as --client).\n";
 
 struct Arguments {
     std::string interface;
@@ -95,6 +97,12 @@ bool ReadArguments(const std::vector<std::string>& texts, Arguments& arguments, 
         }
     }
     if (arguments.help || arguments.version) return true;
+    const char* const client = std::getenv("NICX_DHCP_CLIENT");
+    if (!arguments.client && client != nullptr && *client != '\0') {
+        arguments.client = DhcpClientKindFrom(client);
+        if (!arguments.client)
+            return fail("NICX_DHCP_CLIENT is udhcpc, dhcpcd or dhclient, not " + std::string(client));
+    }
     if (arguments.interface.empty()) return fail("--interface is missing");
     if (arguments.id.empty()) return fail("--id is missing");
     if (arguments.id.find('\\') != std::string::npos)

@@ -7,13 +7,13 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/pidfd.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/linux/DhcpHook.h"
+#include "platform/linux/ProcessDescriptor.h"
 
 namespace corvane {
 
@@ -94,7 +94,7 @@ bool DhcpClientProcess::Start(const std::vector<std::string>& arguments, bool ta
     do {
         told = read(failureReading.Get(), &error, sizeof error);
     } while (told < 0 && errno == EINTR);
-    Descriptor end(pidfd_open(child, 0));
+    Descriptor end(OpenProcess(child));
     if (told > 0 || !end.IsOpen()) {
         if (told <= 0) error = errno;
         kill(child, SIGKILL);
@@ -109,7 +109,7 @@ bool DhcpClientProcess::Start(const std::vector<std::string>& arguments, bool ta
 }
 
 void DhcpClientProcess::Signal(int number) const {
-    if (Running()) pidfd_send_signal(processEnd_.Get(), number, nullptr, 0);
+    if (Running()) SignalProcess(processEnd_.Get(), number);
 }
 
 bool DhcpClientProcess::Collect(std::string& words) {

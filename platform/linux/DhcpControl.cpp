@@ -12,7 +12,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/pidfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,6 +20,7 @@
 #include "platform/linux/DhcpExit.h"
 #include "platform/linux/DhcpSocket.h"
 #include "platform/linux/Errors.h"
+#include "platform/linux/ProcessDescriptor.h"
 
 extern char** environ;
 
@@ -155,7 +155,7 @@ Win32Error StartDhcp(std::uint32_t linkIndex, const std::string& linkName, const
         failure = "cannot run " + program + ": " + std::strerror(error);
         return FromErrno(error);
     }
-    const Descriptor process(pidfd_open(child, 0));
+    const Descriptor process(OpenProcess(child));
 
     // The program's first process ends when the supervisor takes requests, or with the reason why there is
     // none.
@@ -200,7 +200,7 @@ Win32Error StopDhcp(std::uint32_t linkIndex, std::string& failure) {
         failure = answer.words;
         return answer.code;
     }
-    if (process >= 0) pidfd_send_signal(process, SIGKILL, nullptr, 0);
+    if (process >= 0) SignalProcess(process, SIGKILL);
     failure =
         "the DHCP supervisor of the link did not end in time and was killed; its address may still be there";
     return Win32Error::kSemTimeout;

@@ -13,7 +13,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
-#include <sys/pidfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -21,6 +20,7 @@
 #include <unistd.h>
 
 #include "platform/linux/DhcpControl.h"
+#include "platform/linux/ProcessDescriptor.h"
 
 namespace corvane {
 
@@ -105,7 +105,7 @@ DhcpCaller::Outcome DhcpCaller::Connect(std::uint32_t linkIndex) {
     socklen_t size = sizeof peer;
     // A process of another process namespace is number 0 here.
     const bool known = getsockopt(socket.Get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.pid > 0;
-    process_.Reset(known ? pidfd_open(peer.pid, 0) : -1);
+    process_.Reset(known ? OpenProcess(peer.pid) : -1);
     socket_ = std::move(socket);
     return Outcome::kAnswered;
 }

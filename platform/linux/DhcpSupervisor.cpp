@@ -14,6 +14,7 @@
 
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "platform/linux/DhcpControl.h"
 
 namespace corvane {
 

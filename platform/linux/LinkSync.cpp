@@ -1,15 +1,15 @@
 #include "platform/linux/LinkSync.h"
 
-#include <sys/socket.h>
-#include <unistd.h>
-#include <uuid/uuid.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <map>
 #include <set>
 #include <unordered_map>
+
+#include <sys/socket.h>
+#include <unistd.h>
+#include <uuid/uuid.h>
 
 #include "platform/Address.h"
 #include "platform/Files.h"
@@ -63,7 +63,8 @@ RegistryValue ListValue(const std::vector<std::string>& entries) {
 
 RegistryValue DwordValue(std::uint32_t value) { return {kRegDword, DwordBytes(value)}; }
 
-/// A name-based GUID (RFC 4122, version 5), so that a link has the same one even for a program that may not store it.
+/// A name-based GUID (RFC 4122, version 5), so that a link has the same one even for a program that may not
+/// store it.
 std::string MakeId(const KernelLink& link, const std::set<std::string>& taken) {
     static constexpr unsigned char kNamespace[16] = {0x6f, 0x72, 0x76, 0x65, 0x6c, 0x6c, 0x51, 0x0c,
                                                      0xa6, 0x0c, 0x6c, 0x69, 0x6e, 0x6b, 0x69, 0x64};
@@ -87,7 +88,8 @@ struct TcpipValues {
     std::vector<std::string> metrics;
 };
 
-TcpipValues ValuesOf(const std::vector<const KernelAddress*>& addresses, const std::vector<const KernelRoute*>& routes) {
+TcpipValues ValuesOf(const std::vector<const KernelAddress*>& addresses,
+                     const std::vector<const KernelRoute*>& routes) {
     TcpipValues values;
     values.dhcp = std::any_of(addresses.begin(), addresses.end(),
                               [](const KernelAddress* address) { return address->validSeconds != kForever; });
@@ -111,7 +113,7 @@ TcpipValues ValuesOf(const std::vector<const KernelAddress*>& addresses, const s
 
 /// One pass of bringing the store in step, inside a transaction.
 class Step {
-   public:
+ public:
     Step(RegistryStore::Editor& editor, const KernelPicture& picture, const TimeZone& zone, Ethtool& ethtool)
         : editor_(editor),
           picture_(picture),
@@ -132,7 +134,8 @@ class Step {
         Note(editor_.CreateKey(kClassKey));
         const std::ptrdiff_t known = static_cast<std::ptrdiff_t>(rows_.size());
         for (std::ptrdiff_t i = 0; i < known; ++i) {
-            if (!matched.contains(i) && rows_[static_cast<std::size_t>(i)].present) Vanish(rows_[static_cast<std::size_t>(i)]);
+            if (!matched.contains(i) && rows_[static_cast<std::size_t>(i)].present)
+                Vanish(rows_[static_cast<std::size_t>(i)]);
         }
         for (std::size_t i = 0; i < picture_.links.size(); ++i) {
             if (matches[i] == kNoRow) {
@@ -143,11 +146,12 @@ class Step {
         }
         Note(editor_.SetFromKernel(kLinkageKey, "Bind", ListValue(bind_)));
         Note(editor_.SetFromKernel(kTimeZoneKey, "StandardName", TextValue(zone_.standardName)));
-        Note(editor_.SetFromKernel(kTimeZonesKey + ("\\" + zone_.standardName), "Display", TextValue(zone_.display)));
+        Note(editor_.SetFromKernel(kTimeZonesKey + ("\\" + zone_.standardName), "Display",
+                                   TextValue(zone_.display)));
         return code_;
     }
 
-   private:
+ private:
     void Note(Win32Error code) {
         if (Ok(code_)) code_ = code;
     }
@@ -178,8 +182,8 @@ class Step {
         if (row != before) Note(editor_.SaveLink(row));
     }
 
-    /// A new kernel object: what was true of the former one, its virtual address among it, is not true of this. The
-    /// messages kept of the former one name an index that is another link's by now.
+    /// A new kernel object: what was true of the former one, its virtual address among it, is not true of
+    /// this. The messages kept of the former one name an index that is another link's by now.
     void NewIncarnation(const KernelLink& link, LinkRow& row) {
         row.permanent = PermanentDigits(link);
         const std::string current = link.address == MacBytes{} ? std::string() : MacDigits(link.address);
@@ -212,9 +216,9 @@ class Step {
         const auto& addresses = Group(addresses_, link.index);
         const auto& routes = Group(routes_, link.index);
         const bool live = link.Up() && !row.held;
-        const std::string signature = LinkSignature(link, Group(addresses_, live ? link.index : 0),
-                                                    Group(routes_, live ? link.index : 0));
-        if (firstSight || (live && row.signature != signature)) WriteTcpip(row.id, ValuesOf(addresses, routes));
+        const std::string signature = LinkSignature(link, live, addresses, routes);
+        if (firstSight || (live && row.signature != signature))
+            WriteTcpip(row.id, ValuesOf(addresses, routes));
         row.index = link.index;
         row.signature = signature;
     }
@@ -229,8 +233,9 @@ class Step {
     }
 
     bool HasUserSettings(const LinkRow& row) {
-        static constexpr std::array kTcpipNames = {"EnableDHCP",           "IPAddress",  "SubnetMask",     "DefaultGateway",
-                                                   "DefaultGatewayMetric", "NameServer", "InterfaceMetric"};
+        static constexpr std::array kTcpipNames = {
+            "EnableDHCP",           "IPAddress",  "SubnetMask",     "DefaultGateway",
+            "DefaultGatewayMetric", "NameServer", "InterfaceMetric"};
         return row.held || !row.applied.empty() ||
                editor_.UserSet(DriverKeyPath(row.driverKey), "NetworkAddress") ||
                std::any_of(kTcpipNames.begin(), kTcpipNames.end(),
@@ -283,8 +288,8 @@ bool InStep(const std::vector<LinkRow>& rows, const KernelPicture& picture) {
         const bool live = link.Up() && !row.held;
         if (!row.present || row.name != link.name || row.index != link.index ||
             row.incarnation != Incarnation(picture, link) ||
-            row.signature != LinkSignature(link, Group(addresses, live ? link.index : 0),
-                                           Group(routes, live ? link.index : 0))) {
+            row.signature !=
+                LinkSignature(link, live, Group(addresses, link.index), Group(routes, link.index))) {
             return false;
         }
     }
@@ -343,15 +348,17 @@ std::vector<std::ptrdiff_t> MatchRows(const std::vector<LinkRow>& rows, const Ke
     return matches;
 }
 
-std::string LinkSignature(const KernelLink& link, const std::vector<const KernelAddress*>& addresses,
+std::string LinkSignature(const KernelLink& link, bool live,
+                          const std::vector<const KernelAddress*>& addresses,
                           const std::vector<const KernelRoute*>& routes) {
-    std::string text = link.kind + (link.Up() ? "|up" : "|down");
+    std::string text = link.kind + (live ? "|live" : "|idle");
     for (const KernelAddress* address : addresses) {
+        if (!live) break;
         text += "|a" + DottedQuad(address->address.data()) + "/" + std::to_string(address->prefix) +
                 (address->validSeconds == kForever ? "" : "d");
     }
     for (const KernelRoute* route : routes) {
-        if (route->prefix != 0 || !route->gateway) continue;
+        if (!live || route->prefix != 0 || !route->gateway) continue;
         text += "|g" + DottedQuad(route->gateway->data()) + "/" + std::to_string(route->metric);
     }
     // FNV-1a, 64 bits (http://www.isthe.com/chongo/tech/comp/fnv/): a digest, not a secret.
@@ -362,8 +369,8 @@ std::string LinkSignature(const KernelLink& link, const std::vector<const Kernel
     return hex;
 }
 
-Win32Error SyncLinks(RegistryStore& store, const KernelPicture& picture, const TimeZone& zone, Ethtool& ethtool,
-                     std::vector<LinkRow>& rows) {
+Win32Error SyncLinks(RegistryStore& store, const KernelPicture& picture, const TimeZone& zone,
+                     Ethtool& ethtool, std::vector<LinkRow>& rows) {
     Win32Error code = store.LoadLinks(rows);
     if (!Ok(code)) return code;
     const bool hasKeys = store.ReadValue(kHkeyLocalMachine, kAdaptersKey, "").keyOpened;

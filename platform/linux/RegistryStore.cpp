@@ -382,6 +382,8 @@ Win32Error RegistryStore::Apply(RegistryRoot root, const std::vector<Change>& ch
     });
 }
 
+const std::string& RegistryStore::Path() const { return impl_->path; }
+
 bool RegistryStore::ReadOnly() const {
     return !Ok(impl_->Run(kHkeyLocalMachine, [this] {
         return impl_->readOnly ? Win32Error::kAccessDenied : Win32Error::kSuccess;

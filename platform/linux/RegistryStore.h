@@ -96,6 +96,8 @@ class RegistryStore : public RegistryApi {
     /// WriteValue it stores text as it is given, so that exported values come back byte for byte.
     Win32Error Apply(RegistryRoot root, const std::vector<Change>& changes);
 
+    [[nodiscard]] const std::string& Path() const;
+
     /// True when RegistryApi writes would be refused.
     [[nodiscard]] bool ReadOnly() const;
 

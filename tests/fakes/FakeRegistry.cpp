@@ -52,10 +52,14 @@ RegistryRead FakeRegistry::ReadValue(RegistryRoot root, const std::string& subke
 Win32Error FakeRegistry::WriteValue(RegistryRoot root, const std::string& subkey, const std::string& name,
                                     const RegistryValue& value) {
     diary.push_back("write " + subkey + "\\" + name);
+    writes.push_back({subkey, name, value});
     if (readOnly && root == kHkeyLocalMachine) return Win32Error::kAccessDenied;
     if (const Win32Error code = Open(root, subkey); !Ok(code)) return code;
     if (const auto failure = Failure("write", subkey, name)) return *failure;
-    SetValue(subkey, name, value);
+    RegistryValue stored = value;
+    const bool isText = value.type == kRegSz || value.type == kRegMultiSz;
+    if (isText && !stored.data.empty() && stored.data.back() != 0) stored.data.push_back(0);
+    SetValue(subkey, name, stored);
     return Win32Error::kSuccess;
 }
 

@@ -67,6 +67,7 @@ TEST_F(NetlinkRoutes, DumpAgreesWithIp) {
     Ip("route add blackhole 10.43.0.0/16");
     const std::vector<KernelRoute> routes = Dumped();
     const nlohmann::json expected = IpJson("-d -N route show table main");
+    Ip("route del blackhole 10.43.0.0/16");
     ASSERT_EQ(routes.size(), expected.size());
     for (const nlohmann::json& oracle : expected) {
         const auto found = std::find_if(routes.begin(), routes.end(), [&](const KernelRoute& route) {
@@ -88,10 +89,9 @@ TEST_F(NetlinkRoutes, OtherTablesAreFilteredInTheKernel) {
     Ip("route add 10.44.0.0/16 via 10.40.0.2 table 100");
     Ip("route add 10.45.0.0/16 via 10.40.0.2");
     const std::vector<KernelRoute> routes = Dumped();
-    EXPECT_TRUE(Has(routes, Route(veth_, {10, 45, 0, 0}, 16, Ipv4Bytes{10, 40, 0, 2})) ||
-                std::any_of(routes.begin(), routes.end(), [](const KernelRoute& route) {
-                    return route.destination == Ipv4Bytes{10, 45, 0, 0};
-                }));
+    EXPECT_TRUE(std::any_of(routes.begin(), routes.end(), [](const KernelRoute& route) {
+        return route.destination == Ipv4Bytes{10, 45, 0, 0};
+    }));
     EXPECT_TRUE(std::none_of(routes.begin(), routes.end(), [](const KernelRoute& route) {
         return route.destination == Ipv4Bytes{10, 44, 0, 0};
     }));

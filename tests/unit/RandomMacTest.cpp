@@ -16,7 +16,7 @@ VendorTable NumberedTable(std::size_t size) {
     std::string bytes;
     for (int i = 0; i < 4; ++i) bytes += static_cast<char>((size >> (8 * i)) & 0xFF);
     for (std::size_t i = 0; i < size; ++i) {
-        char prefix[7];
+        char prefix[17];
         std::snprintf(prefix, sizeof prefix, "%06zX", i);
         bytes += prefix + std::string(4, '\0');
     }

@@ -31,12 +31,11 @@ std::string LongDate(const DateTime& date) {
            kMonths.at(static_cast<std::size_t>(date.month - 1)) + numbers;
 }
 
-/// Entries of two parallel lists as pairs of lines; unused lists hold one empty text.
+/// Entries of two parallel lists as pairs of lines. The one empty entry of an unused list makes a pair too.
 std::string PairLines(const char* firstLabel, const std::vector<std::string>& first, const char* secondLabel,
                       const std::vector<std::string>& second, const std::string& missingSecond) {
     std::string lines;
     for (std::size_t i = 0; i < first.size(); ++i) {
-        if (first[i].empty()) continue;
         const bool present = i < second.size() && !second[i].empty();
         lines += Line(firstLabel, first[i]) + Line(secondLabel, present ? second[i] : missingSecond);
     }
@@ -73,9 +72,7 @@ std::string InterfaceSection(std::size_t adapter) {
     }
     text += PairLines("IP Address", nic.IpAddresses, "Subnet Mask", nic.SubnetMasks, "0.0.0.0");
     text += PairLines("Gateway", nic.Gateways, "Metric", nic.GatewayMetrics, "");
-    for (const std::string& server : nic.DnsServers) {
-        if (!server.empty()) text += Line("DNS Server", server);
-    }
+    for (const std::string& server : nic.DnsServers) text += Line("DNS Server", server);
     return text;
 }
 

@@ -1,0 +1,5 @@
+add_library(corvane_registry_tool STATIC RegistryArguments.cpp RegistryData.cpp RegistryTool.cpp)
+target_link_libraries(corvane_registry_tool PUBLIC corvane_store)
+
+add_executable(nicx-registry NicxRegistry.cpp)
+target_link_libraries(nicx-registry PRIVATE corvane_registry_tool corvane_backend)

@@ -1,0 +1,3 @@
+corvane_test(NAME registry_contract_test
+    SOURCES contract/RegistryContractTest.cpp
+    LIBS corvane_fakes corvane_store)

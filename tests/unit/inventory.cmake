@@ -1,0 +1,8 @@
+corvane_test(NAME inventory_test
+    SOURCES
+        unit/AdapterRegistryTest.cpp
+        unit/AdapterStatusTest.cpp
+        unit/InterfaceIndexTest.cpp
+        unit/TcpipConfigTest.cpp
+        unit/TimeZoneOffsetTest.cpp
+    LIBS corvane_fakes)

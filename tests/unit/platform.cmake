@@ -1,0 +1,8 @@
+corvane_test(NAME platform_test
+    SOURCES
+        unit/AddressTest.cpp
+        unit/IphlpApiTest.cpp
+        unit/PlatformTest.cpp
+        unit/RegistryOperationsTest.cpp
+        unit/TextTest.cpp
+    LIBS corvane_fakes)
