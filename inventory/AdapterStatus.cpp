@@ -16,7 +16,8 @@ namespace {
 constexpr char kOriginalValue[] = "OriginalNetworkAddress";
 
 void LookUpVendor(NicInfo& nic, const std::string& prefix) {
-    if (const std::optional<std::size_t> record = FindVendor(prefix)) nic.Vendor = VendorText(Vendors(), *record);
+    if (const std::optional<std::size_t> record = FindVendor(prefix))
+        nic.Vendor = VendorText(Vendors(), *record);
 }
 
 /// An adapter without a driver key has no place for the saved address; it is then known for this run only.
@@ -26,8 +27,8 @@ void WriteOriginal(const NicInfo& nic) {
                                    nic.OriginalNetworkAddress, kRegSz));
 }
 
-/// The reported address is the manufacturer's while no override is in force; with one, the saved value is the only
-/// source of it.
+/// The reported address is the manufacturer's while no override is in force; with one, the saved value is the
+/// only source of it.
 void KeepOriginal(NicInfo& nic) {
     if (!nic.OriginalNetworkAddress.empty() && !ResetOriginalMac) return;
     if (!nic.NetworkAddress.empty()) {
@@ -42,8 +43,9 @@ void KeepOriginal(NicInfo& nic) {
 
 void SetStatus(NicInfo& nic, const IfRow& row) {
     static constexpr std::array<const char*, 4> kAdmin = {nullptr, "Up", "Down", "Testing"};
-    static constexpr std::array<const char*, 6> kOper = {", Non Operational", ", Unreachable", ", Disconnected",
-                                                         ", Connecting",      ", Connected",   ", Operational"};
+    static constexpr std::array<const char*, 6> kOper = {", Non Operational", ", Unreachable",
+                                                         ", Disconnected",    ", Connecting",
+                                                         ", Connected",       ", Operational"};
     if (row.adminStatus >= 1 && row.adminStatus < kAdmin.size()) nic.Status = kAdmin[row.adminStatus];
     if (row.operStatus < kOper.size()) nic.Status += kOper[row.operStatus];
 }
@@ -85,12 +87,14 @@ void ReadDisabled(NicInfo& nic) {
     if (ResetOriginalMac) {
         nic.OriginalNetworkAddress.clear();
         if (!nic.DriverKey.empty())
-            static_cast<void>(RegDeleteValue(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue));
+            static_cast<void>(
+                RegDeleteValue(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue));
     }
     // In the code page, as the vendor list's prefixes are: one byte per character.
     const std::string stored =
         ToCodePage(nic.NetworkAddress.empty() ? nic.OriginalNetworkAddress : nic.NetworkAddress);
-    if (stored.size() >= 8) LookUpVendor(nic, stored.substr(0, 2) + stored.substr(3, 2) + stored.substr(6, 2));
+    if (stored.size() >= 8)
+        LookUpVendor(nic, stored.substr(0, 2) + stored.substr(3, 2) + stored.substr(6, 2));
 }
 
 }  // namespace

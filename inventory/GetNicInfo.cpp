@@ -87,11 +87,15 @@ void ReadAdapterRegistry() {
         if (count == Nics.size()) Nics.emplace_back();
         Nics[count++].Id = name;
     }
-    for (NicInfo& nic : Nics) nic.Name = ReadText(ConnectionKey(nic.Id), "Name");
+    {
+        const RegistryReading reading;
+        for (NicInfo& nic : Nics) nic.Name = ReadText(ConnectionKey(nic.Id), "Name");
+    }
 
     names.clear();
     const Win32Error classRead = RegEnumSubkeys(kHkeyLocalMachine, kClassKey, names);
     if (!Ok(classRead)) ShowReadError(kClassKey, classRead);
+    const RegistryReading reading;
     const IdIndex records = IndexOfIds();
     for (const std::string& subkey : names) {
         if (subkey.empty()) continue;
@@ -111,11 +115,12 @@ void ReadAdapterRegistry() {
 
 void MatchInterfaceIndexes() {
     const TableRead<InterfaceEntry> table = CurrentPlatform().ipHelper->GetInterfaceInfo();
-    if (table.outcome == TableRead<InterfaceEntry>::Outcome::kFailed) IphlpApiError(table.code, "GetInterfaceInfo");
+    if (table.outcome == TableRead<InterfaceEntry>::Outcome::kFailed)
+        IphlpApiError(table.code, "GetInterfaceInfo");
     if (table.outcome != TableRead<InterfaceEntry>::Outcome::kRows) return;
 
-    // An entry belongs to the first record whose Id its name goes on with. Ids have very few lengths (one, as a rule),
-    // so one look-up per length finds it.
+    // An entry belongs to the first record whose Id its name goes on with. Ids have very few lengths (one, as
+    // a rule), so one look-up per length finds it.
     const IdIndex records = IndexOfIds();
     std::set<std::size_t> lengths;
     for (const auto& [id, position] : records)

@@ -26,7 +26,8 @@ std::vector<std::uint8_t> ReadBytes(const std::string& key, const std::string& n
     return data;
 }
 
-/// The entries of a REG_MULTI_SZ or REG_SZ read as text, less the NUL at its end; one empty entry for an empty text.
+/// The entries of a REG_MULTI_SZ or REG_SZ read as text, less the NUL at its end; one empty entry for an
+/// empty text.
 std::vector<std::string> ReadList(const std::string& key, const std::string& name) {
     std::string text = ReadText(key, name);
     if (!text.empty() && text.back() == '\0') text.pop_back();
@@ -36,7 +37,7 @@ std::vector<std::string> ReadList(const std::string& key, const std::string& nam
 /// Rows of a table by interface index, in table order; nothing when the table was not fetched.
 template <class Row>
 class RowsByInterface {
-   public:
+ public:
     RowsByInterface(TableRead<Row> table, std::uint32_t Row::*index) : table_(std::move(table)) {
         for (const Row& row : table_.rows) rows_[row.*index].push_back(&row);
     }
@@ -49,12 +50,13 @@ class RowsByInterface {
         return found == rows_.end() ? kNone : found->second;
     }
 
-   private:
+ private:
     TableRead<Row> table_;
     std::unordered_map<std::uint32_t, std::vector<const Row*>> rows_;
 };
 
-/// Seconds of a zone offset's text, such as 19800 for "05:30" and 18000 for "5"; 0 for a text that is no time of day.
+/// Seconds of a zone offset's text, such as 19800 for "05:30" and 18000 for "5"; 0 for a text that is no time
+/// of day.
 std::int64_t OffsetSeconds(const std::string& text) {
     const std::vector<std::string> parts = Split(text, ':');
     const double hours = NumericValue(parts[0]);
@@ -160,6 +162,7 @@ void ReadTcpipConfig() {
     IpHelperApi& ipHelper = *CurrentPlatform().ipHelper;
     const RowsByInterface<IpAddrRow> addresses(ipHelper.GetIpAddrTable(), &IpAddrRow::index);
     const RowsByInterface<IpForwardRow> routes(ipHelper.GetIpForwardTable(), &IpForwardRow::ifIndex);
+    const RegistryReading reading;
     for (NicInfo& nic : Nics) {
         const std::string key = TcpipKey(nic.Id);
         nic.InterfaceMetric = DwordFrom(ReadBytes(key, "InterfaceMetric"));

@@ -64,6 +64,23 @@ class RegistryApi {
     /// replaced only when there is at least one subkey; a failing enumeration leaves what it had got so far.
     virtual Win32Error EnumSubkeys(RegistryRoot root, const std::string& subkey,
                                    std::vector<std::string>& names) = 0;
+
+    /// Around a run of reads with nothing else in between: lets a back-end do once what each of them would need. Must
+    /// not be held while the user is asked or anything is waited for. Changes nothing of what the reads give.
+    virtual void BeginReading() {}
+    virtual void EndReading() {}
+};
+
+/// A run of reads of the installed registry (see RegistryApi::BeginReading).
+class RegistryReading {
+   public:
+    RegistryReading();
+    ~RegistryReading();
+    RegistryReading(const RegistryReading&) = delete;
+    RegistryReading& operator=(const RegistryReading&) = delete;
+
+   private:
+    std::shared_ptr<RegistryApi> registry_;
 };
 
 // ---- IP Helper ----------------------------------------------------------------------------------------------

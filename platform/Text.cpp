@@ -41,7 +41,8 @@ std::string Without(std::string_view text, char drop) {
 std::vector<std::string> Split(std::string_view text, char separator) {
     std::vector<std::string> pieces;
     std::size_t start = 0;
-    for (std::size_t at = text.find(separator); at != std::string_view::npos; at = text.find(separator, start)) {
+    for (std::size_t at = text.find(separator); at != std::string_view::npos;
+         at = text.find(separator, start)) {
         pieces.emplace_back(text.substr(start, at - start));
         start = at + 1;
     }
@@ -73,7 +74,8 @@ double NumericValue(std::string_view text) {
 
 std::string ShortestDecimal(double value, int decimals) {
     char text[64];
-    const auto [end, error] = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
+    const auto [end, error] =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
     if (error != std::errc()) return "0";
     std::string result(text, end);
     if (result.find('.') != std::string::npos) {

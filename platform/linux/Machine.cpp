@@ -5,7 +5,8 @@
 
 namespace corvane {
 
-Machine::Machine(std::string storePath) : store_(std::move(storePath)), zone_(CurrentTimeZone()) {
+Machine::Machine(std::string storePath, std::unique_ptr<Netlink> kernel)
+    : store_(std::move(storePath)), netlink_(std::move(kernel)), zone_(CurrentTimeZone()) {
     picture_.incarnationBase = IncarnationBase();
 }
 
@@ -15,8 +16,8 @@ void Machine::Update() {
     const bool changed = monitor_.TakeChanges();
     if (known_ && !changed) return;
     std::vector<KernelLink> links;
-    const bool complete = netlink_.DumpLinks(links).Ok() && netlink_.DumpAddresses(picture_.addresses).Ok() &&
-                          netlink_.DumpRoutes(picture_.routes).Ok();
+    const bool complete = netlink_->DumpLinks(links).Ok() && netlink_->DumpAddresses(picture_.addresses).Ok() &&
+                          netlink_->DumpRoutes(picture_.routes).Ok();
     std::erase_if(links, [](const KernelLink& link) { return !IsAdapter(link); });
     picture_.links = std::move(links);
     // A picture with holes must not make the store forget links.

@@ -16,7 +16,9 @@ namespace corvane {
 /// addresses and routes serves until the kernel reports a change. Not thread-safe.
 class Machine {
    public:
-    explicit Machine(std::string storePath = RegistryStore::DefaultPath());
+    /// `kernel` is for tests that have it refuse something.
+    explicit Machine(std::string storePath = RegistryStore::DefaultPath(),
+                     std::unique_ptr<Netlink> kernel = std::make_unique<Netlink>());
     ~Machine();
 
     /// Brings picture and store up to date if the kernel reported changes since the last call. Cheap when it did not. A
@@ -32,13 +34,13 @@ class Machine {
     [[nodiscard]] const LinkRow* RowOfName(const std::string& name) const;
 
     RegistryStore& Store() { return store_; }
-    Netlink& Kernel() { return netlink_; }
+    Netlink& Kernel() { return *netlink_; }
     Ethtool& Drivers() { return ethtool_; }
 
    private:
     RegistryStore store_;
     LinkMonitor monitor_;
-    Netlink netlink_;
+    std::unique_ptr<Netlink> netlink_;
     Ethtool ethtool_;
     TimeZone zone_;
     KernelPicture picture_;

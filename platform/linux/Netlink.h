@@ -85,7 +85,7 @@ class NetlinkSocket;
 class Netlink {
  public:
     Netlink();
-    ~Netlink();
+    virtual ~Netlink();
     Netlink(const Netlink&) = delete;
     Netlink& operator=(const Netlink&) = delete;
 
@@ -103,10 +103,10 @@ class Netlink {
     /// EADDRNOTAVAIL for a multicast or zero address, EADDRINUSE when a macvlan's lower link or a sibling has
     /// it, EOPNOTSUPP for a link without one. The kernel drops the link's neighbours, permanent ones
     /// included.
-    KernelAnswer SetLinkAddress(std::uint32_t index, const MacBytes& address);
+    virtual KernelAnswer SetLinkAddress(std::uint32_t index, const MacBytes& address);
     /// EADDRINUSE for a macvlan that comes up with the address of a sibling that is up. Going down loses what
     /// SaveLinkState saves, and no event tells of the routes that go.
-    KernelAnswer SetLinkUp(std::uint32_t index, bool up);
+    virtual KernelAnswer SetLinkUp(std::uint32_t index, bool up);
 
     /// Adds an address (EEXIST when it is there already with this prefix); with `replace` an existing one
     /// gets the new lifetimes instead. The broadcast address is set from the prefix (RFC 919) for prefixes up

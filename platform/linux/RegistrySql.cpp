@@ -76,6 +76,8 @@ const char* RegistryTables::SqlText(Sql sql) {
             return "PRAGMA user_version";
         case Sql::kSchemaSize:
             return "SELECT count(*) FROM sqlite_schema";
+        case Sql::kPageSize:
+            return "PRAGMA page_size";
         case Sql::kDataVersion:
             return "PRAGMA data_version";
         case Sql::kCount:

@@ -173,6 +173,10 @@ struct RegistryStore::Impl {
 
     Win32Error Ready() {
         if (state == State::kClosed) return Open();
+        if (readingRun && !readTransaction && state == State::kOpen && !image &&
+            !file.database.InTransaction()) {
+            readTransaction = file.database.Execute("BEGIN") == kSqliteOk;
+        }
         return state == State::kBroken ? brokenCode : Win32Error::kSuccess;
     }
 
@@ -185,6 +189,7 @@ struct RegistryStore::Impl {
     /// Opens the file anew when the path leads to another one now, and lets go of an image that is out of
     /// date.
     Win32Error LookAgain() {
+        EndReadTransaction();
         if (state == State::kOpen && file.database.InTransaction()) return Win32Error::kSuccess;
         const FileIdentity now = IdentityOf(path);
         if (now != identity) {
@@ -234,7 +239,15 @@ struct RegistryStore::Impl {
         return brokenCode;
     }
 
+    void EndReadTransaction() {
+        if (!readTransaction) return;
+        readTransaction = false;
+        // A transaction that only read has nothing to lose.
+        static_cast<void>(file.database.Execute("COMMIT"));
+    }
+
     void Close() {
+        EndReadTransaction();
         image.reset();
         file.Close();
         writesSafely = false;
@@ -277,6 +290,7 @@ struct RegistryStore::Impl {
         }
         switch (schema) {
             case RegistryTables::Schema::kReady:
+                if (CutOff()) return Win32Error::kRegistryCorrupt;
                 state = State::kOpen;
                 return Win32Error::kSuccess;
             case RegistryTables::Schema::kNewer:
@@ -288,6 +302,13 @@ struct RegistryStore::Impl {
                 break;
         }
         return Win32Error::kRegistryCorrupt;
+    }
+
+    /// SQLite takes what is missing of the last page for zeros.
+    bool CutOff() {
+        struct stat status {};
+        const std::int64_t pageSize = file.PageSize();
+        return pageSize > 0 && stat(path.c_str(), &status) == 0 && status.st_size % pageSize != 0;
     }
 
     Win32Error UseNoFile() {
@@ -306,7 +327,9 @@ struct RegistryStore::Impl {
     Win32Error brokenCode = Win32Error::kSuccess;
     bool readOnly = true;
     bool writesSafely = false;
-    FileIdentity identity;  ///< Of the file that is open; empty when there is none.
+    bool readingRun = false;       ///< Between BeginReading and EndReading.
+    bool readTransaction = false;  ///< The run's transaction is open.
+    FileIdentity identity;         ///< Of the file that is open; empty when there is none.
     RegistryTables file;
     std::unique_ptr<RegistryTables> image;  ///< Read in the file's stead while it is there.
     std::int64_t imageVersion = 0;          ///< The file's data version when the image was made.
@@ -358,6 +381,17 @@ Win32Error RegistryStore::CreateKey(RegistryRoot root, const std::string& subkey
 Win32Error RegistryStore::EnumSubkeys(RegistryRoot root, const std::string& subkey,
                                       std::vector<std::string>& names) {
     return impl_->Run(root, [&] { return impl_->Reading().EnumSubkeys(subkey, names); });
+}
+
+void RegistryStore::BeginReading() {
+    const std::lock_guard lock(impl_->mutex);
+    impl_->readingRun = true;
+}
+
+void RegistryStore::EndReading() {
+    const std::lock_guard lock(impl_->mutex);
+    impl_->readingRun = false;
+    impl_->EndReadTransaction();
 }
 
 Win32Error RegistryStore::EnumValues(RegistryRoot root, const std::string& subkey,

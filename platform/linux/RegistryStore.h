@@ -78,6 +78,11 @@ class RegistryStore : public RegistryApi {
     Win32Error EnumSubkeys(RegistryRoot root, const std::string& subkey,
                            std::vector<std::string>& names) override;
 
+    /// One read transaction over the operations in between, so that the file is locked and looked at once.
+    /// Other programs' writes wait for its end; an own write ends it early.
+    void BeginReading() override;
+    void EndReading() override;
+
     /// The values of a key in order of name, without regard to case; `values` is replaced on success only.
     Win32Error EnumValues(RegistryRoot root, const std::string& subkey, std::vector<NamedValue>& values);
 

@@ -95,6 +95,11 @@ Win32Error RegistryTables::MakeSchema() {
     });
 }
 
+std::int64_t RegistryTables::PageSize() {
+    std::int64_t size = 0;
+    return Ok(Number(Sql::kPageSize, size)) ? size : 0;
+}
+
 std::int64_t RegistryTables::DataVersion() {
     std::int64_t version = 0;
     return Ok(Number(Sql::kDataVersion, version)) ? version : 0;

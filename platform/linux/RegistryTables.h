@@ -38,6 +38,9 @@ class RegistryTables {
     /// Makes the tables in an empty database; nothing when another program was faster.
     Win32Error MakeSchema();
 
+    /// Bytes of a page: the file's size is a multiple of it. 0 when it cannot be told.
+    std::int64_t PageSize();
+
     /// Changes whenever another program has changed the file. 0 when it cannot be told.
     std::int64_t DataVersion();
 
@@ -85,6 +88,7 @@ class RegistryTables {
         kDeleteHeld,
         kUserVersion,
         kSchemaSize,
+        kPageSize,
         kDataVersion,
         kCount
     };

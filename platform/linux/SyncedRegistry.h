@@ -28,6 +28,8 @@ class SyncedRegistry : public RegistryApi {
     Win32Error EnumSubkeys(RegistryRoot root, const std::string& subkey, std::vector<std::string>& names) override {
         return Current().EnumSubkeys(root, subkey, names);
     }
+    void BeginReading() override { Current().BeginReading(); }
+    void EndReading() override { machine_->Store().EndReading(); }
 
    private:
     RegistryStore& Current() {

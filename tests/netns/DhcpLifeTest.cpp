@@ -211,7 +211,9 @@ TEST_F(DhcpLife, TheSupervisorKeepsNothingOfItsStarter) {
         const std::string target = std::filesystem::read_symlink(entry.path()).string();
         const int number = std::stoi(entry.path().filename().string());
         EXPECT_EQ(target.find("leak"), std::string::npos);
-        if (number < 3) EXPECT_EQ(target, "/dev/null") << number;
+        if (number < 3) {
+            EXPECT_EQ(target, "/dev/null") << number;
+        }
     }
     Stop(network_);
 }

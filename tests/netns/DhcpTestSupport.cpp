@@ -156,8 +156,7 @@ void DhcpFixture::SetUp() {
     prctl(PR_SET_CHILD_SUBREAPER, 1);
 }
 
-void DhcpFixture::TearDown() {
-    // What is under the fixture is gone by now: servers, and with their namespaces the links.
+DhcpFixture::~DhcpFixture() {
     const bool clean = WaitUntil([] { return LivingChildren().empty(); });
     EXPECT_TRUE(clean) << "processes were left behind";
     if (!clean) {

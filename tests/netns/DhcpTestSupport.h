@@ -75,7 +75,8 @@ class DhcpNetwork {
 class DhcpFixture : public ::testing::Test {
  protected:
     void SetUp() override;
-    void TearDown() override;
+    /// After the members of the case: its servers, and with their namespaces the links, are gone by then.
+    ~DhcpFixture() override;
 
     /// Tells the registry of the link, as the back-end does, and takes it up.
     void Introduce(const std::string& name, const std::string& id) const;

@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/linux/LinkMonitor.h"
@@ -42,6 +43,13 @@ long Drops(int descriptor) {
         if (words.size() >= 10 && words[9] == std::to_string(status.st_ino)) return std::stol(words[8]);
     }
     return -1;
+}
+
+/// SO_RCVBUF of a socket; 0 when it cannot be had.
+int BufferSize(int descriptor) {
+    int size = 0;
+    socklen_t length = sizeof size;
+    return getsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &size, &length) == 0 ? size : 0;
 }
 
 /// Changes a link's address so many times.
@@ -145,15 +153,30 @@ TEST(LinkMonitor, OverflowIsAChangeAndTheMonitorWorksOn) {
     EXPECT_TRUE(monitor.TakeChanges());
 }
 
+TEST(LinkMonitor, WithoutRightsTheBufferIsAsLargeAsTheSystemAllows) {
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setgid(65534) != 0 || setuid(65534) != 0) _exit(1);
+        const LinkMonitor monitor;
+        const int plain = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE);
+        const int wanted = 1 << 20;
+        if (setsockopt(plain, SOL_SOCKET, SO_RCVBUF, &wanted, sizeof wanted) != 0) _exit(2);
+        const int allowed = BufferSize(plain);
+        if (BufferSize(monitor.Descriptor()) != allowed) _exit(3);
+        _exit(allowed > 0 ? 0 : 4);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
 TEST(LinkMonitor, EightHundredEventsFitIntoItsBuffer) {
     const ScopedVeth veth;
     LinkMonitor monitor;
-    int size = 0;
-    socklen_t length = sizeof size;
-    ASSERT_EQ(getsockopt(monitor.Descriptor(), SOL_SOCKET, SO_RCVBUF, &size, &length), 0);
     // The kernel doubles what is asked for (socket(7)).
-    EXPECT_EQ(size, 2 * (1 << 20));
-    MakeEvents(veth, 400);
+    EXPECT_EQ(BufferSize(monitor.Descriptor()), 2 * (1 << 20));
+    MakeEvents(veth, 800);
     EXPECT_EQ(Drops(monitor.Descriptor()), 0);
     EXPECT_TRUE(monitor.TakeChanges());
 }

@@ -80,6 +80,13 @@ def preset_bytes(*records):
         for name, flags, mac, *lists in records)
 
 
+def vendor_bytes(*records):
+    """A vendor file of records without postal address. A record: prefix of six digits, name."""
+    return struct.pack("<i", len(records)) + b"".join(
+        prefix.encode() + struct.pack("<H", len(name)) + name.encode("cp1252") + struct.pack("<H", 0)
+        for prefix, name in records)
+
+
 class DhcpServer:
     """dnsmasq at the far end of a link. Its leases last 120 seconds, the shortest that it gives."""
 
@@ -128,6 +135,8 @@ class World(unittest.TestCase):
         links = [link["ifname"] for link in ip_json("link")]
         if links != ["lo"] or not pathlib.Path("/run/sandbox/resolv.conf").exists():
             self.fail(f"this is not a fresh sandbox (tests/netns/sandbox), it has the links {links}")
+        # As on every machine: only root may make folders there.
+        os.chmod("/var/lib", 0o755)
         ip("netns", "add", FAR)
         ip("-n", FAR, "link", "set", "lo", "up")
         self.addCleanup(self._end_processes)
@@ -139,7 +148,7 @@ class World(unittest.TestCase):
         """A veth link whose other end has the same name in the namespace "far"."""
         ip("link", "add", name, *(["address", mac] if mac else []), "type", "veth", "peer", "name", name, "netns", FAR)
         ip("-n", FAR, "link", "set", name, "up")
-        self._prepare(name, addresses, up)
+        self._prepare(name, addresses, up, "UP")
 
     def bridge(self, name, *addresses, mac=None, up=True):
         ip("link", "add", name, *(["address", mac] if mac else []), "type", "bridge")
@@ -147,21 +156,23 @@ class World(unittest.TestCase):
 
     def macvlan(self, name, lower, *addresses, mac=None, up=True):
         ip("link", "add", name, "link", lower, *(["address", mac] if mac else []), "type", "macvlan", "mode", "bridge")
-        self._prepare(name, addresses, up)
+        self._prepare(name, addresses, up, "UP")
 
     def tap(self, name, *addresses, mac=None, up=True):
         ip("tuntap", "add", name, "mode", "tap")
         if mac:
             ip("link", "set", name, "address", mac)
-        self._prepare(name, addresses, up)
+        self._prepare(name, addresses, up, "DOWN")
 
-    def _prepare(self, name, addresses, up):
+    def _prepare(self, name, addresses, up, state=None):
         # Duplicate address detection would make IPv6 addresses appear late.
         pathlib.Path(f"/proc/sys/net/ipv6/conf/{name}/accept_dad").write_text("0")
         for address in addresses:
             ip("address", "add", address, "dev", name)
         if up:
             ip("link", "set", name, "up")
+            # The kernel finds out about the carrier a little later.
+            wait_for(lambda: self.link(name)["operstate"] in (state or "UP DOWN UNKNOWN"), f"{name} is {state}")
 
     # --- the kernel as witness -----------------------------------------------------------------------------------
 
@@ -212,6 +223,12 @@ class World(unittest.TestCase):
         return [line.split()[1] for line in RESOLV_CONF.read_text().splitlines() if line.startswith("nameserver")]
 
     # --- the programs --------------------------------------------------------------------------------------------
+
+    @staticmethod
+    def mount_read_only(path):
+        """Makes a file or folder of the sandbox read-only, for root too."""
+        subprocess.run(["mount", "--bind", str(path), str(path)], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,ro", str(path)], check=True)
 
     def copy_programs(self, folder="/run/programs"):
         """Uses a copy of the programs and their files from now on, for tests that change the files or that run as a user

@@ -19,18 +19,23 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-const std::string kClassPath = "SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E972-E325-11CE-BFC1-08002bE10318}";
+const std::string kClassPath =
+    "SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E972-E325-11CE-BFC1-08002bE10318}";
 const std::string kAdaptersPath = "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Adapters";
 
 FakeSeat::Box ReadErrorBox(const std::string& path, const std::string& error) {
     return {"Error! Cannot Read Registry",
             "Error while reading windows registry.\r\n"
             "\r\n"
-            "Registry Path: HKEY_LOCAL_MACHINE\\" + path + "\r\n"
-            "\r\n"
-            "Error: " + error + "\r\n"
-            "\r\n"
-            "Click OK to continue",
+            "Registry Path: HKEY_LOCAL_MACHINE\\" +
+                path +
+                "\r\n"
+                "\r\n"
+                "Error: " +
+                error +
+                "\r\n"
+                "\r\n"
+                "Click OK to continue",
             BoxIcon::kCritical, BoxButtons::kOk, false};
 }
 
@@ -78,8 +83,9 @@ TEST_F(AdapterRegistry, WithoutAdapterSubkeysThereIsOneRecordWithNothingRead) {
     RefreshNicInfo();
     ASSERT_THAT(Nics, SizeIs(1));
     const NicInfo& nic = Nics[0];
-    EXPECT_EQ(nic.Id + nic.ComponentId + nic.Name + nic.DriverDesc + nic.NetworkAddress + nic.Speed + nic.DriverKey +
-                  nic.Mac + nic.LeaseObtained + nic.LeaseTerminates + nic.OriginalNetworkAddress + nic.Vendor,
+    EXPECT_EQ(nic.Id + nic.ComponentId + nic.Name + nic.DriverDesc + nic.NetworkAddress + nic.Speed +
+                  nic.DriverKey + nic.Mac + nic.LeaseObtained + nic.LeaseTerminates +
+                  nic.OriginalNetworkAddress + nic.Vendor,
               "");
     EXPECT_EQ(nic.IfIndex, 0U);
     EXPECT_EQ(nic.InterfaceMetric, 0U);
@@ -129,7 +135,8 @@ TEST_F(AdapterRegistry, AfterTheBoxAboutTheAdaptersKeyTheLaterStagesStillRun) {
     machine_.AddAdapter("{A}", "eth0", "0001");
     FailEnumerationOf(kAdaptersPath, Win32Error::kAccessDenied);
     RefreshNicInfo();
-    EXPECT_THAT(machine_.seat.boxes, ElementsAre(ReadErrorBox(kAdaptersPath, "(5) Access to this key is denied")));
+    EXPECT_THAT(machine_.seat.boxes,
+                ElementsAre(ReadErrorBox(kAdaptersPath, "(5) Access to this key is denied")));
     EXPECT_THAT(Ids(), ElementsAre(""));
     EXPECT_THAT(machine_.ipHelper->diary,
                 ElementsAre("GetInterfaceInfo", "GetIpAddrTable", "GetIpForwardTable"));
@@ -139,9 +146,10 @@ TEST_F(AdapterRegistry, AfterTheBoxAboutTheAdaptersKeyTheLaterStagesStillRun) {
 
 TEST_F(AdapterRegistry, TheNameComesFromTheConnectionKey) {
     registry_.MakeKey(kAdaptersPath + "\\{A}");
-    registry_.SetText("SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\{A}"
-                      "\\Connection",
-                      "Name", "Verbindung f\u00FCr B\u00FCro");
+    registry_.SetText(
+        "SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\{A}"
+        "\\Connection",
+        "Name", "Verbindung f\u00FCr B\u00FCro");
     ReadAdapterRegistry();
     EXPECT_EQ(Nics[0].Name, "Verbindung f\u00FCr B\u00FCro");
 }
@@ -190,7 +198,8 @@ TEST_F(AdapterRegistry, AClassSubkeyWithoutAnInstanceIdIsSkipped) {
     ReadAdapterRegistry();
     EXPECT_EQ(Nics[0].DriverKey, "0001");
     EXPECT_EQ(Nics[0].DriverDesc, "Model");
-    EXPECT_THAT(registry_.diary, testing::Not(testing::Contains("read " + kClassPath + "\\Properties\\DriverDesc")));
+    EXPECT_THAT(registry_.diary,
+                testing::Not(testing::Contains("read " + kClassPath + "\\Properties\\DriverDesc")));
 }
 
 TEST_F(AdapterRegistry, AClassSubkeyOfAnotherAdapterIsSkipped) {
@@ -198,7 +207,8 @@ TEST_F(AdapterRegistry, AClassSubkeyOfAnotherAdapterIsSkipped) {
     registry_.SetText(kClassPath + "\\0002", "NetCfgInstanceId", "{Z}");
     ReadAdapterRegistry();
     EXPECT_EQ(Nics[0].DriverKey, "0001");
-    EXPECT_THAT(registry_.diary, testing::Not(testing::Contains("read " + kClassPath + "\\0002\\DriverDesc")));
+    EXPECT_THAT(registry_.diary,
+                testing::Not(testing::Contains("read " + kClassPath + "\\0002\\DriverDesc")));
 }
 
 TEST_F(AdapterRegistry, AnInstanceIdInAnotherLetterCaseDoesNotMatch) {
@@ -235,7 +245,8 @@ TEST_F(AdapterRegistry, AFailingClassEnumerationIsShownAndBindingsAreStillRead) 
     machine_.AddAdapter("{A}", "eth0", "0001");
     FailEnumerationOf(kClassPath, Win32Error::kRegistryCorrupt);
     ReadAdapterRegistry();
-    EXPECT_THAT(machine_.seat.boxes, ElementsAre(ReadErrorBox(kClassPath, "(1015) The Registry Database is corrupt!")));
+    EXPECT_THAT(machine_.seat.boxes,
+                ElementsAre(ReadErrorBox(kClassPath, "(1015) The Registry Database is corrupt!")));
     EXPECT_EQ(Nics[0].Name, "eth0");
     EXPECT_EQ(Nics[0].DriverKey, "");
     EXPECT_TRUE(Nics[0].TcpipBound);
@@ -298,8 +309,9 @@ TEST_F(AdapterRegistry, EmptyAddressValuesAreIgnored) {
 }
 
 TEST_F(AdapterRegistry, AddressLengthsCountCharactersAndNotTheBytesOfUtf8) {
-    machine_.AddAdapter("{A}", "eth0", "0001",
-                        {{"NetworkAddress", "\u00E4\u00E4345678"}, {"OriginalNetworkAddress", "\u00E4\u00E4345678"}});
+    machine_.AddAdapter(
+        "{A}", "eth0", "0001",
+        {{"NetworkAddress", "\u00E4\u00E4345678"}, {"OriginalNetworkAddress", "\u00E4\u00E4345678"}});
     machine_.AddAdapter("{B}", "eth1", "0002", {{"NetworkAddress", "0\u00E43456789012"}});
     ReadAdapterRegistry();
     EXPECT_EQ(Nics[0].NetworkAddress, "");
@@ -345,7 +357,8 @@ TEST_F(AdapterBinding, EmptyPiecesAndOtherDevicesAreSkipped) {
 }
 
 TEST_F(AdapterBinding, APieceMustBeEqualToTheLetter) {
-    Bind("\\DEVICE\\{A}\0\\Device\\{a}\0\\Device\\{A}x\0{A}\0 \\Device\\{A}\0\\Device\\{A\0\\Device\\{B}\0\0"s);
+    Bind(
+        "\\DEVICE\\{A}\0\\Device\\{a}\0\\Device\\{A}x\0{A}\0 \\Device\\{A}\0\\Device\\{A\0\\Device\\{B}\0\0"s);
     EXPECT_FALSE(Nics[0].TcpipBound);
     EXPECT_TRUE(Nics[1].TcpipBound);
 }
@@ -375,49 +388,6 @@ TEST_F(AdapterBinding, WithoutALinkageKeyNothingIsBoundOrShown) {
     ReadAdapterRegistry();
     EXPECT_FALSE(Nics[0].TcpipBound);
     EXPECT_THAT(machine_.seat.boxes, IsEmpty());
-}
-
-// ---- the whole refresh
-
-TEST_F(AdapterRegistry, TheFourStagesRunInTheirOrder) {
-    machine_.AddAdapter("{A}", "eth0", "0001");
-    machine_.ipHelper->AddInterface(3, "{A}");
-    RefreshNicInfo();
-    EXPECT_THAT(machine_.ipHelper->diary,
-                ElementsAre("GetInterfaceInfo", "GetIfEntry 3", "GetIpAddrTable", "GetIpForwardTable"));
-    EXPECT_EQ(registry_.diary.front(), "enum " + kAdaptersPath);
-    EXPECT_EQ(registry_.diary.back(), "read " + TcpipKey("{A}") + "\\DhcpNameServer");
-}
-
-/// Registry steps of a refresh of this many live DHCP adapters, each with its own override and address.
-std::size_t StepsOfARefresh(std::size_t adapters) {
-    FakeMachine machine;
-    for (std::size_t i = 0; i < adapters; ++i) {
-        const std::string number = std::to_string(1000 + i);
-        const std::string id = "{" + number + "}";
-        const auto index = static_cast<std::uint32_t>(i + 1);
-        machine.AddAdapter(id, "eth" + number, number, {{"NetworkAddress", "00112233" + number}});
-        machine.registry->SetBinary(TcpipKey(id), "EnableDHCP", {1});
-        machine.ipHelper->AddInterface(index, id);
-        machine.ipHelper->addresses.push_back({{10, 0, 0, 1}, {255, 0, 0, 0}, index, 1});
-    }
-    RefreshNicInfo();
-    EXPECT_THAT(Nics, SizeIs(adapters));
-    for (const char* table : {"GetInterfaceInfo", "GetIpAddrTable", "GetIpForwardTable"})
-        EXPECT_THAT(machine.ipHelper->diary, testing::Contains(table).Times(1));
-    EXPECT_THAT(machine.ipHelper->diary, SizeIs(3 + adapters));
-    return machine.registry->diary.size();
-}
-
-TEST(RefreshEffort, RegistryReadsGrowByTheSameSmallNumberPerAdapterAndTablesAreReadOnce) {
-    const std::size_t one = StepsOfARefresh(1);
-    const std::size_t hundred = StepsOfARefresh(100);
-    const std::size_t twoHundred = StepsOfARefresh(200);
-    const std::size_t perAdapter = (hundred - one) / 99;
-    EXPECT_EQ(hundred, one + 99 * perAdapter);
-    EXPECT_EQ(twoHundred, one + 199 * perAdapter);
-    EXPECT_LE(perAdapter, 16U);
-    EXPECT_LE(one, 20U);
 }
 
 }  // namespace

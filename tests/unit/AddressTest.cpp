@@ -1,10 +1,10 @@
-#include "platform/Address.h"
-
 #include <cstdint>
 #include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "platform/Address.h"
 
 namespace corvane {
 namespace {
@@ -51,9 +51,9 @@ TEST(Ipv4Text, FourNumbersAreParsed) {
 }
 
 TEST(Ipv4Text, EveryOtherTextIsRefused) {
-    for (const char* text : {"", ".", "...", "1.2.3", "1.2.3.", ".1.2.3", "1.2.3.4.", "1.2.3.4.5", "1.2.3.256",
-                             "1.2.3.-4", "1.2.3.+4", "1.2.3.4 ", " 1.2.3.4", "1.2. 3.4", "1.2.3.x", "1.2.3.0x4",
-                             "1.2.3.99999999999999999999"}) {
+    for (const char* text : {"", ".", "...", "1.2.3", "1.2.3.", ".1.2.3", "1.2.3.4.", "1.2.3.4.5",
+                             "1.2.3.256", "1.2.3.-4", "1.2.3.+4", "1.2.3.4 ", " 1.2.3.4", "1.2. 3.4",
+                             "1.2.3.x", "1.2.3.0x4", "1.2.3.99999999999999999999"}) {
         EXPECT_EQ(ParseIpv4(text), std::nullopt) << text;
     }
     EXPECT_EQ(ParseIpv4(std::string("1.2.3.4\0", 8)), std::nullopt);
@@ -86,16 +86,16 @@ TEST(Ipv4Mask, APrefixAbove32CountsAs32) {
 }
 
 TEST(Ipv4Mask, MasksWithHolesHaveNoPrefix) {
-    for (const Ipv4Bytes& mask : {Ipv4Bytes{255, 0, 255, 0}, Ipv4Bytes{0, 255, 255, 255}, Ipv4Bytes{0, 0, 0, 1},
-                                  Ipv4Bytes{255, 255, 255, 253}}) {
+    for (const Ipv4Bytes& mask : {Ipv4Bytes{255, 0, 255, 0}, Ipv4Bytes{0, 255, 255, 255},
+                                  Ipv4Bytes{0, 0, 0, 1}, Ipv4Bytes{255, 255, 255, 253}}) {
         EXPECT_EQ(PrefixFromMask(mask), std::nullopt) << HostOrder(mask);
     }
 }
 
 TEST(HostAddress, OrdinaryAddressesAreAllowed) {
-    for (const Ipv4Bytes& address : {Ipv4Bytes{1, 0, 0, 0}, Ipv4Bytes{10, 0, 0, 5}, Ipv4Bytes{126, 255, 255, 255},
-                                     Ipv4Bytes{128, 0, 0, 0}, Ipv4Bytes{169, 254, 1, 1},
-                                     Ipv4Bytes{223, 255, 255, 255}}) {
+    for (const Ipv4Bytes& address :
+         {Ipv4Bytes{1, 0, 0, 0}, Ipv4Bytes{10, 0, 0, 5}, Ipv4Bytes{126, 255, 255, 255},
+          Ipv4Bytes{128, 0, 0, 0}, Ipv4Bytes{169, 254, 1, 1}, Ipv4Bytes{223, 255, 255, 255}}) {
         EXPECT_EQ(HostAddressRefusal(address), "") << HostOrder(address);
     }
 }

@@ -1,5 +1,3 @@
-#include "platform/linux/Errors.h"
-
 #include <cerrno>
 #include <ostream>
 #include <set>
@@ -7,6 +5,8 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+
+#include "platform/linux/Errors.h"
 
 namespace corvane {
 namespace {
@@ -19,7 +19,8 @@ struct ErrnoRow {
 
 std::ostream& operator<<(std::ostream& stream, const ErrnoRow& row) { return stream << row.name; }
 
-#define ROW(value, number) ErrnoRow{value, number, #value}
+#define ROW(value, number) \
+    ErrnoRow { value, number, #value }
 
 class FromErrnoRow : public testing::TestWithParam<ErrnoRow> {};
 
@@ -35,13 +36,15 @@ INSTANTIATE_TEST_SUITE_P(, FromErrnoRow,
                                          ROW(EADDRINUSE, 170), ROW(ENOSPC, 112), ROW(ENOSYS, 50),
                                          ROW(EOPNOTSUPP, 50), ROW(EAFNOSUPPORT, 50), ROW(EPROTONOSUPPORT, 50),
                                          ROW(ENODATA, 232), ROW(ETIMEDOUT, 121), ROW(ENETDOWN, 1231),
-                                         ROW(ENETUNREACH, 1231), ROW(EHOSTDOWN, 1232), ROW(EHOSTUNREACH, 1232)),
+                                         ROW(ENETUNREACH, 1231), ROW(EHOSTDOWN, 1232),
+                                         ROW(EHOSTUNREACH, 1232)),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(FromErrno, OfZeroIsSuccess) { EXPECT_EQ(FromErrno(0), Win32Error::kSuccess); }
 
 TEST(FromErrno, OfAnyOtherValueIsAGeneralFailure) {
-    for (const int value : {EIO, EINTR, EPIPE, 4095, -1, -EPERM}) EXPECT_EQ(FromErrno(value), Win32Error::kGenFailure);
+    for (const int value : {EIO, EINTR, EPIPE, 4095, -1, -EPERM})
+        EXPECT_EQ(FromErrno(value), Win32Error::kGenFailure);
 }
 
 struct SqliteRow {
@@ -60,7 +63,8 @@ TEST_P(FromSqliteRow, GivesItsNumbers) {
     EXPECT_EQ(Number(FromSqlite(GetParam().result, true)), GetParam().writing);
 }
 
-#define SQL_ROW(value, reading, writing) SqliteRow{value, reading, writing, #value}
+#define SQL_ROW(value, reading, writing) \
+    SqliteRow { value, reading, writing, #value }
 
 INSTANTIATE_TEST_SUITE_P(
     , FromSqliteRow,
@@ -75,14 +79,16 @@ INSTANTIATE_TEST_SUITE_P(
                     SQL_ROW(SQLITE_FULL, 1012, 1013), SQL_ROW(SQLITE_PROTOCOL, 1012, 1013),
                     SQL_ROW(SQLITE_SCHEMA, 1012, 1013), SQL_ROW(SQLITE_NOLFS, 1012, 1013),
                     SQL_ROW(SQLITE_TOOBIG, 87, 87), SQL_ROW(SQLITE_CONSTRAINT, 87, 87),
-                    SQL_ROW(SQLITE_MISMATCH, 87, 87), SQL_ROW(SQLITE_MISUSE, 87, 87), SQL_ROW(SQLITE_RANGE, 87, 87),
-                    SQL_ROW(SQLITE_INTERNAL, 31, 31), SQL_ROW(SQLITE_ABORT, 31, 31), SQL_ROW(SQLITE_INTERRUPT, 31, 31)),
+                    SQL_ROW(SQLITE_MISMATCH, 87, 87), SQL_ROW(SQLITE_MISUSE, 87, 87),
+                    SQL_ROW(SQLITE_RANGE, 87, 87), SQL_ROW(SQLITE_INTERNAL, 31, 31),
+                    SQL_ROW(SQLITE_ABORT, 31, 31), SQL_ROW(SQLITE_INTERRUPT, 31, 31)),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Win32Text, HasWordsForEveryNumberThatTheBackEndGives) {
     std::set<std::string> texts;
-    const std::set<std::uint32_t> numbers = {0,    2,    5,    6,    8,    31,   50,   87,   112,  121,  122,  170, 232,
-                                             234,  259,  1009, 1010, 1011, 1012, 1013, 1015, 1168, 1231, 1232, 5010};
+    const std::set<std::uint32_t> numbers = {0,    2,    5,    6,    8,    31,   50,   87,   112,
+                                             121,  122,  170,  232,  234,  259,  1009, 1010, 1011,
+                                             1012, 1013, 1015, 1168, 1231, 1232, 5010};
     for (const std::uint32_t number : numbers) {
         const std::string text = Win32Text(Win32Error{number});
         EXPECT_GT(text.size(), 10U) << number;

@@ -46,7 +46,8 @@ TEST_F(InterfaceIndex, TheDevicePartMustMatchToTheLetter) {
 }
 
 TEST_F(InterfaceIndex, TheIdMustMatchToTheLetter) {
-    ipHelper_.interfaces = {{3, "\\DEVICE\\TCPIP_{ab}"}, {4, "\\DEVICE\\TCPIP_{A"}, {5, "\\DEVICE\\TCPIP_"}, {6, ""}};
+    ipHelper_.interfaces = {
+        {3, "\\DEVICE\\TCPIP_{ab}"}, {4, "\\DEVICE\\TCPIP_{A"}, {5, "\\DEVICE\\TCPIP_"}, {6, ""}};
     EXPECT_THAT(IndexesOf({"{AB}"}), ElementsAre(0U));
 }
 
@@ -93,16 +94,17 @@ TEST_F(InterfaceIndex, AFailingFetchIsShownOnceAndLeavesEveryAdapterDisabled) {
     ipHelper_.tableFailure = Win32Error::kGenFailure;
     ipHelper_.texts[Win32Error::kGenFailure] = "A device is not functioning.\r\n";
     RefreshNicInfo();
-    EXPECT_THAT(machine_.seat.boxes, ElementsAre(FakeSeat::Box{"Orvella Corvane",
-                                                               "DLL : IphlpApi.dll\r\n"
-                                                               "\r\n"
-                                                               "Error Code : 31\r\n"
-                                                               "API: GetInterfaceInfo\r\n"
-                                                               "Error Description : A device is not functioning.\r\n"
-                                                               "\r\n"
-                                                               "\r\n"
-                                                               "Click OK To Continue",
-                                                               BoxIcon::kCritical, BoxButtons::kOk, false}));
+    EXPECT_THAT(machine_.seat.boxes,
+                ElementsAre(FakeSeat::Box{"Orvella Corvane",
+                                          "DLL : IphlpApi.dll\r\n"
+                                          "\r\n"
+                                          "Error Code : 31\r\n"
+                                          "API: GetInterfaceInfo\r\n"
+                                          "Error Description : A device is not functioning.\r\n"
+                                          "\r\n"
+                                          "\r\n"
+                                          "Click OK To Continue",
+                                          BoxIcon::kCritical, BoxButtons::kOk, false}));
     for (const NicInfo& nic : Nics) {
         EXPECT_EQ(nic.IfIndex, 0U);
         EXPECT_EQ(nic.Status, "Disabled");

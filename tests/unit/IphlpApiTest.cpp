@@ -1,11 +1,10 @@
-#include "platform/IphlpApi.h"
-
 #include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "fakes/Fakes.h"
+#include "platform/IphlpApi.h"
 
 namespace corvane {
 namespace {

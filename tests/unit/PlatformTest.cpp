@@ -1,10 +1,9 @@
-#include "platform/Platform.h"
-
 #include <memory>
 
 #include <gtest/gtest.h>
 
 #include "fakes/Fakes.h"
+#include "platform/Platform.h"
 #include "platform/Seat.h"
 
 namespace corvane {

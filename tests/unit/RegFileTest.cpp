@@ -1,11 +1,10 @@
-#include "platform/linux/RegFile.h"
-
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "platform/linux/RegFile.h"
 #include "platform/linux/Utf16.h"
 
 namespace corvane {
@@ -44,7 +43,8 @@ std::string Printed(const RegistryValue& value) {
 
 TEST(ParseRegFile, MakesKeysInTheFilesOrder) {
     const RegFileContents contents = ParseRegFile(
-        "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\B\\[x] y]\r\n[-hklm\\A]\r\n[HKLM]\r\n");
+        "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\B\\[x] "
+        "y]\r\n[-hklm\\A]\r\n[HKLM]\r\n");
     ASSERT_EQ(contents.problem, "");
     ASSERT_EQ(contents.changes.size(), 3U);
     EXPECT_EQ(contents.changes[0].kind, Kind::kCreateKey);
@@ -95,7 +95,8 @@ TEST(ParseRegFile, ReadsNumbersAndBytes) {
 }
 
 TEST(ParseRegFile, ConvertsTextInHexOfVersion5) {
-    EXPECT_EQ(OneValue("\"v\"=hex(7):61,00,00,00,ac,20,00,00,00,00"), (RegistryValue{7, {'a', 0, 0x80, 0, 0}}));
+    EXPECT_EQ(OneValue("\"v\"=hex(7):61,00,00,00,ac,20,00,00,00,00"),
+              (RegistryValue{7, {'a', 0, 0x80, 0, 0}}));
     EXPECT_EQ(OneValue("\"v\"=hex(2):25,00,00,00"), (RegistryValue{2, {'%', 0}}));
     EXPECT_EQ(OneValue("\"v\"=hex(1):61,00"), (RegistryValue{1, {'a'}}));
     EXPECT_EQ(OneValue("\"v\"=hex(1):16,04"), (RegistryValue{1, {'?'}}));
@@ -109,7 +110,8 @@ TEST(ParseRegFile, LeavesTextInHexOfVersion4) {
 }
 
 TEST(ParseRegFile, ReadsVersion4InTheCodePage) {
-    const RegistryStore::Change change = OneChange("\"\x80\"=\"\xE4\x81\"", "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\A]\r\n");
+    const RegistryStore::Change change =
+        OneChange("\"\x80\"=\"\xE4\x81\"", "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\A]\r\n");
     EXPECT_EQ(change.name, "\xE2\x82\xAC");
     EXPECT_EQ(change.value, (RegistryValue{kRegSz, {0xE4, 0x81, 0}}));
 }
@@ -127,7 +129,8 @@ TEST(ParseRegFile, ReadsVersion5InEveryEncoding) {
 }
 
 TEST(ParseRegFile, SkipsCommentsAndBlankLines) {
-    EXPECT_EQ(OneValue("\n ; note\n;[HKLM\\no]\n\t\n  \"v\" = \"x\" ; behind\n"), (RegistryValue{kRegSz, {'x', 0}}));
+    EXPECT_EQ(OneValue("\n ; note\n;[HKLM\\no]\n\t\n  \"v\" = \"x\" ; behind\n"),
+              (RegistryValue{kRegSz, {'x', 0}}));
 }
 
 TEST(ParseRegFile, AcceptsALastLineWithoutLineBreakWhenItShowsItsEnd) {
@@ -196,7 +199,8 @@ TEST(ParseRegFile, NamesTheLineOfWhatIsWrong) {
     };
     for (const Malformed& row : rows) {
         const RegFileContents contents = ParseRegFile(row.file);
-        EXPECT_NE(contents.problem.find(row.problem), std::string::npos) << row.file << "\n" << contents.problem;
+        EXPECT_NE(contents.problem.find(row.problem), std::string::npos) << row.file << "\n"
+                                                                         << contents.problem;
         EXPECT_EQ(contents.line, row.line) << row.file;
         EXPECT_TRUE(contents.changes.empty()) << row.file;
     }
@@ -207,13 +211,16 @@ TEST(ParseRegFile, NamesTheLineOfWhatIsWrong) {
 TEST(PrintRegFile, StartsWithTheMarkAndTheVersion) {
     const std::string bytes = PrintRegFile({}).bytes;
     EXPECT_EQ(bytes.substr(0, 6), "\xFF\xFEW\0i\0"s);
-    EXPECT_EQ(Utf8FromUtf16Le(std::string_view(bytes).substr(2)), "Windows Registry Editor Version 5.00\r\n\r\n");
+    EXPECT_EQ(Utf8FromUtf16Le(std::string_view(bytes).substr(2)),
+              "Windows Registry Editor Version 5.00\r\n\r\n");
 }
 
 TEST(PrintRegFile, WritesWholeKeys) {
-    const RegFileText text = PrintRegFile(
-        {{"", {}},
-         {"A\\B", {{"", {kRegSz, {'x', 0}}}, {"q\"\\", {kRegDword, {1, 2, 3, 0xFF}}}, {"\xE2\x82\xAC", {kRegBinary, {}}}}}});
+    const RegFileText text = PrintRegFile({{"", {}},
+                                           {"A\\B",
+                                            {{"", {kRegSz, {'x', 0}}},
+                                             {"q\"\\", {kRegDword, {1, 2, 3, 0xFF}}},
+                                             {"\xE2\x82\xAC", {kRegBinary, {}}}}}});
     EXPECT_EQ(text.changedNames, 0U);
     EXPECT_EQ(Utf8FromUtf16Le(std::string_view(text.bytes).substr(2)),
               "Windows Registry Editor Version 5.00\r\n"
@@ -247,17 +254,20 @@ TEST(PrintRegFile, WritesOtherTypesAsHex) {
 
 TEST(PrintRegFile, BreaksLongLines) {
     EXPECT_EQ(Printed({kRegBinary, Bytes(50, 0)}),
-              "hex:00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,\\\r\n"
+              "hex:00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,\\\r\n"
               "  00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,\\\r\n"
-              "  00,00,00");
+              "  00,00");
 }
 
 TEST(PrintRegFile, CountsNamesThatTheFormatCannotHold) {
-    const RegFileText text = PrintRegFile({{"A\nB", {{"c\rd", {kRegSz, {0}}}, {"\xFF", {kRegSz, {0}}}, {"e", {}}}}});
+    const RegFileText text =
+        PrintRegFile({{"A\nB", {{"c\rd", {kRegSz, {0}}}, {"\xFF", {kRegSz, {0}}}, {"e", {}}}}});
     EXPECT_EQ(text.changedNames, 3U);
     const RegFileContents contents = ParseRegFile(text.bytes);
     ASSERT_EQ(contents.problem, "");
-    EXPECT_EQ(contents.changes[0].subkey, "A\xEF\xBF\xBD" "B");
+    EXPECT_EQ(contents.changes[0].subkey,
+              "A\xEF\xBF\xBD"
+              "B");
 }
 
 TEST(PrintRegFile, ParsingGivesEveryValueBack) {
@@ -265,9 +275,10 @@ TEST(PrintRegFile, ParsingGivesEveryValueBack) {
     for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<std::uint8_t>(i);
     std::vector<NamedValue> values;
     for (const std::uint32_t type : {0U, 1U, 2U, 3U, 4U, 5U, 7U, 11U, 0xFFFFFFFFU}) {
-        for (const Bytes& data : {Bytes{}, Bytes{0}, Bytes{0, 0}, Bytes{'a'}, Bytes{'a', 0}, Bytes{'a', 0, 'b', 0, 0},
-                                  Bytes{1, 2, 3, 4}, Bytes{'\r', '\n', 0}, Bytes{'"', '\\', 0}, Bytes{';', '=', 0},
-                                  Bytes{0x80, 0x81, 0xFF, 0}, Bytes(5000, 0xC3), all}) {
+        for (const Bytes& data :
+             {Bytes{}, Bytes{0}, Bytes{0, 0}, Bytes{'a'}, Bytes{'a', 0}, Bytes{'a', 0, 'b', 0, 0},
+              Bytes{1, 2, 3, 4}, Bytes{'\r', '\n', 0}, Bytes{'"', '\\', 0}, Bytes{';', '=', 0},
+              Bytes{0x80, 0x81, 0xFF, 0}, Bytes(5000, 0xC3), all}) {
             values.push_back({"n" + std::to_string(values.size()) + "\\\"=;", {type, data}});
         }
     }

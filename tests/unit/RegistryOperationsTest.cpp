@@ -69,13 +69,13 @@ TEST_F(RegistryOperations, QueryStringOfAMultiStringDropsOnlyTheLastNul) {
 
 TEST_F(RegistryOperations, QueryStringOfOddBytesDropsTheLastOneWhateverItIs) {
     const std::vector<std::pair<Bytes, std::string>> table = {
-        {{'a', 'b', 'c'}, "ab"},          // no terminator
-        {{'a', 0, 'b'}, "a\0"s},          // multi-string cut short
-        {{'a', 0, 'b', 0}, "a\0b"s},      // multi-string with one NUL at its end
-        {{'a', 0, 0, 0}, "a\0\0"s},       // one NUL too many
-        {{0, 0}, "\0"s},                  // empty multi-string
-        {{0}, ""},                        // empty text
-        {{'a'}, ""},                      // one character without a terminator
+        {{'a', 'b', 'c'}, "ab"},      // no terminator
+        {{'a', 0, 'b'}, "a\0"s},      // multi-string cut short
+        {{'a', 0, 'b', 0}, "a\0b"s},  // multi-string with one NUL at its end
+        {{'a', 0, 0, 0}, "a\0\0"s},   // one NUL too many
+        {{0, 0}, "\0"s},              // empty multi-string
+        {{0}, ""},                    // empty text
+        {{'a'}, ""},                  // one character without a terminator
     };
     for (const auto& [stored, expected] : table) {
         Store("Odd", stored, kRegMultiSz);
@@ -348,9 +348,9 @@ TEST_F(RegistryOperations, EachOperationAsksTheRegistryOnceAndShowsNothing) {
     EXPECT_EQ(RegCreateKey(kHkeyLocalMachine, kKey), Win32Error::kRegistryCorrupt);
     EXPECT_EQ(RegEnumSubkeys(kHkeyLocalMachine, kKey, names), Win32Error::kRegistryCorrupt);
     const std::string key = kKey;
-    EXPECT_THAT(registry_.diary, ElementsAre("read " + key + "\\S", "read " + key + "\\B",
-                                             "write " + key + "\\W", "write " + key + "\\X",
-                                             "delete " + key + "\\D", "create " + key, "enum " + key));
+    EXPECT_THAT(registry_.diary,
+                ElementsAre("read " + key + "\\S", "read " + key + "\\B", "write " + key + "\\W",
+                            "write " + key + "\\X", "delete " + key + "\\D", "create " + key, "enum " + key));
     EXPECT_THAT(machine_.seat.diary, IsEmpty());
 }
 
@@ -366,58 +366,6 @@ TEST_F(RegistryOperations, TheRootKeyReachesTheRegistry) {
     EXPECT_EQ(RegCreateKey(kOther, "SOFTWARE\\New"), Win32Error::kInvalidHandle);
     EXPECT_EQ(RegEnumSubkeys(kOther, "SOFTWARE", names), Win32Error::kInvalidHandle);
     EXPECT_EQ(registry_.Text(kKey, "Text"), "a");
-}
-
-// ---- RegErrorText
-
-TEST(RegErrorText, EveryCodeOfTheTableHasItsText) {
-    const std::vector<std::pair<std::uint32_t, std::string>> table = {
-        {0, "(0) No Error"},
-        {2, "(2) Bad Key Name"},
-        {4, "(4) Can't Read Key"},
-        {5, "(5) Access to this key is denied"},
-        {6, "(6) Invalid registry key handle"},
-        {8, "(8) Out of memory"},
-        {14, "(14) Out of memory"},
-        {87, "(87) Invalid Parameter"},
-        {234, "(234) There is more data than the buffer has been allocated to hold"},
-        {1009, "(1009) The Registry Database is corrupt!"},
-        {1010, "(1010) Bad Key Name"},
-        {1011, "(1011) Can't Open Key"},
-        {1012, "(1012) Can't Read Key"},
-        {1013, "(1013) Can't Write Key"},
-        {1015, "(1015) The Registry Database is corrupt!"},
-    };
-    for (const auto& [code, text] : table) EXPECT_EQ(RegErrorText(static_cast<Win32Error>(code)), text);
-}
-
-TEST(RegErrorText, EveryOtherCodeIsUndefined) {
-    for (const std::uint32_t code : {1U, 3U, 7U, 13U, 122U, 1008U, 1014U, 1016U, 70000U}) {
-        EXPECT_EQ(RegErrorText(static_cast<Win32Error>(code)),
-                  "(" + std::to_string(code) + ") Undefined Error Code");
-    }
-}
-
-// ---- REG_DWORD
-
-TEST(RegistryDword, BytesAreCutOrZeroFilledToFourAndReadLittleEndian) {
-    const std::vector<std::pair<Bytes, std::uint32_t>> table = {
-        {{}, 0},
-        {{7}, 7},
-        {{1, 2}, 0x0201},
-        {{1, 2, 3}, 0x030201},
-        {{1, 2, 3, 4}, 0x04030201},
-        {{1, 2, 3, 4, 5}, 0x04030201},
-        {{255, 255, 255, 255}, 0xFFFFFFFF},
-    };
-    for (const auto& [bytes, number] : table)
-        EXPECT_EQ(DwordFrom(bytes), number) << testing::PrintToString(bytes);
-}
-
-TEST(RegistryDword, NumbersBecomeFourLittleEndianBytes) {
-    EXPECT_THAT(DwordBytes(0), ElementsAre(0, 0, 0, 0));
-    EXPECT_THAT(DwordBytes(0x04030201), ElementsAre(1, 2, 3, 4));
-    EXPECT_THAT(DwordBytes(0xFFFFFFFE), ElementsAre(254, 255, 255, 255));
 }
 
 // ---- what the tests of other parts build on

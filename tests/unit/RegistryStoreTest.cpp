@@ -1,11 +1,12 @@
-#include "platform/linux/RegistryStore.h"
-
+#include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "platform/linux/RegistryStore.h"
 #include "tests/unit/FileSupport.h"
 
 /// What the store does beyond RegistryApi, with one program and all rights.
@@ -17,6 +18,12 @@ using Bytes = std::vector<std::uint8_t>;
 using Kind = RegistryStore::Change::Kind;
 using Editor = RegistryStore::Editor;
 
+LinkRow BareRow(const std::string& id) {
+    LinkRow row;
+    row.id = id;
+    return row;
+}
+
 class RegistryStoreTest : public testing::Test {
  protected:
     Bytes Data(const std::string& key, const std::string& name) {
@@ -26,7 +33,8 @@ class RegistryStoreTest : public testing::Test {
     }
     bool HasKey(const std::string& key) { return store_.ReadValue(kRoot, key, "").keyOpened; }
     void Set(const std::string& key, const std::string& name, const Bytes& data) {
-        ASSERT_EQ(store_.Apply(kRoot, {{Kind::kSetValue, key, name, {kRegBinary, data}}}), Win32Error::kSuccess);
+        ASSERT_EQ(store_.Apply(kRoot, {{Kind::kSetValue, key, name, {kRegBinary, data}}}),
+                  Win32Error::kSuccess);
     }
 
     test::TempFolder folder_;
@@ -143,8 +151,9 @@ TEST_F(RegistryStoreTest, ApplyForgivesDeletingWhatIsNotThere) {
 }
 
 TEST_F(RegistryStoreTest, ApplyIsAllOrNothing) {
-    EXPECT_EQ(store_.Apply(kRoot, {{Kind::kSetValue, "A", "v", {kRegBinary, {1}}}, {Kind::kDeleteKey, "", "", {}}}),
-              Win32Error::kAccessDenied);
+    EXPECT_EQ(
+        store_.Apply(kRoot, {{Kind::kSetValue, "A", "v", {kRegBinary, {1}}}, {Kind::kDeleteKey, "", "", {}}}),
+        Win32Error::kAccessDenied);
     EXPECT_FALSE(HasKey("A"));
 }
 
@@ -158,7 +167,7 @@ TEST_F(RegistryStoreTest, ApplyStoresTextAsItIs) {
 TEST_F(RegistryStoreTest, AFailedEditLeavesNothing) {
     EXPECT_EQ(store_.Transact([](Editor& editor) {
         EXPECT_EQ(editor.CreateKey("A"), Win32Error::kSuccess);
-        EXPECT_EQ(editor.SaveLink({.id = "{1}"}), Win32Error::kSuccess);
+        EXPECT_EQ(editor.SaveLink(BareRow("{1}")), Win32Error::kSuccess);
         return Win32Error::kBusy;
     }),
               Win32Error::kBusy);
@@ -192,7 +201,7 @@ TEST_F(RegistryStoreTest, TheStoresOwnOperationsTakePartInAnEdit) {
 }
 
 TEST_F(RegistryStoreTest, WhatTheKernelShowedIsReplacedByWhatItShows) {
-    for (const std::uint8_t byte : {1, 2}) {
+    for (const std::uint8_t byte : Bytes{1, 2}) {
         ASSERT_EQ(store_.Transact([&](Editor& editor) {
             EXPECT_FALSE(editor.UserSet("K", "v"));
             return editor.SetFromKernel("K", "v", {kRegBinary, {byte}});
@@ -228,7 +237,9 @@ TEST_F(RegistryStoreTest, WhatTheUserSetStaysAgainstTheKernel) {
 }
 
 TEST_F(RegistryStoreTest, TheUserTakesOverWhatTheKernelShowed) {
-    ASSERT_EQ(store_.Transact([](Editor& editor) { return editor.SetFromKernel("K", "v", {kRegBinary, {1}}); }),
+    ASSERT_EQ(store_.Transact([](Editor& editor) {
+        return editor.SetFromKernel("K", "v", {kRegBinary, {1}});
+    }),
               Win32Error::kSuccess);
     ASSERT_EQ(store_.WriteValue(kRoot, "K", "v", {kRegBinary, {2}}), Win32Error::kSuccess);
     ASSERT_EQ(store_.Transact([](Editor& editor) {
@@ -281,7 +292,7 @@ LinkRow FullRow(const std::string& id) {
 }
 
 TEST_F(RegistryStoreTest, LinkRowsComeBackInOrderOfId) {
-    const LinkRow bare{.id = "{1}"};
+    const LinkRow bare = BareRow("{1}");
     ASSERT_EQ(store_.Transact([&](Editor& editor) {
         EXPECT_EQ(editor.SaveLink(FullRow("{2}")), Win32Error::kSuccess);
         EXPECT_EQ(editor.SaveLink(bare), Win32Error::kSuccess);
@@ -318,7 +329,8 @@ TEST_F(RegistryStoreTest, HeldMessagesComeBackInTheirOrder) {
     std::vector<HeldMessage> read;
     ASSERT_EQ(store_.LoadHeld("{1}", read), Win32Error::kSuccess);
     EXPECT_EQ(read, messages);
-    ASSERT_EQ(store_.Transact([](Editor& editor) { return editor.SaveHeld("{1}", {}); }), Win32Error::kSuccess);
+    ASSERT_EQ(store_.Transact([](Editor& editor) { return editor.SaveHeld("{1}", {}); }),
+              Win32Error::kSuccess);
     ASSERT_EQ(store_.LoadHeld("{1}", read), Win32Error::kSuccess);
     EXPECT_TRUE(read.empty());
     ASSERT_EQ(store_.LoadHeld("{2}", read), Win32Error::kSuccess);
@@ -327,7 +339,7 @@ TEST_F(RegistryStoreTest, HeldMessagesComeBackInTheirOrder) {
 
 TEST_F(RegistryStoreTest, DeletingALinkTakesItsHeldMessages) {
     ASSERT_EQ(store_.Transact([](Editor& editor) {
-        EXPECT_EQ(editor.SaveLink({.id = "{1}"}), Win32Error::kSuccess);
+        EXPECT_EQ(editor.SaveLink(BareRow("{1}")), Win32Error::kSuccess);
         EXPECT_EQ(editor.SaveHeld("{1}", {{1, {1}}}), Win32Error::kSuccess);
         EXPECT_EQ(editor.DeleteLink("{0}"), Win32Error::kSuccess);
         return editor.DeleteLink("{1}");

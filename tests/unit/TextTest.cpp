@@ -1,5 +1,3 @@
-#include "platform/Text.h"
-
 #include <array>
 #include <cstdint>
 #include <string>
@@ -8,6 +6,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "platform/Text.h"
 
 namespace corvane {
 namespace {
@@ -65,18 +65,24 @@ TEST(Join, PutsTheSeparatorBetweenThePieces) {
 
 TEST(NumericValue, ReadsTheNumberAtTheStart) {
     const std::vector<std::pair<std::string, double>> table = {
-        {"20", 20},    {"  20", 20},      {"2 0", 20},   {"+5", 5},    {"-5", -5},     {"1.5x", 1.5}, {".5", 0.5},
-        {"-.5", -0.5}, {"10 metric", 10}, {"1e3", 1000}, {"1e", 1},    {"1.2.3", 1.2}, {"007", 7},
+        {"20", 20},    {"  20", 20},   {"2 0", 20},   {"+5", 5},         {"-5", -5},
+        {"1.5x", 1.5}, {".5", 0.5},    {"-.5", -0.5}, {"10 metric", 10}, {"1e3", 1000},
+        {"1e", 1},     {"1.2.3", 1.2}, {"007", 7},
     };
     for (const auto& [text, number] : table) EXPECT_DOUBLE_EQ(NumericValue(text), number) << text;
 }
 
 TEST(NumericValue, IsZeroWithoutANumber) {
-    for (const char* text : {"", " ", "metric", "-", "+", ".", "inf", "-inf", "nan", "+-5", "--5", "x1", "1e999"})
+    for (const char* text :
+         {"", " ", "metric", "-", "+", ".", "inf", "-inf", "nan", "+-5", "--5", "x1", "1e999"})
         EXPECT_EQ(NumericValue(text), 0) << text;
 }
 
-TEST(NumericValue, StopsAtANul) { EXPECT_EQ(NumericValue("12\0" "3"s), 12); }
+TEST(NumericValue, StopsAtANul) {
+    EXPECT_EQ(NumericValue("12\0"
+                           "3"s),
+              12);
+}
 
 TEST(ShortestDecimal, DropsZerosBehindThePoint) {
     EXPECT_EQ(ShortestDecimal(100, 2), "100");

@@ -1,6 +1,6 @@
-corvane_test(NAME dhcp_unit
+corvane_test(NAME dhcp_unit_test
     SOURCES
-        ${CMAKE_CURRENT_LIST_DIR}/DhcpHookTest.cpp
-        ${CMAKE_CURRENT_LIST_DIR}/DhcpLeaseTest.cpp
-        ${CMAKE_CURRENT_LIST_DIR}/ResolvConfTest.cpp
+        unit/DhcpHookTest.cpp
+        unit/DhcpLeaseTest.cpp
+        unit/ResolvConfTest.cpp
     LIBS corvane_dhcp)

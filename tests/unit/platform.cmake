@@ -3,6 +3,7 @@ corvane_test(NAME platform_test
         unit/AddressTest.cpp
         unit/IphlpApiTest.cpp
         unit/PlatformTest.cpp
+        unit/RegErrorTextTest.cpp
         unit/RegistryOperationsTest.cpp
         unit/TextTest.cpp
     LIBS corvane_fakes)

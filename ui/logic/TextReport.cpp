@@ -17,16 +17,19 @@ std::string Label(const std::string& label, std::size_t width, char fill) {
     return label + std::string(width - label.size(), fill);
 }
 
-std::string Line(const std::string& label, const std::string& value) { return Label(label, 25, '.') + value + kCrLf; }
+std::string Line(const std::string& label, const std::string& value) {
+    return Label(label, 25, '.') + value + kCrLf;
+}
 
 std::string LongDate(const DateTime& date) {
     static constexpr std::array kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                              "Thursday", "Friday", "Saturday"};
-    static constexpr std::array kMonths = {"January", "February", "March",     "April",   "May",      "June",
-                                           "July",    "August",   "September", "October", "November", "December"};
+    static constexpr std::array kMonths = {"January",   "February", "March",    "April",
+                                           "May",       "June",     "July",     "August",
+                                           "September", "October",  "November", "December"};
     char numbers[64];
-    std::snprintf(numbers, sizeof numbers, " %02d, %04d   %02d:%02d:%02d", date.day, date.year, date.hour, date.minute,
-                  date.second);
+    std::snprintf(numbers, sizeof numbers, " %02d, %04d   %02d:%02d:%02d", date.day, date.year, date.hour,
+                  date.minute, date.second);
     return std::string(kWeekdays.at(static_cast<std::size_t>(date.weekday))) + ", " +
            kMonths.at(static_cast<std::size_t>(date.month - 1)) + numbers;
 }
@@ -63,8 +66,9 @@ std::string InterfaceSection(std::size_t adapter) {
     const NicInfo& nic = Nics.at(adapter);
     std::string text = Line("Connection Name", nic.Name) + Line("Device Name", nic.DriverDesc) +
                        Line("Hardware ID", nic.ComponentId) + Line("Configuration ID", nic.Id) +
-                       Line("MAC Address", ReportMacText(nic)) + Line("Manufacturer", ReportManufacturer(nic)) +
-                       Line("Speed", nic.Speed) + Line("Link Status", nic.Status);
+                       Line("MAC Address", ReportMacText(nic)) +
+                       Line("Manufacturer", ReportManufacturer(nic)) + Line("Speed", nic.Speed) +
+                       Line("Link Status", nic.Status);
     if (!nic.TcpipBound) return text + Line("TCP/IP", "Disabled") + Line("DHCP", "Disabled");
     text += Line("TCP/IP", "Enabled") + Line("DHCP", nic.DhcpEnabled ? "Enabled" : "Disabled");
     if (nic.DhcpEnabled) {
@@ -77,9 +81,9 @@ std::string InterfaceSection(std::size_t adapter) {
 }
 
 std::string TextReport() {
-    std::string text = std::string("Orvella Corvane v4.5 By Ollory") + kCrLf + std::string(49, '=') + kCrLf + kCrLf +
-                       "Date: " + LongDate(CurrentPlatform().clock->LocalTime()) + kCrLf + kCrLf + "Text Report-" +
-                       kCrLf + std::string(12, '=') + kCrLf + kCrLf;
+    std::string text = std::string("Orvella Corvane v4.5 By Ollory") + kCrLf + std::string(49, '=') + kCrLf +
+                       kCrLf + "Date: " + LongDate(CurrentPlatform().clock->LocalTime()) + kCrLf + kCrLf +
+                       "Text Report-" + kCrLf + std::string(12, '=') + kCrLf + kCrLf;
     int number = 0;
     for (std::size_t i = 0; i < Nics.size(); ++i) {
         if (Nics[i].Name.empty()) continue;

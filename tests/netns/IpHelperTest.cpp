@@ -1,0 +1,140 @@
+#include "platform/linux/IpHelper.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "netns/NetnsSupport.h"
+
+namespace corvane {
+namespace {
+
+using netns::Ip;
+
+class IpHelperTest : public testing::Test {
+ protected:
+    IpHelperTest() { link_.BringUp(); }
+    ~IpHelperTest() override { std::filesystem::remove_all(folder_); }
+
+    std::string folder_ = "/run/" + netns::NewLinkName("helper");
+    netns::ScopedVeth link_;
+    IpHelper helper_{std::make_shared<Machine>(folder_ + "/registry.db")};
+};
+
+TEST_F(IpHelperTest, AddressesAreListedInAscendingOrder) {
+    Ip("address add 10.91.0.9/24 dev " + link_.Name());
+    Ip("address add 10.91.0.5/24 dev " + link_.Name());
+    Ip("address add 9.1.1.1/8 dev " + link_.Name());
+    const std::vector<IpAddrRow> rows = helper_.GetIpAddrTable().rows;
+    EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end(),
+                               [](const IpAddrRow& a, const IpAddrRow& b) { return a.address < b.address; }));
+    EXPECT_GE(rows.size(), 3U);
+}
+
+TEST_F(IpHelperTest, RoutesAreListedByDestinationThenMetric) {
+    Ip("address add 10.91.0.5/24 dev " + link_.Name());
+    Ip("route add default via 10.91.0.1 metric 20");
+    Ip("route add default via 10.91.0.2 metric 10");
+    const std::vector<IpForwardRow> rows = helper_.GetIpForwardTable().rows;
+    ASSERT_GE(rows.size(), 3U);
+    EXPECT_EQ(rows[0].nextHop, (Ipv4Bytes{10, 91, 0, 2}));
+    EXPECT_EQ(rows[0].metric1, 10U);
+    EXPECT_EQ(rows[0].type, 4U);
+    EXPECT_EQ(rows[1].nextHop, (Ipv4Bytes{10, 91, 0, 1}));
+    EXPECT_EQ(rows[2].type, 3U) << "the connected network is direct";
+    Ip("route flush default");
+}
+
+TEST_F(IpHelperTest, ContextsStayTheSameFromReadToRead) {
+    Ip("address add 10.91.0.5/24 dev " + link_.Name());
+    const std::uint16_t first = helper_.GetIpAddrTable().rows.back().nteContext;
+    Ip("address add 10.91.0.4/24 dev " + link_.Name());
+    EXPECT_EQ(helper_.GetIpAddrTable().rows.back().nteContext, first);
+    EXPECT_NE(first, 0U);
+}
+
+TEST_F(IpHelperTest, DeletingAPrimaryAddressLeavesItsSecondaryOnes) {
+    for (const char* address : {"10.91.0.5/24", "10.91.0.6/24", "10.91.0.7/24"}) {
+        Ip(std::string("address add ") + address + " dev " + link_.Name());
+    }
+    std::uint32_t context = 0;
+    for (const IpAddrRow& row : helper_.GetIpAddrTable().rows) {
+        if (row.address == Ipv4Bytes{10, 91, 0, 5}) context = row.nteContext;
+    }
+    ASSERT_EQ(helper_.DeleteIPAddress(context), Win32Error::kSuccess);
+    std::vector<Ipv4Bytes> left;
+    for (const IpAddrRow& row : helper_.GetIpAddrTable().rows) {
+        if (row.index == link_.Index()) left.push_back(row.address);
+    }
+    EXPECT_EQ(left, (std::vector<Ipv4Bytes>{{10, 91, 0, 6}, {10, 91, 0, 7}}));
+}
+
+TEST_F(IpHelperTest, SpeedAndCountersComeFromTheKernel) {
+    IfRow row;
+    ASSERT_EQ(helper_.GetIfEntry(link_.Index(), row), Win32Error::kSuccess);
+    EXPECT_EQ(row.speed, 10000000000ULL);
+    Ip("neigh add 10.91.0.77 lladdr 02:00:5e:00:53:77 dev " + link_.Name());
+    Ip("address add 10.91.0.5/24 dev " + link_.Name());
+    netns::RunCommand({"busybox", "ping", "-c", "1", "-W", "1", "10.91.0.77"});
+    const auto statistics = [&] { return netns::IpJson("-s link show dev " + link_.Name())[0]["stats64"]; };
+    const auto before = statistics();
+    ASSERT_EQ(helper_.GetIfEntry(link_.Index(), row), Win32Error::kSuccess);
+    const auto after = statistics();
+    EXPECT_GT(row.outOctets, 0U);
+    EXPECT_GE(row.outOctets, before["tx"]["bytes"].get<std::uint64_t>());
+    EXPECT_LE(row.outOctets, after["tx"]["bytes"].get<std::uint64_t>());
+    EXPECT_GE(row.inOctets, before["rx"]["bytes"].get<std::uint64_t>());
+    EXPECT_LE(row.inOctets, after["rx"]["bytes"].get<std::uint64_t>());
+}
+
+TEST_F(IpHelperTest, AnEntryOfTheDumpIsHandedOutOnceAndThenReadAnew) {
+    static_cast<void>(helper_.GetInterfaceInfo());
+    IfRow row;
+    ASSERT_EQ(helper_.GetIfEntry(link_.Index(), row), Win32Error::kSuccess);
+    Ip("link set " + link_.Name() + " down");
+    ASSERT_EQ(helper_.GetIfEntry(link_.Index(), row), Win32Error::kSuccess);
+    EXPECT_EQ(row.adminStatus, 2U);
+}
+
+TEST_F(IpHelperTest, WithoutCarrierALinkIsDisconnectedOrUnreachable) {
+    Ip("link set " + link_.Peer() + " down");
+    ASSERT_TRUE(netns::WaitUntil([&] {
+        return netns::IpJson("link show dev " + link_.Name())[0]["operstate"] != "UP";
+    }));
+    IfRow row;
+    ASSERT_EQ(helper_.GetIfEntry(link_.Index(), row), Win32Error::kSuccess);
+    EXPECT_EQ(row.adminStatus, 1U);
+    EXPECT_TRUE(row.operStatus == 1U || row.operStatus == 2U) << row.operStatus;
+}
+
+TEST_F(IpHelperTest, LeasesOfALinkWithoutDhcpAreNotSupported) {
+    const TableRead<InterfaceEntry> table = helper_.GetInterfaceInfo();
+    ASSERT_FALSE(table.rows.empty());
+    EXPECT_EQ(helper_.IpReleaseAddress(table.rows[0]), Win32Error::kNotSupported);
+    EXPECT_EQ(helper_.IpRenewAddress(table.rows[0]), Win32Error::kNotSupported);
+}
+
+TEST_F(IpHelperTest, AMaskWithHolesIsAnInvalidParameter) {
+    std::uint32_t context = 0;
+    EXPECT_EQ(helper_.AddIPAddress({10, 91, 0, 5}, {255, 0, 255, 0}, link_.Index(), context),
+              Win32Error::kInvalidParameter);
+    IpForwardRow route;
+    route.destination = {10, 92, 0, 0};
+    route.mask = {255, 0, 255, 0};
+    route.ifIndex = link_.Index();
+    EXPECT_EQ(helper_.CreateIpForwardEntry(route), Win32Error::kInvalidParameter);
+    EXPECT_EQ(helper_.DeleteIpForwardEntry(route), Win32Error::kInvalidParameter);
+}
+
+TEST_F(IpHelperTest, AGatewayOutsideEveryNetworkIsUnreachable) {
+    IpForwardRow route;
+    route.nextHop = {10, 99, 0, 1};
+    route.ifIndex = link_.Index();
+    EXPECT_EQ(helper_.CreateIpForwardEntry(route), Win32Error::kNetworkUnreachable);
+}
+
+}  // namespace
+}  // namespace corvane

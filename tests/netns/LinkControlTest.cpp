@@ -1,0 +1,193 @@
+#include "platform/linux/LinkControl.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "netns/NetnsSupport.h"
+#include "platform/Address.h"
+#include "platform/RegistryKeys.h"
+
+namespace corvane {
+namespace {
+
+using netns::Ip;
+using netns::IpJson;
+
+constexpr char kWanted[] = "000C294F8E35";
+
+/// The kernel, but for refusals that cannot be had from the links that can be made here.
+class RefusingKernel : public Netlink {
+ public:
+    std::optional<int> addressRefusal;
+    int upRefusals = 0;  ///< How many times "up" is still refused.
+    bool ignoresAddresses = false;
+
+    KernelAnswer SetLinkAddress(std::uint32_t index, const MacBytes& address) override {
+        if (addressRefusal && MacDigits(address) == kWanted) return {*addressRefusal, "the driver says no"};
+        if (ignoresAddresses) return {};
+        return Netlink::SetLinkAddress(index, address);
+    }
+    KernelAnswer SetLinkUp(std::uint32_t index, bool up) override {
+        if (up && upRefusals > 0) {
+            --upRefusals;
+            return {EADDRINUSE, ""};
+        }
+        return Netlink::SetLinkUp(index, up);
+    }
+};
+
+class LinkControlTest : public testing::Test {
+ protected:
+    LinkControlTest() {
+        Ip("address add 10.91.0.5/24 dev " + link_.Name());
+        link_.BringUp();
+        original_ = Address();
+        machine_->Update();
+    }
+    ~LinkControlTest() override { std::filesystem::remove_all(folder_); }
+
+    std::string Address() {
+        return IpJson("link show dev " + link_.Name())[0]["address"].get<std::string>();
+    }
+    bool Up() {
+        const auto flags = IpJson("link show dev " + link_.Name())[0]["flags"];
+        return std::find(flags.begin(), flags.end(), "UP") != flags.end();
+    }
+    std::size_t AddressCount() {
+        return IpJson("-4 address show dev " + link_.Name())[0]["addr_info"].size();
+    }
+    const LinkRow& Row() {
+        machine_->Update();
+        return *machine_->RowOfName(link_.Name());
+    }
+    void SetOverride(const std::string& digits) {
+        ASSERT_EQ(machine_->Store().WriteValue(kHkeyLocalMachine, DriverKeyPath(Row().driverKey), "NetworkAddress",
+                                               {kRegSz, {digits.begin(), digits.end()}}),
+                  Win32Error::kSuccess);
+    }
+    bool Disable() { return control_.Disable(link_.Name(), failure_); }
+    bool Enable() { return control_.Enable(link_.Name(), failure_); }
+
+    std::string folder_ = "/run/" + netns::NewLinkName("control");
+    netns::ScopedVeth link_;
+    std::string original_;
+    RefusingKernel* kernel_ = new RefusingKernel;  // machine_ owns it
+    std::shared_ptr<Machine> machine_ =
+        std::make_shared<Machine>(folder_ + "/registry.db", std::unique_ptr<Netlink>(kernel_));
+    LinkControl control_{machine_};
+    std::string failure_;
+};
+
+TEST_F(LinkControlTest, AnOverrideIsSetWithARestartAndGivenBackWithTheNext) {
+    SetOverride(kWanted);
+    ASSERT_TRUE(Disable()) << failure_;
+    EXPECT_FALSE(Up());
+    EXPECT_EQ(AddressCount(), 0U);
+    ASSERT_TRUE(Enable()) << failure_;
+    EXPECT_EQ(Address(), "00:0c:29:4f:8e:35");
+    EXPECT_TRUE(Up());
+    EXPECT_EQ(AddressCount(), 1U);
+    SetOverride("");
+    ASSERT_TRUE(Disable()) << failure_;
+    ASSERT_TRUE(Enable()) << failure_;
+    EXPECT_EQ(Address(), original_);
+}
+
+TEST_F(LinkControlTest, ADriverThatRefusesTheAddressIsQuotedAndTheLinkHasItsOriginal) {
+    SetOverride(kWanted);
+    kernel_->addressRefusal = EBUSY;
+    ASSERT_TRUE(Disable()) << failure_;
+    EXPECT_FALSE(Enable());
+    EXPECT_NE(failure_.find("00-0C-29-4F-8E-35 was refused"), std::string::npos) << failure_;
+    EXPECT_NE(failure_.find("the driver says no"), std::string::npos) << failure_;
+    EXPECT_EQ(Address(), original_);
+    EXPECT_TRUE(Up());
+    EXPECT_EQ(AddressCount(), 1U);
+    EXPECT_FALSE(Row().held);
+}
+
+TEST_F(LinkControlTest, AnAddressInUseThatShowsOnlyWhenTheLinkComesUpIsReplacedByTheOriginal) {
+    SetOverride(kWanted);
+    kernel_->upRefusals = 1;
+    ASSERT_TRUE(Disable()) << failure_;
+    EXPECT_FALSE(Enable());
+    EXPECT_NE(failure_.find("was refused"), std::string::npos) << failure_;
+    EXPECT_EQ(Address(), original_);
+    EXPECT_TRUE(Up());
+}
+
+TEST_F(LinkControlTest, ALinkThatDoesNotComeUpIsReportedAndKeepsWhatWasKept) {
+    Ip("route add 10.92.0.0/16 via 10.91.0.1");
+    ASSERT_TRUE(Disable()) << failure_;
+    kernel_->upRefusals = 2;
+    EXPECT_FALSE(Enable());
+    EXPECT_NE(failure_.find("could not be taken up"), std::string::npos) << failure_;
+    EXPECT_TRUE(Row().held);
+    kernel_->upRefusals = 0;
+    ASSERT_TRUE(Enable()) << failure_;
+    EXPECT_EQ(IpJson("route show 10.92.0.0/16").size(), 1U);
+    EXPECT_FALSE(Row().held);
+}
+
+TEST_F(LinkControlTest, AnAddressThatTheDriverOnlyPretendsToTakeIsNoticed) {
+    SetOverride(kWanted);
+    kernel_->ignoresAddresses = true;
+    ASSERT_TRUE(Disable()) << failure_;
+    EXPECT_FALSE(Enable());
+    EXPECT_NE(failure_.find("not 00-0C-29-4F-8E-35"), std::string::npos) << failure_;
+}
+
+TEST_F(LinkControlTest, AVanishedLinkIsSaidToBeGone) {
+    ASSERT_TRUE(Disable()) << failure_;
+    Ip("link delete " + link_.Name());
+    EXPECT_FALSE(Enable());
+    EXPECT_NE(failure_.find("the link is gone"), std::string::npos) << failure_;
+}
+
+TEST_F(LinkControlTest, AnotherProgramSeesTheSetUpThatADisabledLinkWillHave) {
+    ASSERT_TRUE(Disable()) << failure_;
+    Machine other(folder_ + "/registry.db");
+    other.Update();
+    const RegistryRead read =
+        other.Store().ReadValue(kHkeyLocalMachine, TcpipKey(Row().id), "IPAddress");
+    ASSERT_EQ(read.code, Win32Error::kSuccess);
+    EXPECT_EQ(std::string(read.value.data.begin(), read.value.data.end()), std::string("10.91.0.5\0\0", 11));
+}
+
+TEST_F(LinkControlTest, EnablingReportsEachEntryThatNoHostCanHave) {
+    const auto set = [&](const std::string& name, const std::string& bytes) {
+        ASSERT_EQ(machine_->Store().WriteValue(kHkeyLocalMachine, TcpipKey(Row().id), name,
+                                               {kRegMultiSz, {bytes.begin(), bytes.end()}}),
+                  Win32Error::kSuccess);
+    };
+    set("IPAddress", std::string("10.91.0.7\000224.0.0.9\0fool\00010.91.0.8\0\0", 38));
+    set("SubnetMask", std::string("255.255.255.0\000255.0.0.0\000255.0.0.0\000255.0.255.0\0\0", 49));
+    set("DefaultGateway", std::string("10.99.0.1\0\0", 11));
+    ASSERT_TRUE(Disable()) << failure_;
+    EXPECT_FALSE(Enable());
+    for (const char* text : {"'224.0.0.9' was not set", "'fool' was not set", "'255.0.255.0' is no subnet mask",
+                             "gateway 10.99.0.1 was refused"}) {
+        EXPECT_NE(failure_.find(text), std::string::npos) << text << " in " << failure_;
+    }
+    EXPECT_EQ(AddressCount(), 1U);
+}
+
+TEST_F(LinkControlTest, AMultiStringWithoutTerminatorsIsUnderstood) {
+    const std::string address = "10.91.0.9";
+    const std::string key = TcpipKey(Row().id);
+    ASSERT_EQ(machine_->Store().Apply(kHkeyLocalMachine,
+                                      {{RegistryStore::Change::Kind::kSetValue, key, "IPAddress",
+                                        {kRegMultiSz, {address.begin(), address.end()}}}}),
+              Win32Error::kSuccess);
+    ASSERT_TRUE(Disable()) << failure_;
+    ASSERT_TRUE(Enable()) << failure_;
+    EXPECT_EQ(IpJson("-4 address show dev " + link_.Name())[0]["addr_info"][0]["local"], "10.91.0.9");
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,80 @@
+"""DNS servers of the connections in the resolver's file, and the file given back as it was."""
+
+import pathlib
+
+from world import REG_SZ, RESOLV_CONF, World, ip
+
+BEFORE = b"# kept by hand\nnameserver 192.0.2.53\noptions timeout:1\n"
+BEGIN = "# Orvella Corvane: name servers of the network connections, do not edit"
+END = "# Orvella Corvane: end"
+
+
+class Dns(World):
+    def setUp(self):
+        super().setUp()
+        RESOLV_CONF.write_bytes(BEFORE)
+
+    def restart(self, name, *options, code=0):
+        return self.nicx("-n", name, *options, "-di", "-re", code=code)
+
+    def test_servers_in_order_before_the_others(self):
+        self.veth("eth0", "10.1.0.2/24")
+        self.nicx("-n", "eth0", "-d", "10.1.0.54, 10.1.0.53")
+        self.assertEqual(self.tcpip("eth0")["NameServer"], (REG_SZ, b"10.1.0.54,10.1.0.53\0"))
+        self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
+        self.restart("eth0")
+        self.assertEqual(RESOLV_CONF.read_text(),
+                         f"{BEGIN}\nnameserver 10.1.0.54\nnameserver 10.1.0.53\n{END}\n" + BEFORE.decode())
+        self.assertEqual(self.report()["eth0"]["dnsServers"], ["10.1.0.54", "10.1.0.53"])
+
+    def test_two_links_are_merged_and_taken_away_one_by_one(self):
+        self.veth("eth0", "10.1.0.2/24")
+        self.veth("lan1", "10.2.0.2/24")
+        self.nicx("-n", "eth0", "-d", "10.1.0.53,10.9.9.9")
+        self.nicx("-n", "lan1", "-d", "10.2.0.53,10.9.9.9")
+        first = self.start("nicx", "-n", "eth0", "-di", "-re")
+        second = self.start("nicx", "-n", "lan1", "-di", "-re")
+        self.assertEqual([self.finish(first).code, self.finish(second).code], [0, 0])
+        self.assertEqual(self.name_servers(), ["10.1.0.53", "10.9.9.9", "10.2.0.53", "192.0.2.53"])
+        self.nicx("-n", "eth0", "-di")
+        self.assertEqual(self.name_servers(), ["10.2.0.53", "10.9.9.9", "192.0.2.53"])
+        self.nicx("-n", "lan1", "-di")
+        self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
+
+    def test_an_empty_list_takes_them_away(self):
+        self.veth("eth0", "10.1.0.2/24")
+        self.restart("eth0", "-d", "10.1.0.53")
+        self.restart("eth0", "-d")
+        self.assertEqual(self.tcpip("eth0")["NameServer"], (REG_SZ, b"\0"))
+        self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
+
+    def test_edits_of_the_administrator_stay(self):
+        self.veth("eth0", "10.1.0.2/24")
+        self.restart("eth0", "-d", "10.1.0.53")
+        RESOLV_CONF.write_bytes(RESOLV_CONF.read_bytes() + b"search example.org\n")
+        self.nicx("-n", "eth0", "-di")
+        self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE + b"search example.org\n")
+
+    def test_what_is_no_server_address_is_left_out(self):
+        self.veth("eth0", "10.1.0.2/24")
+        warned = self.nicx("-n", "eth0", "-d", "10.1.0.53,dns.example")
+        self.assertIn("DNS server 'dns.example' is stored as typed but cannot take effect", warned.err)
+        self.assertEqual(self.tcpip("eth0")["NameServer"], (REG_SZ, b"10.1.0.53,dns.example\0"))
+        self.restart("eth0")
+        self.assertEqual(self.name_servers(), ["10.1.0.53", "192.0.2.53"])
+
+    def test_a_file_that_cannot_be_written_is_told_and_the_rest_is_done(self):
+        self.veth("eth0")
+        ip("link", "set", "eth0", "address", "02:00:00:00:10:01")
+        self.mount_read_only(RESOLV_CONF)
+        result = self.restart("eth0", "-d", "10.1.0.53", "-i", "10.1.0.5:255.255.255.0", code=1)
+        self.assertIn("/etc/resolv.conf was left as it is: Read-only file system", result.err)
+        self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
+        self.assert_up("eth0", "02:00:00:00:10:01", ["10.1.0.5/24"])
+
+    def test_a_restart_without_servers_does_not_touch_the_file(self):
+        self.veth("eth0", "10.1.0.2/24")
+        before = pathlib.Path("/run/sandbox/resolv.conf").stat().st_mtime_ns
+        self.restart("eth0")
+        self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
+        self.assertEqual(pathlib.Path("/run/sandbox/resolv.conf").stat().st_mtime_ns, before)

@@ -1,0 +1,444 @@
+#include "platform/RunTimeError.h"
+#include "startup/Actions.h"
+#include "startup/Startup.h"
+#include "tests/unit/CoreSupport.h"
+#include "tests/unit/FileSupport.h"
+#include "vendors/VendorList.h"
+
+namespace corvane {
+namespace {
+
+using namespace test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const FakeSeat::Box kDone = Information(
+    "Done - Orvella Corvane v4",
+    "Done! Command line parameter(s) were applied to 'Office LAN' network connection successfully.");
+
+PresetRecord HomePreset() {
+    PresetRecord preset;
+    preset.Name = "  At HOME ";
+    preset.Flags = kPresetMac | kPresetDns;
+    preset.Mac = "02-AA-BB-CC-DD-EE";
+    preset.DnsServers = {"9.9.9.9"};
+    return preset;
+}
+
+PresetRecord LabPreset() {
+    PresetRecord preset;
+    preset.Name = "Home lab";
+    preset.Flags = kPresetDhcp;
+    return preset;
+}
+
+/// Two disabled connections and a program folder without files. Verbs done and waits stand in the seat's
+/// diary.
+class ActionsTest : public testing::Test {
+ protected:
+    ActionsTest() {
+        machine.AddAdapter(kFirstId, "Office LAN", "0003");
+        machine.AddAdapter(kSecondId, "Office Wireless", "0007");
+        machine.shell->panel = {
+            {"Network Connections", true, {{"Office LAN", {"Disa&ble"}}, {"Office Wireless", {"Disa&ble"}}}}};
+        machine.clock->onSleep = [this](std::uint32_t milliseconds) {
+            machine.seat.diary.push_back("sleep " + std::to_string(milliseconds));
+        };
+        machine.shell->onVerb = [this](FakeShell::Connection& connection, const std::string& verb) {
+            machine.seat.diary.push_back("verb " + verb + " of " + connection.name);
+            connection.verbs = {verb == "Disa&ble" ? "En&able" : "Disa&ble"};
+        };
+        ProgramFolder = folder / "";
+    }
+
+    int Run(const std::string& text) { return RunActions(ParseCommandLine(text)); }
+
+    void WritePresets(const std::vector<PresetRecord>& presets) {
+        WriteBytes(folder / "presets.npf", PresetBytes(presets));
+    }
+    void WriteVendors() {
+        WriteBytes(folder / "VendorNumbers.log",
+                   VendorBytes({{"00000C", "Cisco", ""}, {"00000D", "Acme", ""}}));
+    }
+
+    /// The number of the run-time error that ends the run.
+    int ErrorNumber(const std::string& text) {
+        try {
+            Run(text);
+        } catch (const RunTimeError& error) {
+            return error.Number();
+        }
+        return 0;
+    }
+
+    [[nodiscard]] std::vector<NamedValue> DriverWrites() const {
+        return WritesTo(*machine.registry, DriverKeyPath("0003"));
+    }
+    [[nodiscard]] std::vector<NamedValue> TcpipWrites() const {
+        return WritesTo(*machine.registry, TcpipKey(kFirstId));
+    }
+
+    FakeMachine machine;
+    TempFolder folder;
+};
+
+TEST_F(ActionsTest, NoConnectionNameEndsWithoutAMessage) {
+    EXPECT_EQ(Run("-s"), 2);
+    EXPECT_EQ(Run("-h -m 021122334455 -re"), 2);
+    EXPECT_EQ(Run("-n"), 2);
+    EXPECT_THAT(machine.seat.diary, IsEmpty());
+    EXPECT_THAT(machine.registry->diary, IsEmpty());
+}
+
+TEST_F(ActionsTest, UnknownConnectionIsReported) {
+    EXPECT_EQ(Run("-n Garage 7 -h"), 3);
+    EXPECT_THAT(machine.seat.boxes,
+                ElementsAre(Critical("NIC Not Found- Orvella Corvane v4",
+                                     "ERROR! Network connection 'Garage 7' was not found.")));
+    EXPECT_THAT(machine.registry->writes, IsEmpty());
+}
+
+TEST_F(ActionsTest, UnknownConnectionInSilentModeIsNotShown) {
+    EXPECT_EQ(Run("-n garage -h -s"), 3);
+    EXPECT_THAT(machine.seat.diary, IsEmpty());
+    EXPECT_THAT(machine.registry->writes, IsEmpty());
+}
+
+TEST_F(ActionsTest, PartOfTheNameInLowerCaseIsEnough) {
+    EXPECT_EQ(Run("-n less"), 0);
+    ASSERT_EQ(machine.seat.boxes.size(), 1U);
+    EXPECT_THAT(machine.seat.boxes[0].text, testing::HasSubstr("'Office Wireless'"));
+}
+
+TEST_F(ActionsTest, FirstConnectionThatMatchesIsTaken) {
+    EXPECT_EQ(Run("-n office"), 0);
+    EXPECT_THAT(machine.seat.boxes, ElementsAre(kDone));
+}
+
+TEST_F(ActionsTest, NameWithCapitalsNeverMatches) {
+    EXPECT_EQ(Run("-n Office LAN"), 3);
+    EXPECT_EQ(Run("-n LAN"), 3);
+    EXPECT_EQ(Run("-n office lan"), 0);
+}
+
+TEST_F(ActionsTest, VendorListIsResetBeforeTheAdaptersAreRead) {
+    Vendors() = VendorTable::Parse(VendorBytes({{"021122", "Acme", ""}}), "test");
+    machine.registry->SetText(DriverKeyPath("0003"), "NetworkAddress", "021122334455");
+    EXPECT_EQ(Run("-n office"), 0);
+    EXPECT_TRUE(Vendors().IsPlaceholder());
+    EXPECT_EQ(Nics[0].Vendor, "");
+}
+
+TEST_F(ActionsTest, NoSettingWritesNothing) {
+    EXPECT_EQ(Run("-n office"), 0);
+    EXPECT_THAT(machine.registry->writes, IsEmpty());
+}
+
+TEST_F(ActionsTest, OptionsAreApplied) {
+    EXPECT_EQ(Run("-n lan -m 02:11:22:33:44:55 -i 10.0.0.5 -g 10.0.0.1 -d 9.9.9.9,1.1.1.1"), 0);
+    EXPECT_THAT(DriverWrites(), ElementsAre(NamedValue("NetworkAddress", Sz("021122334455"))));
+    EXPECT_THAT(TcpipWrites(), ElementsAre(NamedValue("EnableDHCP", Dword(0)),
+                                           NamedValue("IPAddress", MultiSz("10.0.0.5" + kNul + kNul)),
+                                           NamedValue("SubnetMask", MultiSz("255.0.0.0" + kNul + kNul)),
+                                           NamedValue("DefaultGateway", MultiSz("10.0.0.1" + kNul + kNul)),
+                                           NamedValue("DefaultGatewayMetric", MultiSz("0" + kNul + kNul)),
+                                           NamedValue("NameServer", Sz("9.9.9.9,1.1.1.1" + kNul))));
+    EXPECT_EQ(machine.registry->writes.size(), 7U);
+    EXPECT_THAT(machine.seat.boxes, ElementsAre(kDone));
+}
+
+TEST_F(ActionsTest, EmptyMacRemovesTheOverride) {
+    machine.registry->SetText(DriverKeyPath("0003"), "NetworkAddress", "021122334455");
+    EXPECT_EQ(Run("-n lan -m"), 0);
+    EXPECT_FALSE(machine.registry->HasValue(DriverKeyPath("0003"), "NetworkAddress"));
+}
+
+TEST_F(ActionsTest, PresetReplacesEveryOtherSetting) {
+    WritePresets({HomePreset()});
+    EXPECT_EQ(Run("-n lan -m 021122334455 -h -i 10.0.0.5 -p at home"), 0);
+    EXPECT_THAT(DriverWrites(), ElementsAre(NamedValue("NetworkAddress", Sz("02AABBCCDDEE"))));
+    EXPECT_THAT(TcpipWrites(), ElementsAre(NamedValue("EnableDHCP", Dword(0)),
+                                           NamedValue("NameServer", Sz("9.9.9.9" + kNul))));
+}
+
+TEST_F(ActionsTest, PresetWinsWhereverItStandsOnTheLine) {
+    WritePresets({HomePreset()});
+    EXPECT_EQ(Run("-p home -n lan -m 021122334455"), 0);
+    EXPECT_THAT(DriverWrites(), ElementsAre(NamedValue("NetworkAddress", Sz("02AABBCCDDEE"))));
+}
+
+TEST_F(ActionsTest, FirstPresetThatMatchesIsTaken) {
+    WritePresets({LabPreset(), HomePreset()});
+    EXPECT_EQ(Run("-n lan -p HOME"), 0);
+    EXPECT_THAT(DriverWrites(), IsEmpty());
+    EXPECT_EQ(machine.registry->Value(TcpipKey(kFirstId), "EnableDHCP"), Dword(1));
+}
+
+TEST_F(ActionsTest, UnknownPresetLeavesTheOptionsWithoutAMessage) {
+    WritePresets({HomePreset()});
+    EXPECT_EQ(Run("-n lan -h -p garage"), 0);
+    EXPECT_EQ(machine.registry->Value(TcpipKey(kFirstId), "EnableDHCP"), Dword(1));
+    EXPECT_THAT(machine.seat.boxes, ElementsAre(kDone));
+}
+
+TEST_F(ActionsTest, PresetsFileOfNoPresetsLeavesTheOptions) {
+    WriteBytes(folder / "presets.npf", Little(0, 4));
+    EXPECT_EQ(Run("-n lan -h -p home"), 0);
+    EXPECT_EQ(machine.registry->Value(TcpipKey(kFirstId), "EnableDHCP"), Dword(1));
+}
+
+TEST_F(ActionsTest, EmptyPresetNameIsNoPresetName) {
+    EXPECT_EQ(Run("-n lan -h -p"), 0);
+    EXPECT_EQ(machine.registry->Value(TcpipKey(kFirstId), "EnableDHCP"), Dword(1));
+}
+
+TEST_F(ActionsTest, PresetWithoutSettingsWritesNothing) {
+    PresetRecord empty;
+    empty.Name = "nothing";
+    WritePresets({empty});
+    EXPECT_EQ(Run("-n lan -h -p nothing"), 0);
+    EXPECT_THAT(machine.registry->writes, IsEmpty());
+}
+
+TEST_F(ActionsTest, MissingPresetsFileEndsTheRun) {
+    EXPECT_EQ(ErrorNumber("-n lan -h -p home"), RunTimeError::kFileNotFound);
+    EXPECT_THAT(machine.registry->writes, IsEmpty());
+}
+
+TEST_F(ActionsTest, UnknownConnectionNeedsNoPresetsFile) { EXPECT_EQ(Run("-n garage -p home"), 3); }
+
+TEST_F(ActionsTest, RandomMacComesFromTheVendorFile) {
+    WriteVendors();
+    EXPECT_EQ(Run("-n lan -r"), 0);
+    EXPECT_THAT(machine.registry->Text(DriverKeyPath("0003"), "NetworkAddress"),
+                testing::MatchesRegex("00000[CD][0-9A-F]{6}"));
+}
+
+TEST_F(ActionsTest, PresetWithARandomMacLoadsTheVendorFile) {
+    WriteVendors();
+    PresetRecord preset = HomePreset();
+    preset.Flags = kPresetMac | kPresetRandomMac;
+    preset.Mac.clear();
+    WritePresets({preset});
+    EXPECT_EQ(Run("-n lan -p home"), 0);
+    EXPECT_THAT(machine.registry->Text(DriverKeyPath("0003"), "NetworkAddress"),
+                testing::StartsWith("00000"));
+}
+
+TEST_F(ActionsTest, MissingVendorFileEndsARunWithARandomMac) {
+    EXPECT_EQ(ErrorNumber("-n lan -r -h -re"), RunTimeError::kFileNotFound);
+    EXPECT_THAT(machine.registry->writes, IsEmpty());
+    EXPECT_THAT(machine.shell->diary, IsEmpty());
+}
+
+TEST_F(ActionsTest, VendorFileIsNotNeededWhenAPresetReplacesTheRandomMac) {
+    WritePresets({HomePreset()});
+    EXPECT_EQ(Run("-n lan -r -p home"), 0);
+}
+
+TEST_F(ActionsTest, DisableReportsSuccess) {
+    EXPECT_EQ(Run("-n lan -di"), 0);
+    EXPECT_THAT(machine.seat.boxes,
+                ElementsAre(Information("Disabled - Orvella Corvane v4",
+                                        "Network connection 'Office LAN' was disabled successfully."),
+                            kDone));
+    EXPECT_THAT(machine.seat.diary,
+                ElementsAre("progress Disabling 'Office LAN' ...", "verb Disa&ble of Office LAN",
+                            "box Disabled - Orvella Corvane v4", "box Done - Orvella Corvane v4"));
+}
+
+TEST_F(ActionsTest, DisableReportsFailureAndGoesOn) {
+    machine.shell->failingCall = "DoVerb";
+    EXPECT_EQ(Run("-n lan -di"), 1);
+    ASSERT_EQ(machine.seat.boxes.size(), 3U);
+    EXPECT_EQ(machine.seat.boxes[0].title, "Orvella Corvane");
+    EXPECT_EQ(machine.seat.boxes[1],
+              Critical("Disable Attempt Failed - Orvella Corvane v4",
+                       "ERROR ! Network connection 'Office LAN' was not disabled successfully."));
+    EXPECT_EQ(machine.seat.boxes[2], kDone);
+}
+
+TEST_F(ActionsTest, RestartReportsSuccess) {
+    EXPECT_EQ(Run("-n lan -re"), 0);
+    EXPECT_THAT(machine.seat.boxes,
+                ElementsAre(Information("Restarted - Orvella Corvane v4",
+                                        "Network connection 'Office LAN' was restarted successfully."),
+                            kDone));
+    EXPECT_THAT(
+        machine.seat.diary,
+        ElementsAre("progress Restarting 'Office LAN' (about 10 seconds) ...", "verb Disa&ble of Office LAN",
+                    "sleep 5000", "verb En&able of Office LAN", "events", "sleep 5000",
+                    "box Restarted - Orvella Corvane v4", "box Done - Orvella Corvane v4"));
+}
+
+TEST_F(ActionsTest, RestartReportsFailureAndGoesOn) {
+    machine.shell->beforeVerbs = [](FakeShell::Connection& connection) { connection.verbs.clear(); };
+    EXPECT_EQ(Run("-n lan -re"), 1);
+    EXPECT_THAT(
+        machine.seat.boxes,
+        ElementsAre(Critical("Restarted Attempt Failed - Orvella Corvane v4",
+                             "ERROR ! Network connection 'Office LAN' was not restarted successfully."),
+                    kDone));
+}
+
+TEST_F(ActionsTest, ReleaseReportsSuccess) {
+    machine.ipHelper->AddInterface(5, kFirstId);
+    EXPECT_EQ(Run("-n lan -rl"), 0);
+    EXPECT_THAT(machine.ipHelper->diary,
+                testing::Contains("IpReleaseAddress 5 \\DEVICE\\TCPIP_" + std::string(kFirstId)));
+    EXPECT_THAT(
+        machine.seat.boxes,
+        ElementsAre(
+            Information(
+                "IP Released - Orvella Corvane v4",
+                "IP Release operation was performed on network connection 'Office LAN' successfully."),
+            kDone));
+}
+
+TEST_F(ActionsTest, ReleaseReportsFailureAndGoesOn) {
+    machine.ipHelper->AddInterface(5, kFirstId);
+    machine.ipHelper->releaseResult = Win32Error::kNotSupported;
+    machine.ipHelper->texts[Win32Error::kNotSupported] = "The request is not supported.\r\n";
+    EXPECT_EQ(Run("-n lan -rl"), 1);
+    EXPECT_THAT(
+        machine.seat.boxes,
+        ElementsAre(Critical("Orvella Corvane",
+                             "DLL : IphlpApi.dll\r\n\r\nError Code : 50\r\nAPI: IPReleaseAddress\r\nError "
+                             "Description : The request is not supported.\r\n\r\n\r\nClick OK To Continue"),
+                    Critical("IP Release Attempt Failed - Orvella Corvane v4",
+                             "ERROR ! IP Release operation on network connection 'Office LAN' failed."),
+                    kDone));
+}
+
+TEST_F(ActionsTest, RenewReportsSuccess) {
+    machine.ipHelper->AddInterface(5, kFirstId);
+    EXPECT_EQ(Run("-n lan -rn"), 0);
+    EXPECT_THAT(machine.ipHelper->diary,
+                testing::Contains("IpRenewAddress 5 \\DEVICE\\TCPIP_" + std::string(kFirstId)));
+    EXPECT_THAT(
+        machine.seat.boxes,
+        ElementsAre(
+            Information("IP Renewed - Orvella Corvane v4",
+                        "IP Renew operation was performed on network connection 'Office LAN' successfully."),
+            kDone));
+}
+
+TEST_F(ActionsTest, RenewReportsFailureAndGoesOn) {
+    machine.ipHelper->AddInterface(5, kFirstId);
+    machine.ipHelper->renewResult = Win32Error::kSemTimeout;
+    EXPECT_EQ(Run("-n lan -rn"), 1);
+    EXPECT_THAT(
+        machine.seat.boxes,
+        ElementsAre(Critical("Orvella Corvane",
+                             "DLL : IphlpApi.dll\r\n\r\nError Code : 121\r\nAPI: IPRenewAddress\r\nError "
+                             "Description : unknown\r\n\r\nClick OK To Continue"),
+                    Critical("IP Renew Attempt Failed - Orvella Corvane v4",
+                             "ERROR ! IP Renew operation on network connection 'Office LAN' failed."),
+                    kDone));
+}
+
+TEST_F(ActionsTest, ReleaseOfAConnectionWithoutAnInterfaceSucceeds) {
+    EXPECT_EQ(Run("-n lan -rl"), 0);
+    ASSERT_EQ(machine.seat.boxes.size(), 2U);
+    EXPECT_EQ(machine.seat.boxes[0].title, "IP Released - Orvella Corvane v4");
+}
+
+TEST_F(ActionsTest, StepsRunInTheirOwnOrder) {
+    EXPECT_EQ(Run("-rn -rl -re -di -h -n lan"), 0);
+    std::vector<std::string> titles;
+    for (const FakeSeat::Box& box : machine.seat.boxes) titles.push_back(box.title);
+    EXPECT_THAT(titles, ElementsAre("Disabled - Orvella Corvane v4", "Restarted - Orvella Corvane v4",
+                                    "IP Released - Orvella Corvane v4", "IP Renewed - Orvella Corvane v4",
+                                    "Done - Orvella Corvane v4"));
+}
+
+TEST_F(ActionsTest, SettingsAreWrittenBeforeTheRestart) {
+    machine.shell->onVerb = [this](FakeShell::Connection&, const std::string&) {
+        EXPECT_EQ(machine.registry->Value(TcpipKey(kFirstId), "EnableDHCP"), Dword(1));
+        EXPECT_EQ(machine.registry->Text(DriverKeyPath("0003"), "NetworkAddress"), "021122334455");
+    };
+    EXPECT_EQ(Run("-n lan -m 021122334455 -h -di"), 0);
+    EXPECT_THAT(machine.shell->diary, ElementsAre("verb Disa&ble of Office LAN"));
+}
+
+TEST_F(ActionsTest, EveryStepRunsAfterFailedOnesAndDoneIsStillShown) {
+    machine.registry->readOnly = true;
+    machine.shell->failingCall = "DoVerb";
+    EXPECT_EQ(Run("-n lan -m 021122334455 -h -di -re -rl -rn"), 1);
+    std::vector<std::string> titles;
+    for (const FakeSeat::Box& box : machine.seat.boxes) {
+        titles.push_back(box.title);
+        EXPECT_EQ(box.buttons, BoxButtons::kOk) << box.title;
+    }
+    EXPECT_THAT(titles, ElementsAre("Error! Cannot Write Registry", "Error! Cannot Write Registry",
+                                    "Orvella Corvane", "Disable Attempt Failed - Orvella Corvane v4",
+                                    "Orvella Corvane", "Restarted Attempt Failed - Orvella Corvane v4",
+                                    "IP Released - Orvella Corvane v4", "IP Renewed - Orvella Corvane v4",
+                                    "Done - Orvella Corvane v4"));
+}
+
+TEST_F(ActionsTest, SilentModeShowsNothingOfASuccess) {
+    EXPECT_EQ(Run("-s -n lan -m 021122334455 -h -di -re -rl -rn"), 0);
+    EXPECT_THAT(machine.seat.boxes, IsEmpty());
+    EXPECT_THAT(machine.seat.progress, IsEmpty());
+    EXPECT_EQ(machine.registry->Text(DriverKeyPath("0003"), "NetworkAddress"), "021122334455");
+    EXPECT_EQ(machine.shell->diary.size(), 2U);
+}
+
+TEST_F(ActionsTest, SilentModeSuppressesTheBoxesOfLowerLayersToo) {
+    machine.registry->readOnly = true;
+    machine.shell->failingCall = "DoVerb";
+    machine.ipHelper->AddInterface(5, kFirstId);
+    machine.ipHelper->releaseResult = Win32Error::kNotSupported;
+    EXPECT_EQ(Run("-s -n lan -m 013322 -i 1 -di -re -rl"), 1);
+    EXPECT_THAT(machine.seat.boxes, IsEmpty());
+    EXPECT_THAT(machine.seat.warnings, IsEmpty());
+}
+
+TEST_F(ActionsTest, SilentModeAnswersTheFolderQuestionsNo) {
+    machine.shell->panel = {{"Network Connections", true, {}}};
+    machine.seat.answers = {BoxAnswer::kYes, BoxAnswer::kYes};
+    machine.seat.folderChoice = 0;
+    EXPECT_EQ(Run("-s -n lan -di"), 1);
+    machine.shell->panel = {{"Printers", true, {}}};
+    EXPECT_EQ(Run("-s -n lan -di"), 1);
+    EXPECT_THAT(machine.seat.diary, IsEmpty());
+}
+
+TEST_F(ActionsTest, FailedDiscoveryIsAFailureEvenWhenTheRestIsDone) {
+    machine.registry->fail = [](const std::string& operation, const std::string& subkey,
+                                const std::string&) -> std::optional<Win32Error> {
+        if (operation == "enum" && subkey == kClassKey) return Win32Error::kRegistryCorrupt;
+        return std::nullopt;
+    };
+    EXPECT_EQ(Run("-n lan"), 1);
+    ASSERT_EQ(machine.seat.boxes.size(), 2U);
+    EXPECT_EQ(machine.seat.boxes[0].title, "Error! Cannot Read Registry");
+    EXPECT_EQ(machine.seat.boxes[1], kDone);
+}
+
+TEST_F(ActionsTest, AdviceIsGivenBeforeAnythingIsWritten) {
+    EXPECT_EQ(Run("-n lan -m 012233445566 -d 8.8.8"), 0);
+    ASSERT_EQ(machine.seat.warnings.size(), 2U);
+    EXPECT_THAT(machine.seat.warnings[0],
+                testing::StartsWith("MAC address '012233445566' is stored as typed"));
+    EXPECT_THAT(machine.seat.warnings[1], testing::StartsWith("DNS server '8.8.8' is stored as typed"));
+    EXPECT_EQ(machine.registry->Text(DriverKeyPath("0003"), "NetworkAddress"), "012233445566");
+}
+
+TEST_F(ActionsTest, NameInTheBoxesKeepsItsBlanksAndCapitals) {
+    machine.registry->SetText(ConnectionKey(kSecondId), "Name", "  My Lab ");
+    EXPECT_EQ(Run("-n my lab"), 0);
+    ASSERT_EQ(machine.seat.boxes.size(), 1U);
+    EXPECT_EQ(machine.seat.boxes[0].text,
+              "Done! Command line parameter(s) were applied to '  My Lab ' network connection successfully.");
+}
+
+TEST_F(ActionsTest, MachineWithoutAdaptersFindsNothing) {
+    machine.registry->RemoveKey(kAdaptersKey + ("\\" + std::string(kFirstId)));
+    machine.registry->RemoveKey(kAdaptersKey + ("\\" + std::string(kSecondId)));
+    EXPECT_EQ(Run("-n office"), 3);
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,404 @@
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include "platform/linux/RegistryStore.h"
+#include "tests/unit/FileSupport.h"
+
+/// The store's file: made, missing, damaged, foreign, read-only.
+namespace corvane {
+namespace {
+
+constexpr RegistryRoot kRoot = kHkeyLocalMachine;
+using Bytes = std::vector<std::uint8_t>;
+using Kind = RegistryStore::Change::Kind;
+using Editor = RegistryStore::Editor;
+
+const RegistryValue kValue{kRegBinary, {1, 2, 3}};
+
+class RegistryStoreFiles : public testing::Test {
+ protected:
+    void Seed() const {
+        RegistryStore store(path_);
+        ASSERT_EQ(store.Apply(kRoot, {{Kind::kSetValue, "K\\Sub", "v", kValue}}), Win32Error::kSuccess);
+    }
+
+    /// Runs SQL on the file, past the store.
+    void Execute(const std::string& sql) const {
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open(path_.c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+        sqlite3_close(database);
+    }
+
+    /// Every operation gives `code`, and the file is not touched.
+    void ExpectEverything(Win32Error code) const {
+        const std::string before = test::ReadBytes(path_);
+        RegistryStore store(path_);
+        for (int round = 0; round < 2; ++round) {
+            std::vector<std::string> names = {"former"};
+            std::vector<NamedValue> values(1);
+            std::vector<LinkRow> links(1);
+            std::vector<HeldMessage> messages(1);
+            bool edited = false;
+            const RegistryRead read = store.ReadValue(kRoot, "K", "v");
+            EXPECT_EQ(read.code, code);
+            EXPECT_FALSE(read.keyOpened);
+            EXPECT_EQ(store.WriteValue(kRoot, "K", "v", kValue), code);
+            EXPECT_EQ(store.DeleteValue(kRoot, "K", "v"), code);
+            EXPECT_EQ(store.CreateKey(kRoot, "New"), code);
+            EXPECT_EQ(store.DeleteKey(kRoot, "K"), code);
+            EXPECT_EQ(store.Apply(kRoot, {{Kind::kCreateKey, "New", "", {}}}), code);
+            EXPECT_EQ(store.EnumSubkeys(kRoot, "K", names), code);
+            EXPECT_EQ(store.EnumValues(kRoot, "K", values), code);
+            EXPECT_EQ(store.LoadLinks(links), code);
+            EXPECT_EQ(store.LoadHeld("{1}", messages), code);
+            EXPECT_EQ(store.Transact([&](Editor& editor) {
+                edited = true;
+                return editor.CreateKey("New");
+            }),
+                      code);
+            EXPECT_TRUE(store.ReadOnly());
+            EXPECT_FALSE(edited);
+            EXPECT_EQ(names, std::vector<std::string>{"former"});
+            EXPECT_EQ(values.size() + links.size() + messages.size(), 3U);
+        }
+        EXPECT_TRUE(test::ReadBytes(path_) == before);
+        EXPECT_EQ(folder_.Names(), (std::set<std::string>{"registry.db"}));
+    }
+
+    test::TempFolder folder_;
+    const std::string path_ = folder_ / "registry.db";
+};
+
+mode_t ModeOf(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777U;
+}
+
+// ---- making it ----
+
+TEST_F(RegistryStoreFiles, AreMadeReadableForAllWhateverTheUmask) {
+    const mode_t former = umask(0077);
+    const std::string path = folder_ / "nicx/registry.db";
+    RegistryStore store(path);
+    umask(former);
+    EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kSuccess);
+    EXPECT_FALSE(store.ReadOnly());
+    EXPECT_EQ(ModeOf(folder_ / "nicx"), 0755U);
+    EXPECT_EQ(ModeOf(path), 0644U);
+}
+
+TEST_F(RegistryStoreFiles, OfNoLengthCountAsNew) {
+    test::WriteBytes(path_, "");
+    RegistryStore store(path_);
+    EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kSuccess);
+    EXPECT_TRUE(RegistryStore(path_).ReadValue(kRoot, "K", "").keyOpened);
+}
+
+TEST_F(RegistryStoreFiles, ThatAreGoneAreMadeAnewByTheNextWrite) {
+    Seed();
+    RegistryStore store(path_);
+    ASSERT_EQ(store.CreateKey(kRoot, "Old"), Win32Error::kSuccess);
+    std::filesystem::remove(path_);
+    ASSERT_EQ(store.CreateKey(kRoot, "New"), Win32Error::kSuccess);
+    RegistryStore next(path_);
+    EXPECT_TRUE(next.ReadValue(kRoot, "New", "").keyOpened);
+    EXPECT_FALSE(next.ReadValue(kRoot, "Old", "").keyOpened);
+}
+
+TEST_F(RegistryStoreFiles, UseNoWriteAheadLog) {
+    Seed();
+    EXPECT_EQ(test::ReadBytes(path_).substr(18, 2),
+              "\x01\x01");  // File format versions: 2 would be such a log.
+    EXPECT_FALSE(std::filesystem::exists(path_ + "-wal"));
+}
+
+TEST_F(RegistryStoreFiles, BelowAFileCannotBeOpened) {
+    test::WriteBytes(folder_ / "plain", "x");
+    RegistryStore store(folder_ / "plain/registry.db");
+    EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kCantOpen);
+    EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kCantOpen);
+}
+
+TEST_F(RegistryStoreFiles, ThatAreFoldersCannotBeOpened) {
+    RegistryStore store(folder_.Path());
+    EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kCantOpen);
+    EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kCantOpen);
+}
+
+// ---- damage ----
+
+TEST_F(RegistryStoreFiles, OfGarbageAreCorrupt) {
+    test::WriteBytes(path_, std::string(10000, 'x'));
+    ExpectEverything(Win32Error::kRegistryCorrupt);
+}
+
+TEST_F(RegistryStoreFiles, OfAFewBytesAreCorrupt) {
+    test::WriteBytes(path_, "xy");
+    ExpectEverything(Win32Error::kRegistryCorrupt);
+}
+
+TEST_F(RegistryStoreFiles, ThatWereCutOffAreCorrupt) {
+    Seed();
+    const auto size = std::filesystem::file_size(path_);
+    for (const std::uintmax_t left : {size - 1, size - 4096, std::uintmax_t{4096}, std::uintmax_t{4000},
+                                      std::uintmax_t{100}, std::uintmax_t{50}}) {
+        SCOPED_TRACE(left);
+        std::filesystem::remove(path_ + "-journal");
+        std::filesystem::resize_file(path_, left);
+        ExpectEverything(Win32Error::kRegistryCorrupt);
+    }
+}
+
+TEST_F(RegistryStoreFiles, WithDamagedPagesGiveCorruptOnceTheyAreMet) {
+    {
+        RegistryStore store(path_);
+        std::vector<RegistryStore::Change> changes;
+        for (int i = 0; i < 2000; ++i) {
+            changes.push_back({Kind::kSetValue, "K\\" + std::to_string(i), "v", {kRegBinary, Bytes(100, 7)}});
+        }
+        ASSERT_EQ(store.Apply(kRoot, changes), Win32Error::kSuccess);
+    }
+    std::string bytes = test::ReadBytes(path_);
+    ASSERT_GT(bytes.size(), 20U * 4096);
+    bytes.replace(4096, bytes.size() - 4096, bytes.size() - 4096, '\xA5');  // All but the schema.
+    test::WriteBytes(path_, bytes);
+    std::filesystem::remove(path_ + "-journal");
+    ExpectEverything(Win32Error::kRegistryCorrupt);
+}
+
+TEST_F(RegistryStoreFiles, WithoutATableAreCorrupt) {
+    Seed();
+    Execute("DROP TABLE vals");
+    RegistryStore store(path_);
+    EXPECT_EQ(store.ReadValue(kRoot, "K\\Sub", "v").code, Win32Error::kRegistryCorrupt);
+    EXPECT_EQ(store.CreateKey(kRoot, "New"), Win32Error::kRegistryCorrupt);
+}
+
+TEST_F(RegistryStoreFiles, OfAnotherProgramAreCorrupt) {
+    Execute("CREATE TABLE other(x)");
+    ExpectEverything(Win32Error::kRegistryCorrupt);
+}
+
+TEST_F(RegistryStoreFiles, OfANewerVersionCannotBeOpened) {
+    Seed();
+    Execute("PRAGMA user_version = 2");
+    std::filesystem::remove(path_ + "-journal");
+    ExpectEverything(Win32Error::kCantOpen);
+}
+
+// ---- no rights (in a child process without privileges, whose assertions come back as its exit code) ----
+
+/// Ends the child's action with the line's number (less than 125 different ones are told apart by the
+/// caller's output).
+#define CHECK_OR_FAIL(condition)                                         \
+    do {                                                                 \
+        if (!(condition)) {                                              \
+            std::fprintf(stderr, "line %d: %s\n", __LINE__, #condition); \
+            return 1;                                                    \
+        }                                                                \
+    } while (false)
+
+TEST_F(RegistryStoreFiles, OfAnotherOwnerAreReadOnly) {
+    Seed();
+    const std::string before = test::ReadBytes(path_);
+    EXPECT_EQ(test::WithoutPrivileges([this] {
+                  RegistryStore store(path_);
+                  CHECK_OR_FAIL(store.ReadOnly());
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+                  CHECK_OR_FAIL(store.WriteValue(kRoot, "K\\Sub", "v", {kRegBinary, {9}}) ==
+                                Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.WriteValue(kRoot, "Missing", "v", kValue) == Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.DeleteValue(kRoot, "K\\Sub", "v") == Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.DeleteKey(kRoot, "K") == Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.CreateKey(kRoot, "New") == Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.CreateKey(kRoot, "K\\Sub") == Win32Error::kSuccess);
+                  CHECK_OR_FAIL(store.Apply(kRoot, {{Kind::kCreateKey, "New", "", {}}}) ==
+                                Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+                  return 0;
+              }),
+              0);
+    EXPECT_TRUE(test::ReadBytes(path_) == before);
+}
+
+TEST_F(RegistryStoreFiles, InAFolderWithoutRightsAreReadOnly) {
+    Seed();
+    std::filesystem::permissions(path_, std::filesystem::perms(0666));
+    EXPECT_EQ(test::WithoutPrivileges([this] {
+                  RegistryStore store(path_);
+                  CHECK_OR_FAIL(store.ReadOnly());
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+                  CHECK_OR_FAIL(store.CreateKey(kRoot, "New") == Win32Error::kAccessDenied);
+                  return 0;
+              }),
+              0);
+}
+
+TEST_F(RegistryStoreFiles, ThatMayNotBeReadAreDenied) {
+    Seed();
+    std::filesystem::permissions(path_, std::filesystem::perms(0600));
+    EXPECT_EQ(test::WithoutPrivileges([this] {
+                  RegistryStore store(path_);
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").code == Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.CreateKey(kRoot, "New") == Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.ReadOnly());
+                  return 0;
+              }),
+              0);
+}
+
+TEST_F(RegistryStoreFiles, ThatMayNotBeMadeLeaveTheStoreEmpty) {
+    for (const std::string& path : {path_, folder_ / "deep/er/registry.db"}) {
+        EXPECT_EQ(test::WithoutPrivileges([&path] {
+                      RegistryStore store(path);
+                      std::vector<std::string> names = {"former"};
+                      CHECK_OR_FAIL(store.ReadOnly());
+                      CHECK_OR_FAIL(store.EnumSubkeys(kRoot, "", names) == Win32Error::kSuccess);
+                      CHECK_OR_FAIL(names == std::vector<std::string>{"former"});
+                      CHECK_OR_FAIL(store.ReadValue(kRoot, "K", "v").code == Win32Error::kFileNotFound);
+                      CHECK_OR_FAIL(store.CreateKey(kRoot, "K") == Win32Error::kAccessDenied);
+                      return 0;
+                  }),
+                  0);
+    }
+    EXPECT_TRUE(folder_.Names().empty());
+}
+
+TEST_F(RegistryStoreFiles, OfNoLengthWithoutRightsLeaveTheStoreEmpty) {
+    test::WriteBytes(path_, "");
+    EXPECT_EQ(test::WithoutPrivileges([this] {
+                  RegistryStore store(path_);
+                  CHECK_OR_FAIL(store.ReadOnly());
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K", "v").code == Win32Error::kFileNotFound);
+                  CHECK_OR_FAIL(store.CreateKey(kRoot, "K") == Win32Error::kAccessDenied);
+                  return 0;
+              }),
+              0);
+    EXPECT_EQ(test::ReadBytes(path_), "");
+}
+
+TEST_F(RegistryStoreFiles, ThatAreReadOnlyShowAPrivateImageAfterAnEdit) {
+    Seed();
+    const std::string before = test::ReadBytes(path_);
+    EXPECT_EQ(
+        test::WithoutPrivileges([this] {
+            RegistryStore store(path_);
+            CHECK_OR_FAIL(store.Transact([](Editor& editor) {
+                (void)editor.SetFromKernel("New\\Key", "v", {kRegBinary, {7}});
+                (void)editor.SetFromKernel("K\\Sub", "v", {kRegBinary, {7}});
+                (void)editor.SaveHeld("{1}", {{1, {2}}});
+                return editor.SaveLink({"{1}", "", 0, "", "", "", "", "", "", false, false});
+            }) == Win32Error::kSuccess);
+            std::vector<LinkRow> links;
+            std::vector<HeldMessage> messages;
+            CHECK_OR_FAIL(store.ReadValue(kRoot, "New\\Key", "v").value.data == Bytes{7});
+            CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+            CHECK_OR_FAIL(store.LoadLinks(links) == Win32Error::kSuccess && links.size() == 1);
+            CHECK_OR_FAIL(store.LoadHeld("{1}", messages) == Win32Error::kSuccess && messages.size() == 1);
+            CHECK_OR_FAIL(store.CreateKey(kRoot, "Other") == Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.WriteValue(kRoot, "New\\Key", "v", kValue) == Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.ReadValue(kRoot, "New\\Key", "v").value.data == Bytes{7});
+            CHECK_OR_FAIL(store.Transact([](Editor& editor) {
+                (void)editor.CreateKey("Undone");
+                return Win32Error::kBusy;
+            }) == Win32Error::kBusy);
+            CHECK_OR_FAIL(!store.ReadValue(kRoot, "Undone", "").keyOpened);
+            CHECK_OR_FAIL(store.ReadValue(kRoot, "New\\Key", "v").value.data == Bytes{7});
+            return 0;
+        }),
+        0);
+    EXPECT_TRUE(test::ReadBytes(path_) == before);
+}
+
+TEST_F(RegistryStoreFiles, ThatChangeTakeThePlaceOfAPrivateImage) {
+    Seed();
+    int toChild[2];
+    int toParent[2];
+    ASSERT_EQ(pipe(toChild), 0);
+    ASSERT_EQ(pipe(toParent), 0);
+    const pid_t writer = fork();
+    if (writer == 0) {
+        char byte = 0;
+        int code = 1;
+        if (read(toChild[0], &byte, 1) == 1) {
+            RegistryStore store(path_);
+            code = Ok(store.WriteValue(kRoot, "K\\Sub", "v", {kRegBinary, {8}})) ? 0 : 2;
+        }
+        _exit(write(toParent[1], "d", 1) == 1 ? code : 3);
+    }
+    ASSERT_GT(writer, 0);
+    EXPECT_EQ(test::WithoutPrivileges([&] {
+                  RegistryStore store(path_);
+                  CHECK_OR_FAIL(store.Transact([](Editor& editor) { return editor.CreateKey("Imagined"); }) ==
+                                Win32Error::kSuccess);
+                  char byte = 0;
+                  CHECK_OR_FAIL(write(toChild[1], "g", 1) == 1 && read(toParent[0], &byte, 1) == 1);
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "Imagined", "").keyOpened);
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+                  std::vector<LinkRow> links;
+                  CHECK_OR_FAIL(store.LoadLinks(links) == Win32Error::kSuccess);
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value.data == Bytes{8});
+                  CHECK_OR_FAIL(!store.ReadValue(kRoot, "Imagined", "").keyOpened);
+                  CHECK_OR_FAIL(store.Transact([](Editor& editor) { return editor.CreateKey("Again"); }) ==
+                                Win32Error::kSuccess);
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value.data == Bytes{8});
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "Again", "").keyOpened);
+                  return 0;
+              }),
+              0);
+    int status = 0;
+    ASSERT_EQ(waitpid(writer, &status, 0), writer);
+    EXPECT_EQ(status, 0);
+    for (const int descriptor : {toChild[0], toChild[1], toParent[0], toParent[1]}) close(descriptor);
+}
+
+TEST_F(RegistryStoreFiles, ThatAppearLaterTakeThePlaceOfAnEmptyStore) {
+    EXPECT_EQ(test::WithoutPrivileges([this] {
+                  RegistryStore store(folder_ / "open/registry.db");
+                  CHECK_OR_FAIL(!store.ReadValue(kRoot, "K\\Sub", "v").keyOpened);
+                  return 0;
+              }),
+              0);
+    // The same object, with the rights of a user who may not make the folder at first.
+    std::filesystem::permissions(folder_.Path(), std::filesystem::perms(0755));
+    int ready[2];
+    int made[2];
+    ASSERT_EQ(pipe(ready), 0);
+    ASSERT_EQ(pipe(made), 0);
+    const pid_t maker = fork();
+    if (maker == 0) {
+        char byte = 0;
+        if (read(ready[0], &byte, 1) != 1) _exit(1);
+        RegistryStore store(path_);
+        const bool done = Ok(store.Apply(kRoot, {{Kind::kSetValue, "K\\Sub", "v", kValue}}));
+        _exit(write(made[1], "d", 1) == 1 && done ? 0 : 2);
+    }
+    ASSERT_GT(maker, 0);
+    EXPECT_EQ(test::WithoutPrivileges([&] {
+                  RegistryStore store(path_);
+                  char byte = 0;
+                  CHECK_OR_FAIL(!store.ReadValue(kRoot, "K\\Sub", "v").keyOpened);
+                  CHECK_OR_FAIL(write(ready[1], "g", 1) == 1 && read(made[0], &byte, 1) == 1);
+                  std::vector<LinkRow> links;
+                  CHECK_OR_FAIL(store.LoadLinks(links) == Win32Error::kSuccess);
+                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+                  return 0;
+              }),
+              0);
+    int status = 0;
+    ASSERT_EQ(waitpid(maker, &status, 0), maker);
+    EXPECT_EQ(status, 0);
+    for (const int descriptor : {ready[0], ready[1], made[0], made[1]}) close(descriptor);
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,9 @@
+corvane_test(NAME startup_test
+    SOURCES
+        unit/ActionsTest.cpp
+        unit/AdviceTest.cpp
+        unit/CommandLineTest.cpp
+        unit/ConsoleSeatTest.cpp
+        unit/StartupTest.cpp
+        unit/VersionTest.cpp
+    LIBS corvane_fakes)
