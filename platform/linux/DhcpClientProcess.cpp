@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -23,6 +24,7 @@ namespace {
 constexpr std::size_t kLargestReport = 256 * 1024;
 
 /// The child's part between fork and exec. Only calls that are safe there are made.
+/// `parent` is what getppid(2) says while the supervisor lives.
 [[noreturn]] void BecomeClient(char* const* arguments, char* const* environment, pid_t parent, int hookEnd,
                                int failureEnd, bool talk) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -44,6 +46,26 @@ constexpr std::size_t kLargestReport = 256 * 1024;
     const int error = errno;
     [[maybe_unused]] const ssize_t told = write(failureEnd, &error, sizeof error);
     _exit(127);
+}
+
+/// The first process of a client's namespace: collects what is orphaned there and ends with the supervisor.
+/// It keeps nothing else open.
+[[noreturn]] void BecomeKeeper(int pipeEnd) {
+    signal(SIGCHLD, SIG_IGN);
+    dup2(pipeEnd, STDIN_FILENO);
+    close_range(STDIN_FILENO + 1, ~0U, 0);
+    char ignored = 0;
+    while (read(STDIN_FILENO, &ignored, 1) < 0 && errno == EINTR) {
+    }
+    _exit(0);
+}
+
+/// Waits for a child; its wait status.
+int Await(pid_t child) {
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
 }
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
@@ -81,12 +103,20 @@ bool DhcpClientProcess::Start(const std::vector<std::string>& arguments, bool ta
         std::string(kHookVariable) + "=" + std::to_string(kHookDescriptor)};
     const std::vector<char*> argumentPointers = Pointers(argumentTexts);
     const std::vector<char*> environmentPointers = Pointers(environmentTexts);
-    const pid_t parent = getpid();
+    MakeKeeper();
+    // A parent outside the namespace is process 0 inside.
+    const pid_t parent = keeper_ > 0 ? 0 : getpid();
     const pid_t child = fork();
-    if (child < 0) return fail("cannot start the DHCP client", errno);
+    const int forkError = errno;
     if (child == 0) {
         BecomeClient(argumentPointers.data(), environmentPointers.data(), parent, clientEnd.Get(),
                      failureWriting.Get(), talk);
+    }
+    LeaveNamespace();
+    process_ = child;
+    if (child < 0) {
+        Clear();
+        return fail("cannot start the DHCP client", forkError);
     }
     failureWriting.Reset();
     int error = 0;
@@ -97,15 +127,52 @@ bool DhcpClientProcess::Start(const std::vector<std::string>& arguments, bool ta
     Descriptor end(OpenProcess(child));
     if (told > 0 || !end.IsOpen()) {
         if (told <= 0) error = errno;
-        kill(child, SIGKILL);
-        while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-        }
+        Clear();
         return fail(("cannot run " + arguments[0]).c_str(), error);
     }
     processEnd_ = std::move(end);
     hookSocket_ = std::move(ownEnd);
-    process_ = child;
     return true;
+}
+
+void DhcpClientProcess::MakeKeeper() {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) return;
+    const Descriptor reading(ends[0]);
+    keeperPipe_.Reset(ends[1]);
+    // Needs CAP_SYS_ADMIN, which a container may lack.
+    if (unshare(CLONE_NEWPID) != 0) {
+        keeperPipe_.Reset();
+        return;
+    }
+    keeper_ = fork();
+    if (keeper_ == 0) BecomeKeeper(reading.Get());
+    if (keeper_ < 0) {
+        keeperPipe_.Reset();
+        LeaveNamespace();
+    }
+}
+
+void DhcpClientProcess::LeaveNamespace() const {
+    const Descriptor self(OpenProcess(getpid()));
+    setns(self.Get(), CLONE_NEWPID);
+}
+
+int DhcpClientProcess::Clear() {
+    keeperPipe_.Reset();
+    if (keeper_ > 0) kill(keeper_, SIGKILL);
+    int status = 0;
+    if (process_ > 0) {
+        kill(process_, SIGKILL);
+        status = Await(process_);
+    }
+    // The keeper is not gone before all others are, and the client not before it was waited for.
+    if (keeper_ > 0) Await(keeper_);
+    keeper_ = -1;
+    process_ = -1;
+    processEnd_.Reset();
+    hookSocket_.Reset();
+    return status;
 }
 
 void DhcpClientProcess::Signal(int number) const {
@@ -114,14 +181,13 @@ void DhcpClientProcess::Signal(int number) const {
 
 bool DhcpClientProcess::Collect(std::string& words) {
     if (!Running()) return false;
-    int status = 0;
-    const pid_t ended = waitpid(process_, &status, WNOHANG);
-    if (ended == 0 || (ended < 0 && errno == EINTR)) return false;
+    siginfo_t end{};
+    const int result = waitid(P_PID, static_cast<id_t>(process_), &end, WEXITED | WNOHANG | WNOWAIT);
+    if (result != 0 || end.si_pid == 0) return false;
+    // The status of a process that has ended is not changed by a signal to it.
+    const int status = Clear();
     words = WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
                                 : "exit code " + std::to_string(WEXITSTATUS(status));
-    processEnd_.Reset();
-    hookSocket_.Reset();
-    process_ = -1;
     return true;
 }
 
@@ -130,15 +196,9 @@ void DhcpClientProcess::End(int milliseconds) {
     hookSocket_.Reset();
     Signal(SIGTERM);
     pollfd wait{processEnd_.Get(), POLLIN, 0};
-    int ready = 0;
-    do {
-        ready = poll(&wait, 1, milliseconds);
-    } while (ready < 0 && errno == EINTR);
-    if (ready <= 0) Signal(SIGKILL);
-    while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+    while (milliseconds > 0 && poll(&wait, 1, milliseconds) < 0 && errno == EINTR) {
     }
-    processEnd_.Reset();
-    process_ = -1;
+    Clear();
 }
 
 bool DhcpClientProcess::TakeReport(HookReport& report) {

@@ -10,9 +10,12 @@
 
 namespace corvane {
 
-/// One run of a DHCP client: a child process that cannot outlive this process, and the socket over which its
-/// hooks report. Not thread-safe, and to be used by the main thread only: the child's tie is to the thread
-/// that made it.
+/// One run of a DHCP client: a child process, and the socket over which its hooks report. The client has a
+/// process namespace of its own, whose first process ends when this process does, however it does; with it
+/// the kernel ends every process in there. So nothing of a client outlives it or its supervisor, not even the
+/// helpers that dhcpcd makes for its separation of privileges. Where no such namespace is to be had, the
+/// client alone is tied to this process (PR_SET_PDEATHSIG). Not thread-safe, and to be used by the main
+/// thread only.
 class DhcpClientProcess {
  public:
     DhcpClientProcess() = default;
@@ -23,14 +26,12 @@ class DhcpClientProcess {
 
     /// Runs `arguments` (the first is the program's path) with an environment of PATH and the hook's socket
     /// alone, all signals at their defaults, in "/", with no standard input. Without `talk` its output goes
-    /// nowhere. It gets SIGTERM when this process ends, however it ends. False with the reason in `failure`
+    /// nowhere. False with the reason in `failure`
     /// when the program cannot be run. One may run at a time.
     bool Start(const std::vector<std::string>& arguments, bool talk, std::string& failure);
 
     /// True from Start until Collect has told of the end.
     [[nodiscard]] bool Running() const { return processEnd_.IsOpen(); }
-    [[nodiscard]] pid_t Id() const { return process_; }
-
     /// Readable when the process has ended; -1 when none runs.
     [[nodiscard]] int EndDescriptor() const { return processEnd_.Get(); }
     /// Readable when a hook reports; -1 when none runs.
@@ -39,7 +40,8 @@ class DhcpClientProcess {
     /// Sends a signal, if it runs.
     void Signal(int number) const;
 
-    /// True when the process has ended; it is no longer running then. `words` says how it ended.
+    /// True when the process has ended; it is no longer running then, and neither is anything that it left.
+    /// `words` says how it ended.
     bool Collect(std::string& words);
 
     /// Ends the process: SIGTERM, after `milliseconds` SIGKILL. Returns when it is gone. Reports of hooks are
@@ -53,8 +55,16 @@ class DhcpClientProcess {
     void Answer(const HookReport& report, bool usable) const;
 
  private:
+    void MakeKeeper();
+    void LeaveNamespace() const;
+    /// Ends everything in the namespace and takes leave of the client, which may have ended before. Its wait
+    /// status.
+    int Clear();
+
     Descriptor processEnd_;  ///< Process descriptor (pidfd_open(2)).
     Descriptor hookSocket_;
+    Descriptor keeperPipe_;  ///< The keeper ends when this is closed.
+    pid_t keeper_ = -1;      ///< First process of the client's namespace; -1 when there is none.
     pid_t process_ = -1;
 };
 

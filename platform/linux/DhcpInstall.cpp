@@ -2,11 +2,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <ctime>
 #include <optional>
+#include <set>
+#include <sstream>
+#include <thread>
 #include <utility>
 
 #include "platform/Address.h"
+#include "platform/Files.h"
 #include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
 #include "platform/Text.h"
@@ -43,6 +48,22 @@ std::string Words(Win32Error code) {
     std::string words = Win32Text(code);
     while (!words.empty() && (words.back() == '\n' || words.back() == '\r')) words.pop_back();
     return words + " (" + std::to_string(Number(code)) + ")";
+}
+
+/// True when the kernel has one of the addresses in its neighbour table without the hardware address
+/// (proc(5), /proc/net/arp: flags 0).
+bool IsAskedFor(const std::set<std::string>& addresses) {
+    std::string table;
+    if (ReadFileContents("/proc/self/net/arp", table)) return false;
+    std::istringstream lines(table);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream fields(line);
+        std::string address;
+        std::string type;
+        std::string flags;
+        if (fields >> address >> type >> flags && flags == "0x0" && addresses.contains(address)) return true;
+    }
+    return false;
 }
 
 /// A text value without its terminator; empty when there is none.
@@ -105,6 +126,17 @@ bool LeaseInstaller::PutOnLink(const Lease& lease, std::uint32_t seconds) {
         if (!answer.Ok() && answer.errnoValue != EEXIST) say_("route " + Text(route) + ": " + answer.Words());
     }
     return true;
+}
+
+void LeaseInstaller::AwaitNextHops(const Lease& lease) const {
+    std::set<std::string> hops;
+    if (lease.server) hops.insert(DottedQuad(lease.server->data()));
+    for (const LeaseRoute& route : lease.routes) {
+        if (route.gateway) hops.insert(DottedQuad(route.gateway->data()));
+    }
+    for (int turn = 0; turn < 250 && IsAskedFor(hops); ++turn) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
 }
 
 void LeaseInstaller::TakeFromLink() {

@@ -30,6 +30,11 @@ class LeaseInstaller {
     /// with a /32 mask). False when the address is not on the link afterwards.
     bool PutOnLink(const Lease& lease, std::uint32_t seconds);
 
+    /// Waits, half a second at most, until no hardware address of the lease's server or gateways is being
+    /// asked for (ARP): a packet that waits for it, such as the one that gives the lease back, is dropped
+    /// when the address goes.
+    void AwaitNextHops(const Lease& lease) const;
+
     /// Takes address and routes away. Addresses that others added, and that the kernel drops with it, are put
     /// back.
     void TakeFromLink();

@@ -23,6 +23,7 @@ namespace {
 // Below the 15 seconds that a controller waits; udhcpc reports a failure after eight.
 constexpr std::int64_t kRenewMilliseconds = 12000;
 constexpr std::int64_t kReleaseMilliseconds = 3000;
+constexpr std::int64_t kRepeatMilliseconds = 500;
 constexpr std::int64_t kEndMilliseconds = 2000;
 constexpr std::int64_t kFirstPause = 1000;
 constexpr std::int64_t kLongestPause = 30000;
@@ -41,12 +42,14 @@ int OpenSignals() {
 DhcpSupervisor::DhcpSupervisor(DhcpOptions options, DhcpListener& listener)
     : options_(std::move(options)),
       listener_(listener),
+      watch_(options_.linkIndex),
       installer_(options_.linkIndex, options_.linkId, options_.say),
       signals_(OpenSignals()) {}
 
 void DhcpSupervisor::Run() {
     installer_.Adopt();
-    LookAtLink();
+    if (watch_.Get() < 0) options_.say("changes of the link cannot be watched");
+    LookAtLink(false);
     MakePlan();
     while (!finished_) {
         DoTasks();
@@ -71,6 +74,7 @@ DhcpSupervisor::Milliseconds DhcpSupervisor::Now() {
 int DhcpSupervisor::WaitMilliseconds() const {
     std::int64_t next = Now() + 60000;
     if (task_ != Task::kNone) next = std::min(next, taskEnd_);
+    if (task_ == Task::kReleasing) next = std::min(next, repeatAt_);
     if (lease_ && leaseEnd_ != 0) next = std::min(next, leaseEnd_);
     const bool startsLater = wanted_ && linkRunning_ && !client_.Running() && task_ != Task::kEnding;
     if (startsLater) next = std::min(next, startAt_);
@@ -81,8 +85,8 @@ void DhcpSupervisor::Wait() {
     // Only here: everywhere else connections keep their places.
     std::erase_if(connections_, [](const Connection& connection) { return !connection.socket.IsOpen(); });
     std::vector<pollfd> waits;
-    for (const int descriptor : {signals_.Get(), monitor_.Descriptor(), client_.HookDescriptor(),
-                                 client_.EndDescriptor(), listener_.Get()}) {
+    for (const int descriptor :
+         {signals_.Get(), watch_.Get(), client_.HookDescriptor(), client_.EndDescriptor(), listener_.Get()}) {
         waits.push_back({descriptor, POLLIN, 0});
     }
     if (connections_.size() >= kMostConnections) waits.back().fd = -1;
@@ -90,14 +94,17 @@ void DhcpSupervisor::Wait() {
     // poll skips negative descriptors, and an interrupted one is a turn without events.
     if (poll(waits.data(), waits.size(), WaitMilliseconds()) < 0) return;
 
-    enum : std::size_t { kSignals, kMonitor, kHook, kEnd, kListener, kFirstConnection };
+    enum : std::size_t { kSignals, kWatch, kHook, kEnd, kListener, kFirstConnection };
     signalfd_siginfo signal{};
     if (waits[kSignals].revents != 0 && read(signals_.Get(), &signal, sizeof signal) > 0) endAsked_ = true;
     // A hook that waits for its answer keeps its client from ending: reports come before the end.
     if (waits[kHook].revents != 0) TakeReports();
     std::string words;
     if (waits[kEnd].revents != 0 && client_.Collect(words)) ClientEnded(words);
-    if (waits[kMonitor].revents != 0 && monitor_.TakeChanges()) LookAtLink();
+    if (waits[kWatch].revents != 0) {
+        const DhcpLinkWatch::Events events = watch_.Take();
+        if (events.changed) LookAtLink(events.wasDown);
+    }
     for (std::size_t i = 0; i < connections_.size(); ++i) {
         if (waits[kFirstConnection + i].revents != 0) Listen(connections_[i]);
     }
@@ -107,7 +114,7 @@ void DhcpSupervisor::Wait() {
 // ---- the link
 // ------------------------------------------------------------------------------------------------
 
-void DhcpSupervisor::LookAtLink() {
+void DhcpSupervisor::LookAtLink(bool wasDown) {
     KernelLink link;
     const KernelAnswer answer = netlink_.GetLink(options_.linkIndex, link);
     if (answer.errnoValue == ENODEV) {
@@ -120,7 +127,7 @@ void DhcpSupervisor::LookAtLink() {
         options_.say("the link cannot be looked at: " + answer.Words());
         return;
     }
-    const bool wasRunning = linkRunning_;
+    const bool wasRunning = linkRunning_ && !wasDown;
     link_ = link;
     linkRunning_ = link.Running();
     const bool otherLink = link.name != clientLink_.name || link.address != clientLink_.address;
@@ -216,6 +223,7 @@ bool DhcpSupervisor::Heard(const HookReport& report) {
             if (task_ == Task::kRenewing) FinishRenewal(Status());
         }
     }
+    if (task_ == Task::kReleasing && lease_) installer_.AwaitNextHops(*lease_);
     if (reading.event == LeaseEvent::kLost || !usable) DropLease();
     if (!usable && task_ == Task::kRenewing) {
         FinishRenewal(
@@ -342,6 +350,7 @@ void DhcpSupervisor::BeginRelease() {
     wanted_ = false;
     task_ = Task::kReleasing;
     taskEnd_ = Now() + kReleaseMilliseconds;
+    repeatAt_ = Now() + kRepeatMilliseconds;
     releaseRun_ = false;
     if (!client_.Running() || clientIdle_) {
         FinishRelease();
@@ -369,6 +378,11 @@ void DhcpSupervisor::CheckDeadlines() {
     if (lease_ && leaseEnd_ != 0 && now >= leaseEnd_) {
         options_.say("the lease ran out");
         DropLease();
+    }
+    if (task_ == Task::kReleasing && now >= repeatAt_ && clientReady_ && plan_.releaseSignal != 0) {
+        // dhcpcd forgets a signal that comes while it waits for its hook's end (9.4, privilege separation).
+        client_.Signal(plan_.releaseSignal);
+        repeatAt_ = now + kRepeatMilliseconds;
     }
     if (task_ == Task::kNone || now < taskEnd_) return;
     switch (task_) {

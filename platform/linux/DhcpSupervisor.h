@@ -11,8 +11,8 @@
 #include "platform/linux/DhcpClients.h"
 #include "platform/linux/DhcpInstall.h"
 #include "platform/linux/DhcpLease.h"
+#include "platform/linux/DhcpLinkWatch.h"
 #include "platform/linux/DhcpSocket.h"
-#include "platform/linux/LinkMonitor.h"
 #include "platform/linux/Netlink.h"
 
 namespace corvane {
@@ -55,7 +55,8 @@ class DhcpSupervisor {
     void Wait();
     [[nodiscard]] int WaitMilliseconds() const;
 
-    void LookAtLink();
+    /// `wasDown`: it was administratively down since the last look.
+    void LookAtLink(bool wasDown);
     /// How the client is run for the link as it is; its files stand beside the socket.
     void MakePlan();
     void StartClient();
@@ -83,7 +84,7 @@ class DhcpSupervisor {
 
     DhcpOptions options_;
     DhcpListener& listener_;
-    LinkMonitor monitor_;
+    DhcpLinkWatch watch_;
     Netlink netlink_;
     LeaseInstaller installer_;
     DhcpClientProcess client_;
@@ -108,7 +109,8 @@ class DhcpSupervisor {
     bool noLeaseRecorded_ = false;
 
     Task task_ = Task::kNone;
-    Milliseconds taskEnd_ = 0;  ///< When the task is given up.
+    Milliseconds taskEnd_ = 0;   ///< When the task is given up.
+    Milliseconds repeatAt_ = 0;  ///< When the release is asked for once more.
     bool endAsked_ = false;
     bool finished_ = false;
 };

@@ -1,13 +1,18 @@
 #include "platform/linux/LinkControl.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <filesystem>
 #include <optional>
 #include <utility>
 
 #include "platform/Address.h"
 #include "platform/Text.h"
 #include "platform/linux/Announce.h"
+#include "platform/linux/Descriptor.h"
 #include "platform/linux/DhcpControl.h"
 #include "platform/linux/Dns.h"
 #include "platform/linux/Errors.h"
@@ -17,27 +22,49 @@ namespace corvane {
 
 namespace {
 
+/// Lets one program at a time disable or enable a link of this name; the others wait. Only root may open its
+/// file: without the right there is no lock, and nothing that the kernel would let the program do.
+class LinkLock {
+   public:
+    explicit LinkLock(const std::string& name) {
+        std::error_code error;
+        std::filesystem::create_directories(RuntimeFolder(), error);
+        file_.Reset(open((RuntimeFolder() + "/link-" + name + ".lock").c_str(),
+                         O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        while (file_.IsOpen() && flock(file_.Get(), LOCK_EX) != 0 && errno == EINTR) {
+        }
+    }
+
+   private:
+    Descriptor file_;
+};
+
 /// One disabling or enabling of one link.
 class Operation {
    public:
-    Operation(Machine& machine, std::string name) : machine_(machine), name_(std::move(name)) {
+    Operation(Machine& machine, std::string name) : machine_(machine), name_(std::move(name)), lock_(name_) {
         machine_.Update();
         if (const LinkRow* row = machine_.RowOfName(name_)) row_ = *row;
     }
 
     bool Disable() {
         if (!Find()) return false;
+        if (machine_.Store().ReadOnly()) {
+            Problem(kNotKept + Trim(Win32Text(Win32Error::kAccessDenied)));
+            return false;
+        }
+        const bool held = row_.held;
         if (!SetHeld(true)) return false;
         std::string failure;
         if (!Ok(StopDhcp(link_.index, failure))) {
             Problem(failure);
-            SetHeld(false);
+            if (!held) SetHeld(false);
             return false;
         }
         const KernelAnswer down = machine_.Kernel().SetLinkUp(link_.index, false);
         if (!down.Ok()) {
             Problem("the link could not be taken down: " + down.Words());
-            SetHeld(false);
+            if (!held) SetHeld(false);
             return false;
         }
         RemoveAddressesBut({});
@@ -47,10 +74,15 @@ class Operation {
 
     bool Enable() {
         if (!Find()) return false;
+        // What is up by half must not be taken for the link's set-up, also when this program is ended meanwhile.
         const bool held = row_.held;
+        if (!held && !SetHeld(true)) return false;
         const bool dhcp = UsesDhcp(machine_.Store(), row_.id);
         const StaticSetup setup = ReadStaticSetup(machine_.Store(), row_.id, link_.index);
-        if (!SetAddress() || !BringUp()) return false;
+        if (!SetAddress() || !BringUp()) {
+            if (!held) SetHeld(false);
+            return false;
+        }
         if (dhcp) {
             RemoveAddressesBut({});
             std::string failure;
@@ -58,7 +90,7 @@ class Operation {
         } else {
             ApplyStatic(setup);
         }
-        if (held) RestoreHeld();
+        RestoreHeld();
         ReleaseHold();
         ApplyResolver();
         ReadBack(dhcp ? StaticSetup() : setup);
@@ -84,21 +116,27 @@ class Operation {
     }
 
     /// Marks the link as disabled by the program, together with what it is going to lose; or takes the mark off.
+    /// A link that has the mark was enabled by half only: what was kept then counts too.
     bool SetHeld(bool held) {
         std::vector<RawMessage> saved;
+        std::vector<HeldMessage> messages;
         if (held) {
             const KernelAnswer answer = machine_.Kernel().SaveLinkState(link_.index, saved);
             if (!answer.Ok()) Problem("its routes could not be read: " + answer.Words());
+            if (row_.held) static_cast<void>(machine_.Store().LoadHeld(row_.id, messages));
         }
-        std::vector<HeldMessage> messages;
-        for (RawMessage& message : saved) messages.push_back({message.type, std::move(message.payload)});
+        for (RawMessage& message : saved) {
+            HeldMessage kept{message.type, std::move(message.payload)};
+            const bool known = std::find(messages.begin(), messages.end(), kept) != messages.end();
+            if (!known) messages.push_back(std::move(kept));
+        }
         row_.held = held;
         const Win32Error code = machine_.Store().Transact([&](RegistryStore::Editor& editor) {
             const Win32Error kept = editor.SaveHeld(row_.id, messages);
             return Ok(kept) ? editor.SaveLink(row_) : kept;
         });
         if (Ok(code)) return true;
-        Problem("what it would lose could not be kept in the registry: " + Trim(Win32Text(code)));
+        Problem(kNotKept + Trim(Win32Text(code)));
         return false;
     }
 
@@ -248,8 +286,11 @@ class Operation {
         AnnounceAddresses(link_.index, now.address, announced);
     }
 
+    static constexpr char kNotKept[] = "what it would lose could not be kept in the registry: ";
+
     Machine& machine_;
     std::string name_;
+    LinkLock lock_;
     LinkRow row_;
     KernelLink link_;
     std::optional<MacBytes> wanted_;

@@ -25,6 +25,9 @@ class Machine {
     /// store that cannot be brought in step shows in the store's own codes.
     void Update();
 
+    /// Makes the next Update read everything anew.
+    void Forget() { known_ = false; }
+
     /// The picture as of the last Update.
     [[nodiscard]] const KernelPicture& Picture() const { return picture_; }
     /// The store's rows of links as of the last Update.

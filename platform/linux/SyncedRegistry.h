@@ -26,6 +26,9 @@ class SyncedRegistry : public RegistryApi {
         return Current().CreateKey(root, subkey);
     }
     Win32Error EnumSubkeys(RegistryRoot root, const std::string& subkey, std::vector<std::string>& names) override {
+        // A program without rights reads a private image: what others wrote since is taken over with each enumeration, that
+        // is, at the start of a refresh.
+        if (machine_->Store().ReadOnly()) machine_->Forget();
         return Current().EnumSubkeys(root, subkey, names);
     }
     void BeginReading() override { Current().BeginReading(); }

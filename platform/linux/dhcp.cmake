@@ -6,6 +6,7 @@ add_library(corvane_dhcp STATIC
     ${CMAKE_CURRENT_LIST_DIR}/DhcpHook.cpp
     ${CMAKE_CURRENT_LIST_DIR}/DhcpInstall.cpp
     ${CMAKE_CURRENT_LIST_DIR}/DhcpLease.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/DhcpLinkWatch.cpp
     ${CMAKE_CURRENT_LIST_DIR}/DhcpSocket.cpp
     ${CMAKE_CURRENT_LIST_DIR}/DhcpSupervisor.cpp
     ${CMAKE_CURRENT_LIST_DIR}/Dns.cpp)

@@ -73,10 +73,12 @@ void ExpectSound(const CommandLine& line, const std::string& text) {
     EXPECT_EQ(line.record.Name, "");
     EXPECT_EQ(line.connectionName.find_first_of("-/"), std::string::npos);
     EXPECT_EQ(line.invalidName.find_first_of("-/ "), std::string::npos);
-    if (!line.record.IpAddresses.Items.empty())
+    if (!line.record.IpAddresses.Items.empty()) {
         EXPECT_EQ(line.record.SubnetMasks.Items.size(), line.record.IpAddresses.Items.size());
-    if (!line.record.Gateways.Items.empty())
+    }
+    if (!line.record.Gateways.Items.empty()) {
         EXPECT_EQ(line.record.GatewayMetrics.Items.size(), line.record.Gateways.Items.size());
+    }
     for (const std::string& address : line.record.IpAddresses.Items)
         EXPECT_EQ(address.find_first_of(" ,:"), std::string::npos);
 }

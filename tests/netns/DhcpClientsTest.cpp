@@ -102,7 +102,7 @@ TEST_P(DhcpClients, TakesClasslessRoutes) {
 TEST_P(DhcpClients, DiesWithAKilledSupervisor) {
     network_.StartServer();
     Bind();
-    const std::vector<pid_t> supervisors = Processes("nicx-dhcp --interface");
+    const std::vector<pid_t> supervisors = Supervisors();
     ASSERT_EQ(supervisors.size(), 1U);
     ASSERT_EQ(kill(supervisors[0], SIGKILL), 0);
     EXPECT_TRUE(WaitUntil([] { return Processes(GetParam()).empty(); }, 10000));

@@ -104,6 +104,8 @@ TEST_F(DhcpInstall, RoutesThatTheLeaseNoLongerHasGo) {
 
 TEST_F(DhcpInstall, RoutesOfOthersStay) {
     EXPECT_TRUE(installer_.PutOnLink(MakeLease({10, 1, 2, 3}, 24, {10, 1, 2, 1}), 100));
+    // Without any address left the kernel itself would drop every route of the link.
+    Ip("address add 10.200.0.1/24 dev " + veth_.Name());
     Ip("route add 172.16.0.0/12 dev " + veth_.Name());
     installer_.TakeFromLink();
     EXPECT_EQ(Routes(veth_.Name()), std::vector<std::string>{"172.16.0.0/12 - 0 boot"});

@@ -117,7 +117,7 @@ TEST_F(DhcpLife, ATcpipKeyThatIsGoneIsNotMadeAnew) {
 TEST_F(DhcpLife, AKilledSupervisorTakesItsClientAlongAndIsReplaced) {
     Bind();
     const std::string address = Address(kLink);
-    const std::vector<pid_t> supervisors = Processes("nicx-dhcp --interface");
+    const std::vector<pid_t> supervisors = Supervisors();
     ASSERT_EQ(supervisors.size(), 1U);
     ASSERT_EQ(kill(supervisors[0], SIGKILL), 0);
     EXPECT_TRUE(WaitUntil([] { return Processes("nicx-dhcp").empty() && Processes("udhcpc").empty(); }));
@@ -138,7 +138,7 @@ TEST_F(DhcpLife, AKilledSupervisorTakesItsClientAlongAndIsReplaced) {
 
 TEST_F(DhcpLife, WhatAKilledSupervisorLeftIsTakenAwayByTheNextWithoutAServer) {
     Bind();
-    const std::vector<pid_t> supervisors = Processes("nicx-dhcp --interface");
+    const std::vector<pid_t> supervisors = Supervisors();
     ASSERT_EQ(supervisors.size(), 1U);
     ASSERT_EQ(kill(supervisors[0], SIGKILL), 0);
     ASSERT_TRUE(WaitUntil([] { return Processes("nicx-dhcp").empty(); }));
@@ -202,7 +202,7 @@ TEST_F(DhcpLife, TheSupervisorKeepsNothingOfItsStarter) {
     ASSERT_GE(leak, 0);
     Bind();
     close(leak);
-    const std::vector<pid_t> supervisors = Processes("nicx-dhcp --interface");
+    const std::vector<pid_t> supervisors = Supervisors();
     ASSERT_EQ(supervisors.size(), 1U);
     EXPECT_EQ(getsid(supervisors[0]), supervisors[0]);
     const std::string process = "/proc/" + std::to_string(supervisors[0]);

@@ -163,7 +163,7 @@ TEST_F(Dhcp, RenewAfterReleaseObtainsANewLease) {
 
 TEST_F(Dhcp, StopLeavesNothing) {
     Bind();
-    const std::vector<pid_t> supervisors = Processes("nicx-dhcp --interface");
+    const std::vector<pid_t> supervisors = Supervisors();
     ASSERT_EQ(supervisors.size(), 1U);
     Stop(network_);
     EXPECT_TRUE(Processes("nicx-dhcp").empty());
@@ -178,7 +178,7 @@ TEST_F(Dhcp, StopLeavesNothing) {
 
 TEST_F(Dhcp, SigtermStopsAsWell) {
     Bind();
-    const std::vector<pid_t> supervisors = Processes("nicx-dhcp --interface");
+    const std::vector<pid_t> supervisors = Supervisors();
     ASSERT_EQ(supervisors.size(), 1U);
     ASSERT_EQ(kill(supervisors[0], SIGTERM), 0);
     EXPECT_TRUE(WaitUntil([] { return Processes("nicx-dhcp").empty(); }));
@@ -291,7 +291,7 @@ TEST_F(Dhcp, StartsAtTheSameTimeLeaveOneSupervisor) {
     }
     for (std::thread& starter : starters) starter.join();
     EXPECT_EQ(failures, 0);
-    EXPECT_TRUE(WaitUntil([] { return Processes("nicx-dhcp --interface").size() == 1; }));
+    EXPECT_TRUE(WaitUntil([] { return Supervisors().size() == 1; }));
     EXPECT_TRUE(WaitForAddress(kLink));
     EXPECT_EQ(Processes("udhcpc").size(), 1U);
     EXPECT_EQ(RuntimeFiles().size(), 1U);
@@ -310,7 +310,7 @@ TEST_F(Dhcp, AStartDuringAStopLeavesARunningSupervisor) {
         Start(network_);
         EXPECT_TRUE(DhcpRunning(network_.Index()));
         EXPECT_TRUE(WaitForAddress(kLink));
-        EXPECT_EQ(Processes("nicx-dhcp --interface").size(), 1U);
+        EXPECT_EQ(Supervisors().size(), 1U);
     }
     Stop(network_);
 }

@@ -274,4 +274,10 @@ std::vector<pid_t> DhcpFixture::Processes(const std::string& text) {
     return found;
 }
 
+std::vector<pid_t> DhcpFixture::Supervisors() {
+    std::vector<pid_t> supervisors = Processes("nicx-dhcp --interface");
+    std::erase_if(supervisors, [](pid_t process) { return getsid(process) != process; });
+    return supervisors;
+}
+
 }  // namespace corvane::netns

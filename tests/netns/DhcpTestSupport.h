@@ -105,6 +105,9 @@ class DhcpFixture : public ::testing::Test {
     /// Processes whose program's name or first arguments hold `text`, in this network namespace.
     static std::vector<pid_t> Processes(const std::string& text);
 
+    /// The supervisors among them: each leads a session, which the processes that it makes do not.
+    static std::vector<pid_t> Supervisors();
+
     static constexpr char kId[] = "{00000000-0000-4000-8000-000000000001}";
     static constexpr char kOtherId[] = "{00000000-0000-4000-8000-000000000002}";
     static constexpr char kProgram[] = CORVANE_BIN_DIR "/nicx-dhcp";

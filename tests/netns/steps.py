@@ -16,14 +16,14 @@ SYSCALL_STOP = signal.SIGTRAP | 0x80
 INFO_SIZE, INFO_ENTRY = 88, 1
 
 # System calls by number (asm/unistd.h): those that sleep, with the position of the argument that points to the duration,
-# and those that change anything outside of the program: openat, write, pwrite64, sendto, sendmsg, fsync, fdatasync,
+# and those that change anything outside of the program: openat (when it may make a file), write, pwrite64, sendto, sendmsg, fsync, fdatasync,
 # ftruncate, rename, renameat, renameat2, mkdir, mkdirat, unlink, unlinkat.
 if os.uname().machine == "x86_64":
-    SLEEPS = {35: 0, 230: 2}
-    CHANGES = {257, 1, 18, 44, 46, 74, 75, 77, 82, 264, 316, 83, 258, 87, 263}
+    SLEEPS, OPEN = {35: 0, 230: 2}, 257
+    CHANGES = {1, 18, 44, 46, 74, 75, 77, 82, 264, 316, 83, 258, 87, 263}
 else:
-    SLEEPS = {101: 0, 115: 2}
-    CHANGES = {56, 64, 68, 206, 211, 82, 83, 46, 38, 276, 34, 35}
+    SLEEPS, OPEN = {101: 0, 115: 2}, 56
+    CHANGES = {64, 68, 206, 211, 82, 83, 46, 38, 276, 34, 35}
 
 
 def trace(request, pid, address=None, data=None):
@@ -51,6 +51,11 @@ def begins_long_wait(pid, call):
     with open(f"/proc/{pid}/mem", "rb", buffering=0) as memory:
         memory.seek(arguments[SLEEPS[number]])
         return struct.unpack("<q", memory.read(8))[0] >= 1
+
+
+def changes_anything(call):
+    number, arguments = call
+    return number in CHANGES or (number == OPEN and arguments[2] & os.O_CREAT)
 
 
 def run_until(arguments, limit=None):
@@ -83,7 +88,7 @@ def run_until(arguments, limit=None):
         if call is None:
             continue
         waits = begins_long_wait(pid, call)
-        changes += call[0] in CHANGES
+        changes += 1 if changes_anything(call) else 0
         if waits or changes == limit:
             os.kill(pid, signal.SIGKILL)
             os.waitpid(pid, 0)

@@ -6,7 +6,7 @@ import sqlite3
 import subprocess
 
 from steps import run_until
-from world import NOBODY, REG_MULTI_SZ, REG_SZ, STORE, World, ip, multi, wait_for
+from world import NOBODY, REG_MULTI_SZ, REG_SZ, RESOLV_CONF, STORE, World, ip, multi, wait_for
 
 OWN = "02:00:00:00:10:01"
 NEW = "00:0c:29:4f:8e:35"
@@ -81,7 +81,7 @@ class Trouble(World):
         blocker = sqlite3.connect(STORE, isolation_level=None)
         blocker.execute("BEGIN EXCLUSIVE")
         self.addCleanup(blocker.close)
-        shown = self.run_program("nicx-report")
+        shown = self.finish(self.start("nicx-report"), 30)
         self.assertEqual(shown.code, 1)
         self.assertIn("Error! Cannot Read Registry", shown.err)
         self.assertIn("(1012) Can't Read Key", shown.err)
@@ -127,7 +127,10 @@ class Trouble(World):
         self.assertEqual(STORE.read_bytes(), before)
 
     def test_a_store_whose_folder_cannot_be_made(self):
-        settings = {"NICX_REGISTRY": "/proc/no/such/store.db"}
+        locked = pathlib.Path("/run/locked")
+        locked.mkdir()
+        self.mount_read_only(locked)
+        settings = {"NICX_REGISTRY": str(locked / "sub/store.db")}
         self.assertEqual(self.report(environment=settings)["eth0"]["mac"], "02-00-00-00-10-01")
         result = self.nicx("-n", "eth0", "-m", "02:00:00:00:99:99", code=1, environment=settings)
         self.assertIn("Error! Cannot Write Registry", result.err)
@@ -191,15 +194,35 @@ class Together(World):
 class Killed(World):
     """A program that is killed loses nothing, and the next restart repairs the link."""
 
-    def make(self):
+    UP = f"""
+        link set eth0 down
+        address flush dev eth0
+        link set eth0 address {NEW}
+        link set eth0 up
+        address add 10.1.0.2/24 dev eth0
+        address add 2001:db8:1::2/64 dev eth0
+        route add default via 10.1.0.1 metric 10
+        route add 192.0.2.0/24 via 10.1.0.1
+    """
+    DOWN = f"""
+        link set eth0 down
+        address flush dev eth0
+        link set eth0 address {NEW}
+    """
+
+    def setUp(self):
         """The link with all that a restart has to bring back, and its settings in the store."""
-        if self.link("eth0"):
-            ip("link", "delete", "eth0")
-            STORE.unlink()
-        self.veth("eth0", "10.1.0.2/24", "2001:db8:1::2/64", mac=OWN)
-        ip("route", "add", "default", "via", "10.1.0.1", "metric", "10")
-        ip("route", "add", "192.0.2.0/24", "via", "10.1.0.1")
-        self.nicx("-n", "eth0", "-m", NEW, "-d", "10.1.0.53")
+        super().setUp()
+        self.veth("eth0", mac=OWN)
+        self.report()
+        self.set_link(self.UP)
+        self.nicx("-n", "eth0", "-m", NEW, "-d", "10.1.0.53", "-di")
+        self.run_nicx("-re")
+        self.assert_as_it_was()
+
+    @staticmethod
+    def set_link(commands):
+        subprocess.run(["ip", "-batch", "-"], input=commands, text=True, check=True)
 
     def assert_nothing_lost(self):
         self.assertEqual(self.sql("PRAGMA integrity_check"), [("ok",)])
@@ -211,19 +234,21 @@ class Killed(World):
         self.assertEqual(values["DefaultGateway"], (REG_MULTI_SZ, multi("10.1.0.1")))
         self.assertEqual(values["NameServer"], (REG_SZ, b"10.1.0.53\0"))
 
-    def assert_as_it_was(self):
+    def assert_set_up(self):
         self.assert_up("eth0", NEW, ["10.1.0.2/24"], [("10.1.0.1", 10)])
-        self.assertEqual(self.routes("eth0"), [("192.0.2.0/24", "10.1.0.1")])
-        self.assertEqual(self.ipv6_addresses("eth0", "global"), ["2001:db8:1::2/64"])
         self.assertEqual(self.name_servers(), ["10.1.0.53", "192.0.2.53"])
         self.assertEqual(self.link_row("eth0")["held"], 0)
+
+    def assert_as_it_was(self):
+        self.assert_set_up()
+        self.assertEqual(self.routes("eth0"), [("192.0.2.0/24", "10.1.0.1")])
+        self.assertEqual(self.ipv6_addresses("eth0", "global"), ["2001:db8:1::2/64"])
 
     def kill(self, process):
         process.send_signal(signal.SIGKILL)
         process.communicate()
 
     def test_in_the_wait_after_disabling(self):
-        self.make()
         process = self.start("nicx", "-n", "eth0", "-re")
         wait_for(lambda: not self.is_up("eth0") and not self.addresses("eth0"), "the link is disabled")
         self.kill(process)
@@ -232,7 +257,6 @@ class Killed(World):
         self.assert_as_it_was()
 
     def test_in_the_wait_after_enabling(self):
-        self.make()
         process = self.start("nicx", "-n", "eth0", "-di", "-re")
         wait_for(lambda: self.is_up("eth0") and self.link_row("eth0")["held"] == 0, "the link is enabled")
         self.kill(process)
@@ -243,30 +267,42 @@ class Killed(World):
     def run_nicx(self, *options, limit=None):
         return run_until([self.programs / "nicx", "-n", "eth0", *options], limit)
 
-    def kill_at_every_change(self, before, options):
-        """Kills `options` before each of its system calls that change anything, each time on a link made anew."""
+    def kill_at_every_change(self, state, options, assert_repaired):
+        """Kills `options` before each of its system calls that change anything. Each time link, store and resolv.conf are
+        first put back to what they are now; `state` does so for the link. A restart then repairs it."""
+        store, resolver = STORE.read_bytes(), RESOLV_CONF.read_bytes()
         limit = 0
         reached = True
         while reached:
             limit += 1
             with self.subTest(moment=limit):
-                self.make()
-                if before:
-                    self.nicx("-n", "eth0", *before)
+                self.set_link(state)
+                for file in STORE.parent.iterdir():
+                    file.unlink()
+                STORE.write_bytes(store)
+                RESOLV_CONF.write_bytes(resolver)
                 _, reached = self.run_nicx(*options, limit=limit)
                 self.assert_nothing_lost()
                 # The two halves of a restart, without its waits.
-                self.run_nicx("-di")
+                self.nicx("-n", "eth0", "-di")
                 self.run_nicx("-re")
                 self.assert_nothing_lost()
-                self.assert_as_it_was()
+                assert_repaired()
         self.assertGreater(limit, 20)
 
     def test_at_every_change_of_disabling(self):
-        self.kill_at_every_change([], ["-di"])
+        self.kill_at_every_change(self.UP, ["-di"], self.assert_as_it_was)
 
     def test_at_every_change_of_enabling(self):
-        self.kill_at_every_change(["-di"], ["-re"])
+        self.nicx("-n", "eth0", "-di")
+        self.kill_at_every_change(self.DOWN, ["-re"], self.assert_as_it_was)
+
+    def test_at_every_change_of_enabling_a_link_that_was_taken_down_by_hand(self):
+        ip("link", "set", "eth0", "down")
+        self.report()
+        # Other routes and IPv6 addresses went when it was taken down, and nobody kept them.
+        self.kill_at_every_change(self.UP + "link set eth0 down", ["-re"], self.assert_set_up)
 
     def test_at_every_change_of_writing_settings(self):
-        self.kill_at_every_change([], ["-m", NEW, "-i", "10.1.0.2:255.255.255.0", "-g", "10.1.0.1:10", "-d", "10.1.0.53"])
+        self.kill_at_every_change(self.UP, ["-m", NEW, "-i", "10.1.0.2:255.255.255.0", "-g", "10.1.0.1:10",
+                                            "-d", "10.1.0.53"], self.assert_as_it_was)

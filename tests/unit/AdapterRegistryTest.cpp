@@ -107,8 +107,11 @@ TEST_F(AdapterRegistry, WithoutAdapterSubkeysNothingMoreIsReadInTheFirstStage) {
 
 TEST_F(AdapterRegistry, SubkeysThatAreNoAdaptersLeaveTheSingleEmptyRecord) {
     registry_.MakeKey(kAdaptersPath + "\\NdisWanIp");
+    registry_.SetText(kClassPath + "\\Properties", "DriverDesc", "no adapter");
     RefreshNicInfo();
     EXPECT_THAT(Ids(), ElementsAre(""));
+    EXPECT_EQ(Nics[0].DriverKey, "");
+    EXPECT_EQ(Nics[0].DriverDesc, "");
 }
 
 TEST_F(AdapterRegistry, ARefreshForgetsWhatWasThere) {
@@ -248,6 +251,7 @@ TEST_F(AdapterRegistry, AFailingClassEnumerationIsShownAndBindingsAreStillRead) 
     EXPECT_THAT(machine_.seat.boxes,
                 ElementsAre(ReadErrorBox(kClassPath, "(1015) The Registry Database is corrupt!")));
     EXPECT_EQ(Nics[0].Name, "eth0");
+    EXPECT_THAT(registry_.diary, testing::Each(testing::Not(testing::HasSubstr("NetCfgInstanceId"))));
     EXPECT_EQ(Nics[0].DriverKey, "");
     EXPECT_TRUE(Nics[0].TcpipBound);
 }
@@ -256,6 +260,7 @@ TEST_F(AdapterRegistry, AnEmptyClassKeyIsNoError) {
     registry_.MakeKey(kAdaptersPath + "\\{A}");
     ReadAdapterRegistry();
     EXPECT_THAT(Ids(), ElementsAre("{A}"));
+    EXPECT_THAT(registry_.diary, testing::Each(testing::Not(testing::HasSubstr("NetCfgInstanceId"))));
     EXPECT_EQ(Nics[0].DriverKey, "");
     EXPECT_THAT(machine_.seat.boxes, IsEmpty());
 }
@@ -311,7 +316,7 @@ TEST_F(AdapterRegistry, EmptyAddressValuesAreIgnored) {
 TEST_F(AdapterRegistry, AddressLengthsCountCharactersAndNotTheBytesOfUtf8) {
     machine_.AddAdapter(
         "{A}", "eth0", "0001",
-        {{"NetworkAddress", "\u00E4\u00E4345678"}, {"OriginalNetworkAddress", "\u00E4\u00E4345678"}});
+        {{"NetworkAddress", "\u00E4\u00E434567890"}, {"OriginalNetworkAddress", "\u00E4\u00E434567890"}});
     machine_.AddAdapter("{B}", "eth1", "0002", {{"NetworkAddress", "0\u00E43456789012"}});
     ReadAdapterRegistry();
     EXPECT_EQ(Nics[0].NetworkAddress, "");

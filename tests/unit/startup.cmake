@@ -1,5 +1,6 @@
 corvane_test(NAME startup_test
     SOURCES
+        unit/ActionOutcomesTest.cpp
         unit/ActionsTest.cpp
         unit/AdviceTest.cpp
         unit/CommandLineTest.cpp

@@ -5,7 +5,10 @@ corvane_test(NAME store_test
         unit/RegistryStoreTest.cpp
         unit/RegistryStoreFilesTest.cpp
         unit/RegistryStoreProcessesTest.cpp
+        unit/RegistryStoreRightsTest.cpp
     LIBS corvane_store)
 corvane_test(NAME registry_tool_test
-    SOURCES unit/RegistryToolTest.cpp
+    SOURCES
+        unit/RegistryToolFilesTest.cpp
+        unit/RegistryToolTest.cpp
     LIBS corvane_registry_tool)
