@@ -21,9 +21,10 @@ std::vector<std::string> ListEntries(const std::string& text) {
     return text.empty() ? std::vector<std::string>() : Split(text, ',');
 }
 
-/// The two lists of "a,b:c,d". The second gets the first's length, and `missing` for each entry it lacks, unless the
-/// first has no entry.
-void ParseListPair(const std::string& value, const std::string& missing, PresetList& first, PresetList& second) {
+/// The two lists of "a,b:c,d". The second gets the first's length, and `missing` for each entry it lacks,
+/// unless the first has no entry.
+void ParseListPair(const std::string& value, const std::string& missing, PresetList& first,
+                   PresetList& second) {
     std::vector<std::string> parts = Split(Without(value, ' '), ':');
     parts.resize(2);
     first = PresetList(ListEntries(parts[0]));

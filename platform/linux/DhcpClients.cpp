@@ -131,6 +131,7 @@ DhcpClientPlan PlanDhclient(const DhcpClient& client, const std::string& linkNam
                                              "-e",  HookSetting(), linkName};
     plan.run = Concat(Concat(client.command, {"-d", "-q"}), common);
     plan.release = Concat(Concat(client.command, {"-r", "-q"}), common);
+    plan.leaseFile = leases;
     plan.files = {plan.configurationPath, leases, leases + "~"};
     return plan;
 }

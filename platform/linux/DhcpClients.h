@@ -36,6 +36,9 @@ struct DhcpClientPlan {
     std::vector<std::string> release;
     std::string configurationPath;  ///< Empty, or a file to be made with the next text before `run`.
     std::string configurationText;
+    /// Empty, or the file that must hold the lease before the client may be ended: it is what `run` and
+    /// `release` go by.
+    std::string leaseFile;
     std::vector<std::string> files;  ///< What there may be to remove at the end.
 };
 

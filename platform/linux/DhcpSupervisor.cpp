@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <ctime>
+#include <thread>
 #include <utility>
 
 #include <poll.h>
@@ -201,6 +203,17 @@ void DhcpSupervisor::ReplaceClient() {
     if (task_ == Task::kReleasing) FinishRelease();
 }
 
+/// dhclient writes its lease down when the hook that reported it has ended. Half a second is the limit.
+void DhcpSupervisor::AwaitLeaseFile() const {
+    if (!lease_ || plan_.leaseFile.empty()) return;
+    const std::string line = "fixed-address " + DottedQuad(lease_->address.data()) + ";";
+    for (int turn = 0; turn < 250; ++turn) {
+        std::string text;
+        if (!ReadFileContents(plan_.leaseFile, text) && text.find(line) != std::string::npos) return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
 void DhcpSupervisor::TakeReports() {
     HookReport report;
     while (client_.TakeReport(report)) client_.Answer(report, Heard(report));
@@ -336,6 +349,7 @@ void DhcpSupervisor::BeginRenewal() {
     if (!client_.Running()) {
         startAt_ = Now();
     } else if (clientReady_) {
+        AwaitLeaseFile();
         client_.Signal(plan_.renewSignal != 0 ? plan_.renewSignal : SIGTERM);
     }
     // A client that has just been started is asking already.
@@ -357,6 +371,7 @@ void DhcpSupervisor::BeginRelease() {
     } else if (clientReady_ && plan_.releaseSignal != 0) {
         client_.Signal(plan_.releaseSignal);
     } else {
+        AwaitLeaseFile();
         client_.Signal(SIGTERM);
     }
 }

@@ -63,6 +63,7 @@ class DhcpSupervisor {
     void RunClient(const std::vector<std::string>& arguments);
     void ClientEnded(const std::string& words);
     void ReplaceClient();
+    void AwaitLeaseFile() const;
 
     void TakeReports();
     bool Heard(const HookReport& report);

@@ -170,9 +170,9 @@ class BadCommandLines(World):
         self.assert_refused("gr\u00f6\u00dfe", "-n", "eth0", "-gr\u00f6\u00dfe", "-di")
 
     def test_bytes_that_are_no_text(self):
-        result = self.finish(self.start("nicx", "-n", b"eth0\xff\xfe", "-di", text=False))
+        result = self.finish(self.start("nicx", "-n", b"eth0\xff\xfe", "-di"))
         self.assertEqual(result.code, 3)
-        self.assertIn(b"was not found", result.err)
+        self.assertIn("was not found", result.err)
         self.assert_untouched()
 
     def test_without_a_connection_nothing_happens(self):

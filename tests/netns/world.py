@@ -243,7 +243,7 @@ class World(unittest.TestCase):
     def start(self, program, *arguments, user=None, environment=None, **options):
         """Starts a program with its output in pipes."""
         identity = {"user": user, "group": user, "extra_groups": []} if user is not None else {}
-        settings = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "text": True}
+        settings = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE}
         return subprocess.Popen([str(self.programs / program), *arguments], cwd="/",
                                 env={**os.environ, **(environment or {})}, **{**settings, **identity, **options})
 
@@ -254,7 +254,7 @@ class World(unittest.TestCase):
             process.kill()
             out, err = process.communicate()
             self.fail(f"{process.args} did not end within {seconds} seconds:\n{out}\n{err}")
-        return Result(process.returncode, out, err)
+        return Result(process.returncode, *((text or b"").decode("utf-8", "surrogateescape") for text in (out, err)))
 
     def run_program(self, program, *arguments, **options):
         return self.finish(self.start(program, *arguments, **options))

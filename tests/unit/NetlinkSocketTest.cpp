@@ -182,21 +182,23 @@ TEST(NetlinkRequest, TakesAReadyPayloadAsItIs) {
     EXPECT_EQ(Bytes(message.begin(), message.end()), Message(RTM_NEWROUTE, NLM_F_REQUEST, 1, payload));
 }
 
-TEST(NetlinkWithoutASocket, EveryCallGivesTheReason) {
-    // No descriptor left for the socket.
+TEST(NetlinkSocketWithoutADescriptor, EveryCallGivesTheReason) {
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
     rlimit none = before;
     none.rlim_cur = 0;
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    Netlink netlink;
+    NetlinkSocket socket;
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
-    std::vector<KernelLink> links(1);
-    EXPECT_EQ(netlink.DumpLinks(links).errnoValue, EMFILE);
-    EXPECT_TRUE(links.empty());
-    EXPECT_EQ(netlink.SetLinkUp(1, true).errnoValue, EMFILE);
-    KernelLink link;
-    EXPECT_EQ(netlink.GetLink(1, link).errnoValue, EMFILE);
+    const auto take = [](std::uint16_t, ByteSpan) { ADD_FAILURE() << "a message from nowhere"; };
+    NetlinkRequest request(RTM_GETLINK, 0, ifinfomsg{});
+    EXPECT_EQ(socket
+                  .Dump(
+                      request, [] {}, take)
+                  .errnoValue,
+              EMFILE);
+    EXPECT_EQ(socket.Execute(request).errnoValue, EMFILE);
+    EXPECT_EQ(socket.Query(request, take).errnoValue, EMFILE);
 }
 
 }  // namespace

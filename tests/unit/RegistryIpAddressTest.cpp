@@ -206,11 +206,16 @@ TEST_F(RegistryIpAddressTest, RemoveTakesAMissingMaskForEmpty) {
     ExpectWritten(List({"10.0.0.2"}), List({""}));
 }
 
-TEST_F(RegistryIpAddressTest, RemoveChecksTheTwoTextsSeparatelyForThePlaceholder) {
-    Store(List({"10.0.0.1", "10.0.0.2"}) + kNul, kNul);
+TEST_F(RegistryIpAddressTest, RemoveFallsBackForTheAddressesAloneWhenAMaskIsLeft) {
+    Store(List({"10.0.0.1"}), List({"255.0.0.0", "255.255.0.0"}));
     RemoveRegistryIPAddress(1, "10.0.0.1");
-    EXPECT_EQ(machine.registry->writes.at(0).value, MultiSz(List({"10.0.0.2"}) + kNul));
-    EXPECT_EQ(machine.registry->writes.at(1).value, MultiSz(kNul + kNul + kNul));
+    ExpectWritten("0.0.0.0" + kNul + kNul, "255.255.0.0" + kNul);
+}
+
+TEST_F(RegistryIpAddressTest, RemoveFallsBackForTheMasksAloneWhenAnAddressIsLeft) {
+    Store("10.0.0.1" + kNul + "10.0.0.2" + kNul, List({"255.0.0.0"}));
+    RemoveRegistryIPAddress(1, "10.0.0.1");
+    ExpectWritten("10.0.0.2" + kNul, "0.0.0.0" + kNul + kNul);
 }
 
 TEST_F(RegistryIpAddressTest, RemoveFromAnEmptyListWritesThePlaceholder) {

@@ -140,6 +140,16 @@ TEST_F(RestartConnectionTest, ShellFailureAtTheThirdEnableIsReportedAsFailed) {
     EXPECT_EQ(machine.clock->sleeps.size(), 3U);
 }
 
+TEST_F(RestartConnectionTest, DialogAtTheDisableStepRestartsByItselfAndTheCallerIsToldOfAFailure) {
+    machine.shell->panel[0].name = "Verbindungen";
+    machine.seat.folderChoice = 0;
+    EXPECT_FALSE(RestartConnection("Office", true, false));
+    EXPECT_THAT(diary, ElementsAre("pick Browse Network Folder", "row 1 ", "row 2 ", "row 3 Disabling ...",
+                                   "row 4  ", "events", "verb Disa&ble", "sleep 5000",
+                                   "row 3 Enabling (Attempt 1) ...", "events", "verb En&able", "events",
+                                   "sleep 5000", "box Network Connection Restarted", "refresh"));
+}
+
 TEST_F(RestartConnectionTest, DialogAtTheEnableStepEnablesAndDoesNotRestartAnew) {
     machine.shell->onVerb = [this](FakeShell::Connection& connection, const std::string& verb) {
         diary.push_back("verb " + verb);

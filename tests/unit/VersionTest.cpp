@@ -1,3 +1,5 @@
+#include <ostream>
+
 #include <gtest/gtest.h>
 
 #include "startup/Version.h"
@@ -57,6 +59,8 @@ struct Naming {
     std::string description;
     bool unsupported;
 };
+
+void PrintTo(const Naming& naming, std::ostream* out) { *out << naming.description; }
 
 class VersionNameTest : public testing::TestWithParam<Naming> {};
 

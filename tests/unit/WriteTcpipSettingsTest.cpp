@@ -154,6 +154,10 @@ struct FailureCase {
     std::vector<std::string> tried;  ///< Names up to the failing one.
 };
 
+void PrintTo(const FailureCase& failure, std::ostream* out) {
+    *out << failure.flags << " " << failure.valueName;
+}
+
 class WriteTcpipFailureTest : public WriteTcpipSettingsTest,
                               public testing::WithParamInterface<FailureCase> {};
 
