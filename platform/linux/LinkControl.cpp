@@ -1,10 +1,12 @@
 #include "platform/linux/LinkControl.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -283,7 +285,25 @@ class Operation {
         for (const KernelAddress& address : setup.addresses) {
             if (Contains(present, address)) announced.push_back(address.address);
         }
+        if (announced.empty()) return;
+        if (!now.Running()) AwaitCarrier();
         AnnounceAddresses(link_.index, now.address, announced);
+    }
+
+    /// A cable's ends need a moment to agree before the first frame gets through. A link without one is not waited for any
+    /// longer than that.
+    void AwaitCarrier() {
+        using Clock = std::chrono::steady_clock;
+        static constexpr std::chrono::milliseconds kLongest(3000);
+        LinkMonitor monitor;
+        const Clock::time_point end = Clock::now() + kLongest;
+        KernelLink now;
+        while (machine_.Kernel().GetLink(link_.index, now).Ok() && !now.Running()) {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+            pollfd wait{monitor.Descriptor(), POLLIN, 0};
+            if (left.count() <= 0 || poll(&wait, 1, static_cast<int>(left.count())) <= 0) return;
+            static_cast<void>(monitor.TakeChanges());
+        }
     }
 
     static constexpr char kNotKept[] = "what it would lose could not be kept in the registry: ";

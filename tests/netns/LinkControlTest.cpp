@@ -1,12 +1,20 @@
 #include "platform/linux/LinkControl.h"
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <linux/if_ether.h>
+#include <linux/if_packet.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "netns/NetnsSupport.h"
 #include "platform/Address.h"
@@ -187,6 +195,44 @@ TEST_F(LinkControlTest, AMultiStringWithoutTerminatorsIsUnderstood) {
     ASSERT_TRUE(Disable()) << failure_;
     ASSERT_TRUE(Enable()) << failure_;
     EXPECT_EQ(IpJson("-4 address show dev " + link_.Name())[0]["addr_info"][0]["local"], "10.91.0.9");
+}
+
+/// The next ARP packet that arrives at a link, at most five seconds later; empty when none does.
+std::vector<std::uint8_t> NextArp(int descriptor) {
+    pollfd wait{descriptor, POLLIN, 0};
+    std::vector<std::uint8_t> packet(64);
+    if (poll(&wait, 1, 5000) <= 0) return {};
+    const ssize_t size = recv(descriptor, packet.data(), packet.size(), 0);
+    packet.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
+    return packet;
+}
+
+TEST_F(LinkControlTest, NeighboursAreToldTheNewAddressByAnArpAnnouncement) {
+    SetOverride(kWanted);
+    ASSERT_TRUE(Disable()) << failure_;
+    const int descriptor = socket(AF_PACKET, SOCK_DGRAM | SOCK_CLOEXEC, htons(ETH_P_ARP));
+    ASSERT_GE(descriptor, 0);
+    sockaddr_ll at{};
+    at.sll_family = AF_PACKET;
+    at.sll_protocol = htons(ETH_P_ARP);
+    at.sll_ifindex = static_cast<int>(link_.PeerIndex());
+    ASSERT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
+    ASSERT_TRUE(Enable()) << failure_;
+    const std::vector<std::uint8_t> packet = NextArp(descriptor);
+    close(descriptor);
+    ASSERT_GE(packet.size(), 28U);
+    const std::vector<std::uint8_t> sender(packet.begin() + 8, packet.begin() + 18);
+    const std::vector<std::uint8_t> target(packet.begin() + 24, packet.begin() + 28);
+    EXPECT_EQ(sender, (std::vector<std::uint8_t>{0x00, 0x0c, 0x29, 0x4f, 0x8e, 0x35, 10, 91, 0, 5}));
+    EXPECT_EQ(target, (std::vector<std::uint8_t>{10, 91, 0, 5}));
+}
+
+TEST_F(LinkControlTest, ALinkWithoutCarrierIsEnabledAllTheSame) {
+    ASSERT_TRUE(Disable()) << failure_;
+    Ip("link set " + link_.Peer() + " down");
+    ASSERT_TRUE(Enable()) << failure_;
+    EXPECT_TRUE(Up());
+    EXPECT_EQ(AddressCount(), 1U);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 """DHCP on real links with a real server at the far end: leases, release, renewal, and the way back to a static set-up."""
 
 import os
+import pathlib
 import signal
 import time
 
@@ -31,6 +32,14 @@ class Dhcp(World):
         result = self.nicx("-n", name, "-h", "-di", "-re")
         self.assertEqual(result.err, "")
         return self.await_lease(name)
+
+    def kill_supervisor(self):
+        """Kills the process that started the DHCP client."""
+        [client] = [pid for pid, command in self._processes(["/proc/self/ns/net"]) if " udhcpc " in command]
+        [parent] = [line.split()[1] for line in pathlib.Path(f"/proc/{client}/status").read_text().splitlines()
+                    if line.startswith("PPid:")]
+        self.assertIn("/nicx-dhcp\0", pathlib.Path(f"/proc/{parent}/cmdline").read_text())
+        os.kill(int(parent), signal.SIGKILL)
 
     def assert_no_client(self):
         wait_for(lambda: not self.processes(), f"no process is left, now {self.processes()}")
@@ -199,8 +208,7 @@ class Dhcp(World):
         self.veth("eth0", mac=OWN)
         server = self.serve("eth0")
         address = self.take_lease()
-        [supervisor] = [pid for pid, command in self._processes(["/proc/self/ns/net"]) if "/nicx-dhcp --" in command]
-        os.kill(supervisor, signal.SIGKILL)
+        self.kill_supervisor()
         self.assert_no_client()
         self.nicx("-n", "eth0", "-rn")
         self.assertEqual(self.await_lease("eth0"), address)
@@ -210,8 +218,7 @@ class Dhcp(World):
         self.veth("eth0", mac=OWN)
         self.serve("eth0")
         self.take_lease()
-        [supervisor] = [pid for pid, command in self._processes(["/proc/self/ns/net"]) if "/nicx-dhcp --" in command]
-        os.kill(supervisor, signal.SIGKILL)
+        self.kill_supervisor()
         self.assert_no_client()
         self.nicx("-n", "eth0", "-i", "10.77.0.5:255.255.255.0", "-re")
         self.assert_no_client()
