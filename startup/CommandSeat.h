@@ -10,11 +10,11 @@ class CommandSeat : public Seat {
    public:
     CommandSeat(Seat& inner, bool silent) : inner_(inner), silent_(silent) {}
 
-    /// True once a box with the critical icon was due, shown or not.
+    /// True once a box that tells of a failure or a refusal (critical or exclamation icon) was due, shown or not.
     [[nodiscard]] bool SawFailure() const { return sawFailure_; }
 
     BoxAnswer ShowBox(const std::string& title, const std::string& text, BoxIcon icon, BoxButtons buttons) override {
-        if (icon == BoxIcon::kCritical) sawFailure_ = true;
+        if (icon == BoxIcon::kCritical || icon == BoxIcon::kExclamation) sawFailure_ = true;
         if (silent_) return buttons == BoxButtons::kOk ? BoxAnswer::kOk : BoxAnswer::kNo;
         return inner_.ShowBox(title, text, icon, buttons);
     }

@@ -31,6 +31,10 @@ int Database::Open(const std::string& path, Mode mode, int busyTimeoutMs) {
     return result;
 }
 
+void Database::SetBusyTimeout(int busyTimeoutMs) {
+    if (handle_ != nullptr) static_cast<void>(sqlite3_busy_timeout(handle_, busyTimeoutMs));
+}
+
 void Database::Close() {
     // The v2 form keeps a connection that still has statements until the last of them goes.
     sqlite3_close_v2(handle_);

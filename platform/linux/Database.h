@@ -36,6 +36,9 @@ class Database {
     int Open(const std::string& path, Mode mode, int busyTimeoutMs);
     void Close();
 
+    /// Changes that wait; nothing when no database is open.
+    void SetBusyTimeout(int busyTimeoutMs);
+
     [[nodiscard]] bool IsOpen() const { return handle_ != nullptr; }
     [[nodiscard]] bool ReadOnly() const;
     [[nodiscard]] bool InTransaction() const;

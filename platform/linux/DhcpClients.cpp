@@ -87,7 +87,9 @@ std::vector<std::string> Concat(std::vector<std::string> head, const std::vector
 std::string HookSetting() { return std::string(kHookVariable) + "=" + std::to_string(kHookDescriptor); }
 
 /// Four requests two seconds apart, then a pause of three seconds, again and again. Option 121 is sent only
-/// on request.
+/// on request. A renewal that the server answers before udhcpc has closed its sending socket, as one on the
+/// same machine may, is lost, and asked for again by broadcast two seconds later (busybox,
+/// networking/udhcp/packet.c).
 DhcpClientPlan PlanUdhcpc(const DhcpClient& client, const std::string& linkName,
                           const std::string& hookPath) {
     DhcpClientPlan plan;

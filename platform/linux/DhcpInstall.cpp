@@ -15,6 +15,7 @@
 #include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
 #include "platform/Text.h"
+#include "platform/linux/Announce.h"
 #include "platform/linux/Dns.h"
 #include "platform/linux/Errors.h"
 #include "platform/linux/RegistryStore.h"
@@ -98,6 +99,12 @@ void LeaseInstaller::Adopt() {
     });
 }
 
+/// The link may have got another hardware address since its neighbours saw this one.
+void LeaseInstaller::Announce() {
+    KernelLink link;
+    if (netlink_.GetLink(linkIndex_, link).Ok()) AnnounceAddresses(linkIndex_, link.address, {address_.address});
+}
+
 bool LeaseInstaller::PutOnLink(const Lease& lease, std::uint32_t seconds) {
     KernelAddress address;
     address.index = linkIndex_;
@@ -105,7 +112,8 @@ bool LeaseInstaller::PutOnLink(const Lease& lease, std::uint32_t seconds) {
     address.prefix = lease.prefix;
     address.validSeconds = seconds == kInfiniteLease ? kForever : seconds;
     address.preferredSeconds = address.validSeconds;
-    if (hasAddress_ && !SamePlace(address_, address)) TakeFromLink();
+    const bool isNew = !hasAddress_ || !SamePlace(address_, address);
+    if (hasAddress_ && isNew) TakeFromLink();
     if (const KernelAnswer answer = netlink_.AddAddress(address, true); !answer.Ok()) {
         say_("address " + Text(address) + ": " + answer.Words());
         TakeFromLink();
@@ -113,6 +121,7 @@ bool LeaseInstaller::PutOnLink(const Lease& lease, std::uint32_t seconds) {
     }
     address_ = address;
     hasAddress_ = true;
+    if (isNew) Announce();
 
     const std::vector<KernelRoute> wanted = RoutesOf(lease);
     for (const KernelRoute& route : routes_) {

@@ -47,6 +47,9 @@ class LeaseInstaller {
     [[nodiscard]] bool HasAddress() const { return hasAddress_; }
 
  private:
+    /// Tells the neighbours (ARP) which hardware address the leased address has now.
+    void Announce();
+
     void Write(const std::vector<NamedValue>& values, bool makeKey);
     void RemoveAddress(const KernelAddress& address);
     [[nodiscard]] std::vector<KernelRoute> RoutesOf(const Lease& lease) const;

@@ -100,11 +100,16 @@ std::string Block(const std::vector<std::string>& servers) {
 
 /// Writes over the contents of an existing file: shorter contents are cut last, so that what is read
 /// meanwhile begins with whole lines of the new ones.
-std::error_code WriteInPlace(const std::string& path, std::string_view contents) {
+/// One write and, for a file that gets shorter, a cut. The write covers the whole old contents, with empty lines at its
+/// end, so that a program killed in between leaves no line of them.
+std::error_code WriteInPlace(const std::string& path, std::string contents) {
     const auto lastError = [] { return std::error_code(errno, std::generic_category()); };
     const Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW));
     if (!file.IsOpen()) return lastError();
     const auto size = static_cast<off_t>(contents.size());
+    struct stat status {};
+    if (fstat(file.Get(), &status) != 0) return lastError();
+    if (status.st_size > size) contents.resize(static_cast<std::size_t>(status.st_size), '\n');
     for (std::size_t done = 0; done < contents.size();) {
         const ssize_t count =
             pwrite(file.Get(), contents.data() + done, contents.size() - done, static_cast<off_t>(done));

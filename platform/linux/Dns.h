@@ -18,10 +18,11 @@ std::vector<std::string> MergedDnsServers(RegistryStore& store, Netlink& netlink
 /// Makes `path` say `servers` first: one marked block of the program's own lines at its start, everything
 /// else as it was, byte for byte; no servers, no block. A block that is there is replaced. The file as it is
 /// whenever a block comes into it anew is kept at `copyPath`. Written beside and renamed; in place where the
-/// file is a mount point or its folder is read-only. A symbolic link and a file that cannot be written are
-/// left alone: false with the reason and the remedy in `failure`. A missing file is made when there are
-/// servers. Nothing is written when nothing changes. Programs that do this at once wait for each other (lock
-/// file `copyPath` + ".lock", at most five seconds).
+/// file is a mount point or its folder is read-only, which is not one step for those who read it or for a
+/// crash. A symbolic link and a file that cannot be written are left alone: false with the reason and the
+/// remedy in `failure`. A missing file is made when there are servers. Nothing is written when nothing
+/// changes. Programs that do this at once wait for each other (lock file `copyPath` + ".lock", at most five
+/// seconds).
 bool UpdateResolvConf(const std::string& path, const std::string& copyPath,
                       const std::vector<std::string>& servers, std::string& failure);
 

@@ -18,6 +18,7 @@
 #include "platform/linux/DhcpControl.h"
 #include "platform/linux/Dns.h"
 #include "platform/linux/Errors.h"
+#include "platform/linux/OriginalNote.h"
 #include "platform/linux/TcpipKey.h"
 
 namespace corvane {
@@ -183,6 +184,9 @@ class Operation {
 
     bool SetAddress() {
         wanted_ = WantedAddress();
+        if (overrides_ && row_.permanent.empty() && !row_.original.empty()) {
+            NoteOriginal(row_.incarnation, row_.original);
+        }
         if (!wanted_ || *wanted_ == link_.address) return true;
         const KernelAnswer answer = machine_.Kernel().SetLinkAddress(link_.index, *wanted_);
         if (answer.Ok()) return true;
@@ -255,6 +259,7 @@ class Operation {
     void ReleaseHold() {
         row_.held = false;
         row_.applied = overrides_ ? MacDigits(*wanted_) : std::string();
+        if (!overrides_ && wanted_) ForgetOriginal(row_.incarnation);
         const Win32Error code = machine_.Store().Transact([&](RegistryStore::Editor& editor) {
             const Win32Error forgotten = editor.SaveHeld(row_.id, {});
             return Ok(forgotten) ? editor.SaveLink(row_) : forgotten;

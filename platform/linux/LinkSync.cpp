@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <map>
+#include <optional>
 #include <set>
 #include <unordered_map>
 
@@ -16,6 +17,7 @@
 #include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
 #include "platform/Text.h"
+#include "platform/linux/OriginalNote.h"
 
 namespace corvane {
 
@@ -164,9 +166,22 @@ class Step {
         std::snprintf(number, sizeof number, "%04d", nextDriverKey_++);
         row.driverKey = number;
         NewIncarnation(link, row);
+        if (row.permanent.empty()) {
+            const std::string noted = NotedOriginal(row.incarnation);
+            if (!noted.empty()) row.original = noted;
+        }
         Describe(link, row);
+        SaveDifferingOriginal(link, row);
         Refresh(link, row, true);
         Note(editor_.SaveLink(row));
+    }
+
+    /// The program takes the address that it finds for the manufacturer's: here it is known better.
+    void SaveDifferingOriginal(const KernelLink& link, const LinkRow& row) {
+        const std::optional<MacBytes> original = ParseMacDigits(row.original);
+        if (!original || *original == link.address) return;
+        Note(editor_.SetFromKernel(DriverKeyPath(row.driverKey), "OriginalNetworkAddress",
+                                   TextValue(MacText(*original))));
     }
 
     void Meet(const KernelLink& link, LinkRow& row) {

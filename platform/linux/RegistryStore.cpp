@@ -93,6 +93,7 @@ struct RegistryStore::Impl {
             if (root != kHkeyLocalMachine) return Win32Error::kInvalidHandle;
             Win32Error code = Ready();
             if (Ok(code)) code = operation();
+            ChangePatience(code);
             if (code == Win32Error::kRegistryCorrupt || code == Win32Error::kBadDatabase) return Break();
             return code;
         } catch (const std::bad_alloc&) {
@@ -101,6 +102,17 @@ struct RegistryStore::Impl {
             return Win32Error::kGenFailure;
         }
     }
+
+    /// A program that has waited in vain for a locked file does not wait again, operation for operation, until it got
+    /// through once.
+    void ChangePatience(Win32Error code) {
+        const bool waited = code == Win32Error::kCantRead || code == Win32Error::kCantWrite;
+        if (waited != patient) return;
+        patient = !waited;
+        file.database.SetBusyTimeout(Patience());
+    }
+
+    [[nodiscard]] int Patience() const { return patient ? busyTimeoutMs : 0; }
 
     /// As Run, for writes to the file.
     template <class Operation>
@@ -198,14 +210,14 @@ struct RegistryStore::Impl {
     }
 
     Win32Error OpenFile() {
-        int result = file.database.Open(path, Database::Mode::kReadWrite, busyTimeoutMs);
+        int result = file.database.Open(path, Database::Mode::kReadWrite, Patience());
         if (result != kSqliteOk) {
             const int unseen = AccessFailure(path, F_OK);
             if (unseen == ENOENT) {
                 const int unmade = MakeFile(path);
                 if (Denied(unmade)) return UseNoFile();
                 if (unmade != 0) return Win32Error::kCantOpen;
-                result = file.database.Open(path, Database::Mode::kReadWrite, busyTimeoutMs);
+                result = file.database.Open(path, Database::Mode::kReadWrite, Patience());
             }
         }
         if (result != kSqliteOk) {
@@ -268,6 +280,7 @@ struct RegistryStore::Impl {
     State state = State::kClosed;
     Win32Error brokenCode = Win32Error::kSuccess;
     bool readOnly = true;
+    bool patient = true;  ///< See ChangePatience.
     bool writesSafely = false;
     bool readingRun = false;       ///< Between BeginReading and EndReading.
     bool readTransaction = false;  ///< The run's transaction is open.
@@ -283,10 +296,7 @@ std::string RegistryStore::DefaultPath() {
 }
 
 RegistryStore::RegistryStore(std::string path, int busyTimeoutMs)
-    : impl_(std::make_unique<Impl>(std::move(path), busyTimeoutMs)) {
-    // A failure comes back from the first operation, which tries again.
-    (void)impl_->Run(kHkeyLocalMachine, [] { return Win32Error::kSuccess; });
-}
+    : impl_(std::make_unique<Impl>(std::move(path), busyTimeoutMs)) {}
 
 RegistryStore::~RegistryStore() = default;
 

@@ -84,7 +84,7 @@ TEST_P(DhcpClients, GoesOnAskingUntilThereIsAServer) {
     StartWith(network_, GetParam());
     EXPECT_EQ(RenewDhcp(network_.Index()), Win32Error::kSemTimeout);
     network_.StartServer();
-    EXPECT_TRUE(WaitForAddress(kLink, 40000)) << network_.ServerLog();
+    EXPECT_TRUE(WaitForAddress(kLink, 80000)) << network_.ServerLog();
     Stop(network_);
 }
 

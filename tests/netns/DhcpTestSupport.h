@@ -92,7 +92,8 @@ class DhcpFixture : public ::testing::Test {
     static std::string Address(const std::string& link);
     static bool WaitForAddress(const std::string& link, int milliseconds = 10000);
     static bool WaitForNoAddress(const std::string& link, int milliseconds = 10000);
-    /// "DESTINATION GATEWAY METRIC PROTOCOL" of the link's routes that the kernel did not make itself.
+    /// "DESTINATION GATEWAY METRIC PROTOCOL" (`ip` leaves protocol "boot" out) of the link's routes that the
+    /// kernel did not make itself.
     static std::vector<std::string> Routes(const std::string& link);
 
     /// A text value of the link's TCP/IP key, "|" for NUL.

@@ -10,6 +10,7 @@
 #include "platform/Address.h"
 #include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
+#include "platform/linux/OriginalNote.h"
 
 namespace corvane {
 namespace {
@@ -225,6 +226,24 @@ TEST_F(LinkSync, ANewLinkThatShowsTheOverrideKeepsTheFormerOriginal) {
     picture_.links = {Link(7, "veth0", kOtherMac)};
     Sync();
     EXPECT_EQ(Row("veth0").original, MacDigits(kMac));
+}
+
+TEST_F(LinkSync, ALostStoreDoesNotMakeTheProgramsAddressTheOriginal) {
+    picture_.incarnationBase = "boot:" + folder_.substr(5);
+    picture_.links = {Link(3, "veth0", kOtherMac)};
+    NoteOriginal(picture_.incarnationBase + ":3", MacDigits(kMac));
+    Sync();
+    EXPECT_EQ(Row("veth0").original, MacDigits(kMac));
+    EXPECT_EQ(Bytes(DriverKeyPath(Row("veth0").driverKey), "OriginalNetworkAddress"), MacText(kMac) + '\0');
+    ForgetOriginal(picture_.incarnationBase + ":3");
+    EXPECT_EQ(NotedOriginal(picture_.incarnationBase + ":3"), "");
+}
+
+TEST_F(LinkSync, ACardThatShowsAnotherAddressAtFirstSightHasItsPermanentOneSaved) {
+    picture_.links = {Link(3, "eth0", kOtherMac)};
+    picture_.links[0].permanent = kPermanent;
+    Sync();
+    EXPECT_EQ(Bytes(DriverKeyPath(Row("eth0").driverKey), "OriginalNetworkAddress"), MacText(kPermanent) + '\0');
 }
 
 TEST_F(LinkSync, TheGuidIsTheSameForAnotherStore) {

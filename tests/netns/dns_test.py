@@ -1,6 +1,7 @@
 """DNS servers of the connections in the resolver's file, and the file given back as it was."""
 
 import pathlib
+import subprocess
 
 from world import REG_SZ, RESOLV_CONF, World, ip
 
@@ -74,7 +75,38 @@ class Dns(World):
 
     def test_a_restart_without_servers_does_not_touch_the_file(self):
         self.veth("eth0", "10.1.0.2/24")
-        before = pathlib.Path("/run/sandbox/resolv.conf").stat().st_mtime_ns
+        before = RESOLV_CONF.stat().st_mtime_ns
         self.restart("eth0")
         self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
-        self.assertEqual(pathlib.Path("/run/sandbox/resolv.conf").stat().st_mtime_ns, before)
+        self.assertEqual(RESOLV_CONF.stat().st_mtime_ns, before)
+
+    def test_a_file_that_is_a_mount_point_is_written_in_place(self):
+        self.veth("eth0", "10.1.0.2/24")
+        bound = pathlib.Path("/run/bound.conf")
+        bound.write_bytes(BEFORE)
+        subprocess.run(["mount", "--bind", str(bound), str(RESOLV_CONF)], check=True)
+        self.restart("eth0", "-d", "10.1.0.53")
+        self.assertEqual(bound.read_text(), f"{BEGIN}\nnameserver 10.1.0.53\n{END}\n" + BEFORE.decode())
+        self.nicx("-n", "eth0", "-di")
+        self.assertEqual(bound.read_bytes(), BEFORE)
+
+    def test_a_link_to_another_programs_file_is_left_alone_in_words(self):
+        self.veth("eth0", "10.1.0.2/24", mac="02:00:00:00:10:01")
+        other = pathlib.Path("/run/resolver/resolv.conf")
+        other.parent.mkdir()
+        other.write_bytes(BEFORE)
+        RESOLV_CONF.unlink()
+        RESOLV_CONF.symlink_to(other)
+        result = self.restart("eth0", "-d", "10.1.0.53", code=1)
+        self.assertIn("it is a symbolic link to /run/resolver/resolv.conf, which another program keeps", result.err)
+        self.assertTrue(RESOLV_CONF.is_symlink())
+        self.assertEqual(other.read_bytes(), BEFORE)
+        self.assert_up("eth0", "02:00:00:00:10:01", ["10.1.0.2/24"])
+
+    def test_a_missing_file_is_made_and_nothing_else_is_left_in_its_folder(self):
+        self.veth("eth0", "10.1.0.2/24")
+        RESOLV_CONF.unlink()
+        before = sorted(entry.name for entry in RESOLV_CONF.parent.iterdir())
+        self.restart("eth0", "-d", "10.1.0.53")
+        self.assertEqual(self.name_servers(), ["10.1.0.53"])
+        self.assertEqual(sorted(entry.name for entry in RESOLV_CONF.parent.iterdir()), sorted([*before, "resolv.conf"]))

@@ -16,8 +16,8 @@ SYSCALL_STOP = signal.SIGTRAP | 0x80
 INFO_SIZE, INFO_ENTRY = 88, 1
 
 # System calls by number (asm/unistd.h): those that sleep, with the position of the argument that points to the duration,
-# and those that change anything outside of the program: openat (when it may make a file), write, pwrite64, sendto, sendmsg, fsync, fdatasync,
-# ftruncate, rename, renameat, renameat2, mkdir, mkdirat, unlink, unlinkat.
+# and those that change anything outside of the program: openat (when it may make a file), write, pwrite64, sendto,
+# sendmsg, fsync, fdatasync, ftruncate, rename, renameat, renameat2, mkdir, mkdirat, unlink, unlinkat.
 if os.uname().machine == "x86_64":
     SLEEPS, OPEN = {35: 0, 230: 2}, 257
     CHANGES = {1, 18, 44, 46, 74, 75, 77, 82, 264, 316, 83, 258, 87, 263}
@@ -58,9 +58,10 @@ def changes_anything(call):
     return number in CHANGES or (number == OPEN and arguments[2] & os.O_CREAT)
 
 
-def run_until(arguments, limit=None):
-    """Runs a program, silent, until it begins a wait of a second or more, or is about to make its `limit`-th call that
-    changes anything, and kills it there. Its number of such calls so far, and whether the limit was what ended it."""
+def run_until(arguments, moment=None):
+    """Runs a program, silent, until it begins a wait of a second or more, or is about to make the call `moment`, and kills
+    it there. A moment is a call that changes anything: its number and how many calls of that number there were, with it.
+    Gives the moments that were reached."""
     pid = os.fork()
     if pid == 0:
         try:
@@ -73,13 +74,14 @@ def run_until(arguments, limit=None):
             os._exit(127)
     os.waitpid(pid, 0)
     trace(SETOPTIONS, pid, None, OPTION_SYSGOOD | OPTION_EXITKILL)
-    changes = 0
+    moments = []
+    counts = {}
     passed_on = 0
     while True:
         trace(SYSCALL, pid, None, passed_on)
         _, status = os.waitpid(pid, 0)
         if not os.WIFSTOPPED(status):
-            return changes, False
+            return moments
         passed_on = 0
         if os.WSTOPSIG(status) != SYSCALL_STOP:
             passed_on = os.WSTOPSIG(status) if os.WSTOPSIG(status) != signal.SIGTRAP else 0
@@ -87,9 +89,10 @@ def run_until(arguments, limit=None):
         call = entered_call(pid)
         if call is None:
             continue
-        waits = begins_long_wait(pid, call)
-        changes += 1 if changes_anything(call) else 0
-        if waits or changes == limit:
+        if changes_anything(call):
+            counts[call[0]] = counts.get(call[0], 0) + 1
+            moments.append((call[0], counts[call[0]]))
+        if begins_long_wait(pid, call) or (moment and moments[-1:] == [moment]):
             os.kill(pid, signal.SIGKILL)
             os.waitpid(pid, 0)
-            return changes, not waits
+            return moments

@@ -264,33 +264,42 @@ class Killed(World):
         self.nicx("-n", "eth0", "-re")
         self.assert_as_it_was()
 
-    def run_nicx(self, *options, limit=None):
-        return run_until([self.programs / "nicx", "-n", "eth0", *options], limit)
+    def run_nicx(self, *options, moment=None):
+        return run_until([self.programs / "nicx", "-n", "eth0", *options], moment)
 
     def kill_at_every_change(self, state, options, assert_repaired):
         """Kills `options` before each of its system calls that change anything. Each time link, store and resolv.conf are
         first put back to what they are now; `state` does so for the link. A restart then repairs it."""
         store, resolver = STORE.read_bytes(), RESOLV_CONF.read_bytes()
-        limit = 0
-        reached = True
-        while reached:
-            limit += 1
-            with self.subTest(moment=limit):
-                self.set_link(state)
-                for file in STORE.parent.iterdir():
-                    file.unlink()
-                STORE.write_bytes(store)
-                RESOLV_CONF.write_bytes(resolver)
-                _, reached = self.run_nicx(*options, limit=limit)
+
+        def put_back():
+            self.set_link(state)
+            for file in STORE.parent.iterdir():
+                file.unlink()
+            STORE.write_bytes(store)
+            RESOLV_CONF.write_bytes(resolver)
+
+        put_back()
+        moments = self.run_nicx(*options)
+        self.assertGreater(len(moments), 20)
+        for moment in moments:
+            with self.subTest(call=moment):
+                put_back()
+                self.run_nicx(*options, moment=moment)
                 self.assert_nothing_lost()
                 # The two halves of a restart, without its waits.
                 self.nicx("-n", "eth0", "-di")
                 self.run_nicx("-re")
                 self.assert_nothing_lost()
                 assert_repaired()
-        self.assertGreater(limit, 20)
 
     def test_at_every_change_of_disabling(self):
+        self.kill_at_every_change(self.UP, ["-di"], self.assert_as_it_was)
+
+    def test_at_every_change_of_disabling_where_resolv_conf_is_a_mount_point(self):
+        bound = pathlib.Path("/run/bound.conf")
+        bound.write_bytes(RESOLV_CONF.read_bytes())
+        subprocess.run(["mount", "--bind", str(bound), str(RESOLV_CONF)], check=True)
         self.kill_at_every_change(self.UP, ["-di"], self.assert_as_it_was)
 
     def test_at_every_change_of_enabling(self):

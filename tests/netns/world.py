@@ -137,10 +137,21 @@ class World(unittest.TestCase):
             self.fail(f"this is not a fresh sandbox (tests/netns/sandbox), it has the links {links}")
         # As on every machine: only root may make folders there.
         os.chmod("/var/lib", 0o755)
+        self._make_private_etc()
         ip("netns", "add", FAR)
         ip("-n", FAR, "link", "set", "lo", "up")
         self.addCleanup(self._end_processes)
         self.programs = BIN
+
+    @staticmethod
+    def _make_private_etc():
+        """A copy of /etc with a plain resolv.conf: programs write beside that file before they replace it."""
+        # What other sandboxes are about to put in the place of their resolv.conf comes and goes there.
+        shutil.copytree("/etc", "/run/etc", symlinks=True, ignore=shutil.ignore_patterns(".corvane-*"))
+        resolver = pathlib.Path("/run/etc/resolv.conf")
+        resolver.unlink(missing_ok=True)
+        resolver.write_text("nameserver 192.0.2.53\n")
+        subprocess.run(["mount", "--bind", "/run/etc", "/etc"], check=True)
 
     # --- links ---------------------------------------------------------------------------------------------------
 

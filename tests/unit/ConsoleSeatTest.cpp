@@ -234,11 +234,16 @@ TEST_F(CommandSeatTest, CriticalBoxesAreFailuresShownOrNot) {
     EXPECT_TRUE(silent.SawFailure());
 }
 
+TEST_F(CommandSeatTest, ARefusalIsAFailure) {
+    CommandSeat seat(inner, true);
+    seat.ShowBox("a", "b", BoxIcon::kExclamation, BoxButtons::kYesNoCancel);
+    EXPECT_TRUE(seat.SawFailure());
+}
+
 TEST_F(CommandSeatTest, OtherBoxesAreNoFailures) {
     CommandSeat seat(inner, false);
     seat.ShowBox("a", "b", BoxIcon::kInformation, BoxButtons::kOk);
     seat.ShowBox("a", "b", BoxIcon::kQuestion, BoxButtons::kYesNoCancel);
-    seat.ShowBox("a", "b", BoxIcon::kExclamation, BoxButtons::kOk);
     seat.ShowUnsilencedBox("a", "b", BoxIcon::kInformation);
     EXPECT_FALSE(seat.SawFailure());
     seat.ShowUnsilencedBox("a", "b", BoxIcon::kCritical);

@@ -163,6 +163,7 @@ class RegistryStoreHeld : public testing::Test {
 
 TEST_F(RegistryStoreHeld, LongerThanTheTimeoutCannotBeReadOrWritten) {
     RegistryStore store(path_, 20);
+    ASSERT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kSuccess);
     Holder holder(path_);
     std::vector<std::string> names;
     EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kCantRead);
