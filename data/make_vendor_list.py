@@ -79,7 +79,11 @@ def read_text(path):
 
 
 def read_records(path):
-    """The records (prefix, name, address) of the input as bytes, in its order, and the number of "?" put."""
+    """The records (prefix, name, address) of the input as bytes, in its order, and the number of "?" put.
+
+    Prefixes with the group bit (bit 0 of the first octet, IEEE 802) are left out: no adapter may have such an address,
+    and a random one must not begin with it.
+    """
     reader = csv.reader(io.StringIO(read_text(path), newline=""), strict=True)
     records = []
     lost = 0
@@ -100,6 +104,8 @@ def read_records(path):
                 raise InputError(f"{where}: the registry is {registry!r} instead of 'MA-L'")
             if len(prefix) != 6 or not HEX_DIGITS.issuperset(prefix):
                 raise InputError(f"{where}: the assignment {prefix!r} is not six upper-case hexadecimal digits")
+            if int(prefix[1], 16) & 1:
+                continue
             texts = []
             for column, text in (("name", name), ("address", address)):
                 encoded, lost_here = to_code_page(text)

@@ -1,6 +1,7 @@
 #pragma once
 
-/// The stages of RefreshNicInfo, in the order in which it runs them. Each walks Nics and fills more of its fields.
+/// The stages of RefreshNicInfo, in the order in which it runs them. Each walks Nics and fills more of its
+/// fields.
 namespace corvane {
 
 /// Which adapters exist, their names, driver keys, overrides, saved addresses and TCP/IP bindings.

@@ -26,8 +26,9 @@ void RememberFolder(const std::string& name) {
     if (Ok(code)) return;
     CurrentSeat().ShowBox("Error! Cannot Write Registry",
                           std::string("Error while writing windows registry.") + kCrLf + kCrLf +
-                              "Registry Path: HKEY_LOCAL_MACHINE\\" + kProgramKey + "\\" + kNetworkFolderValue + kCrLf +
-                              kCrLf + "Error: " + RegErrorText(code) + kCrLf + kCrLf + "Click OK to continue",
+                              "Registry Path: HKEY_LOCAL_MACHINE\\" + kProgramKey + "\\" +
+                              kNetworkFolderValue + kCrLf + kCrLf + "Error: " + RegErrorText(code) + kCrLf +
+                              kCrLf + "Click OK to continue",
                           BoxIcon::kCritical, BoxButtons::kOk);
 }
 
@@ -39,11 +40,12 @@ void BrowseNetworkFolder(const std::vector<ShellItem>& panel, const FolderReques
     for (const ShellItem& item : panel) {
         if (item.isFolder) folders.push_back(Without(item.name, '&'));
     }
-    const std::optional<std::size_t> choice = seat.PickFolder(
-        "Browse Network Folder", "Control Pannel Folders",
-        "Please Manually Select 'Network Connections' or 'Network and dial-up connections' Folder From The List "
-        "Below. Orvella Corvane Will Remember The Folder You Selected.",
-        folders);
+    const std::optional<std::size_t> choice =
+        seat.PickFolder("Browse Network Folder", "Control Pannel Folders",
+                        "Please Manually Select 'Network Connections' or 'Network and dial-up connections' "
+                        "Folder From The List "
+                        "Below. Orvella Corvane Will Remember The Folder You Selected.",
+                        folders);
     if (!choice || *choice >= folders.size()) return;
     RememberFolder(folders[*choice]);
 

@@ -14,8 +14,8 @@ struct FolderRequest {
     bool restart = false;
 };
 
-/// Lets the user point at the Network Connections folder among the Control Panel items that are folders, remembers its
-/// name, and carries the request out. Does nothing when the user cancels.
+/// Lets the user point at the Network Connections folder among the Control Panel items that are folders,
+/// remembers its name, and carries the request out. Does nothing when the user cancels.
 void BrowseNetworkFolder(const std::vector<ShellItem>& panel, const FolderRequest& request);
 
 }  // namespace corvane

@@ -18,13 +18,14 @@ std::string Plain(const std::string& name) { return ToLower(Without(name, '&'));
 
 bool IsConnectionsFolder(const ShellItem& item) {
     const std::string name = Plain(item.name);
-    return name == NetworkFolderName || name == "network and dial-up connections" || name == "network connections";
+    return name == NetworkFolderName || name == "network and dial-up connections" ||
+           name == "network connections";
 }
 
 StateResult ShowShellFailure(const std::string& description) {
     CurrentSeat().ShowBox(kApplicationTitle,
-                          std::string("Error! There was an error while accessing shell32.dll") + kCrLf + kCrLf +
-                              "Description: " + description,
+                          std::string("Error! There was an error while accessing shell32.dll") + kCrLf +
+                              kCrLf + "Description: " + description,
                           BoxIcon::kCritical, BoxButtons::kOk);
     return StateResult::kGivenUp;
 }
@@ -40,9 +41,11 @@ std::optional<std::size_t> FirstWhere(const std::vector<Element>& elements, Pred
 bool UserWantsToBrowse(const std::string& name) {
     const std::string text =
         "Error! Could not locate network connection '" + name +
-        "' to be enabled/disabled. Please, enable/disable your network connection manually. This may happen if the "
+        "' to be enabled/disabled. Please, enable/disable your network connection manually. This may happen "
+        "if the "
         "'Network Connections' or 'Network and dial-up connections' folder is not found by Orvella Corvane." +
-        kCrLf + kCrLf + "Do you want to manually browse and set the network connection folder in control pannel ?";
+        kCrLf + kCrLf +
+        "Do you want to manually browse and set the network connection folder in control pannel ?";
     return CurrentSeat().ShowBox("Unable To Locate Network Connection", text, BoxIcon::kExclamation,
                                  BoxButtons::kYesNoCancel) == BoxAnswer::kYes;
 }

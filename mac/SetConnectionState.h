@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// Name of the Network Connections folder as the user picked it, in lower case; empty when never picked. Read at
-/// start-up from kProgramKey, written by the folder dialog only.
+/// Name of the Network Connections folder as the user picked it, in lower case; empty when never picked. Read
+/// at start-up from kProgramKey, written by the folder dialog only.
 inline std::string NetworkFolderName;
 
 inline constexpr char kProgramKey[] = "SOFTWARE\\Orvella\\Corvane_v4";

@@ -6,9 +6,9 @@
 /// File operations that the standard library does not offer safely. Defined by the back-end.
 namespace corvane {
 
-/// Replaces the file at `path` (made if missing, links followed) by `contents` in one step: whoever reads it, and
-/// whoever looks after a crash, finds the old or the new contents whole. Keeps mode and owner of an old file. On
-/// failure the old file is as it was.
+/// Replaces the file at `path` (made if missing, links followed) by `contents` in one step: whoever reads it,
+/// and whoever looks after a crash, finds the old or the new contents whole. Keeps mode and owner of an old
+/// file. On failure the old file is as it was.
 std::error_code ReplaceFileContents(const std::string& path, const std::string& contents);
 
 /// Reads a whole file. `contents` is empty on failure.

@@ -19,7 +19,9 @@ Win32Error ActOnEntry(std::uint32_t ifIndex, Win32Error (IpHelperApi::*action)(c
 
 }  // namespace
 
-Win32Error ReleaseByIndex(std::uint32_t ifIndex) { return ActOnEntry(ifIndex, &IpHelperApi::IpReleaseAddress); }
+Win32Error ReleaseByIndex(std::uint32_t ifIndex) {
+    return ActOnEntry(ifIndex, &IpHelperApi::IpReleaseAddress);
+}
 
 Win32Error RenewByIndex(std::uint32_t ifIndex) { return ActOnEntry(ifIndex, &IpHelperApi::IpRenewAddress); }
 
@@ -28,8 +30,9 @@ void IphlpApiError(Win32Error code, const std::string& apiName) {
     std::string description = CurrentPlatform().ipHelper->SystemText(code);
     if (description.empty()) description = "unknown";
     const std::string text = std::string("DLL : IphlpApi.dll") + kCrLf + kCrLf +
-                             "Error Code : " + std::to_string(Number(code)) + kCrLf + "API: " + apiName + kCrLf +
-                             "Error Description : " + description + kCrLf + kCrLf + "Click OK To Continue";
+                             "Error Code : " + std::to_string(Number(code)) + kCrLf + "API: " + apiName +
+                             kCrLf + "Error Description : " + description + kCrLf + kCrLf +
+                             "Click OK To Continue";
     CurrentSeat().ShowBox(kApplicationTitle, text, BoxIcon::kCritical, BoxButtons::kOk);
 }
 

@@ -15,7 +15,8 @@ RegistryReading::RegistryReading() : registry_(CurrentPlatform().registry) { reg
 
 RegistryReading::~RegistryReading() { registry_->EndReading(); }
 
-ScopedPlatform::ScopedPlatform(Platform platform) : former_(std::exchange(CurrentPlatform(), std::move(platform))) {}
+ScopedPlatform::ScopedPlatform(Platform platform)
+    : former_(std::exchange(CurrentPlatform(), std::move(platform))) {}
 
 ScopedPlatform::~ScopedPlatform() { CurrentPlatform() = std::move(former_); }
 

@@ -9,11 +9,13 @@
 
 #include "platform/Win32Error.h"
 
-/// The seam to the machine. Each role is implemented once per operating system (platform/linux, platform/windows)
-/// and once as a fake for tests. No call throws; no call keeps a handle open for the caller. All text is UTF-8.
+/// The seam to the machine. Each role is implemented once per operating system (platform/linux,
+/// platform/windows) and once as a fake for tests. No call throws; no call keeps a handle open for the
+/// caller. All text is UTF-8.
 namespace corvane {
 
-// ---- registry -----------------------------------------------------------------------------------------------
+// ---- registry
+// -----------------------------------------------------------------------------------------------
 
 /// Predefined root handles (winreg.h). The program uses kHkeyLocalMachine only.
 using RegistryRoot = std::uint32_t;
@@ -27,7 +29,8 @@ inline constexpr std::uint32_t kRegMultiSz = 7;
 
 struct RegistryValue {
     std::uint32_t type = 0;
-    std::vector<std::uint8_t> data;  ///< Raw bytes; text is in the single-byte code page, terminators included.
+    std::vector<std::uint8_t>
+        data;  ///< Raw bytes; text is in the single-byte code page, terminators included.
 
     bool operator==(const RegistryValue&) const = default;
 };
@@ -40,18 +43,19 @@ struct RegistryRead {
     RegistryValue value;
 };
 
-/// The registry. Key and value names compare without regard to case and keep the case they were made with. Key
-/// paths use "\" and have none at either end. Every call opens the key, does one thing and closes it. Errors:
-/// kFileNotFound (no such key or value), kAccessDenied (no right), kInvalidHandle (unknown root),
-/// kRegistryCorrupt (store damaged), kCantRead / kCantWrite (store busy or unreachable), or what the system says.
+/// The registry. Key and value names compare without regard to case and keep the case they were made with.
+/// Key paths use "\" and have none at either end. Every call opens the key, does one thing and closes it.
+/// Errors: kFileNotFound (no such key or value), kAccessDenied (no right), kInvalidHandle (unknown root),
+/// kRegistryCorrupt (store damaged), kCantRead / kCantWrite (store busy or unreachable), or what the system
+/// says.
 class RegistryApi {
-   public:
+ public:
     virtual ~RegistryApi() = default;
 
     virtual RegistryRead ReadValue(RegistryRoot root, const std::string& subkey, const std::string& name) = 0;
 
-    /// The key must exist. Replaces an existing value, its type included. As RegSetValueExA does, text (kRegSz,
-    /// kRegMultiSz) that is not empty and does not end in NUL is stored with one NUL added.
+    /// The key must exist. Replaces an existing value, its type included. As RegSetValueExA does, text
+    /// (kRegSz, kRegMultiSz) that is not empty and does not end in NUL is stored with one NUL added.
     virtual Win32Error WriteValue(RegistryRoot root, const std::string& subkey, const std::string& name,
                                   const RegistryValue& value) = 0;
 
@@ -60,36 +64,40 @@ class RegistryApi {
     /// Makes the key and any missing parents. Success when it exists already.
     virtual Win32Error CreateKey(RegistryRoot root, const std::string& subkey) = 0;
 
-    /// Names of the direct subkeys, in the system's order (sorted by name, without regard to case). `names` is
-    /// replaced only when there is at least one subkey; a failing enumeration leaves what it had got so far.
+    /// Names of the direct subkeys, in the system's order (sorted by name, without regard to case). `names`
+    /// is replaced only when there is at least one subkey; a failing enumeration leaves what it had got so
+    /// far.
     virtual Win32Error EnumSubkeys(RegistryRoot root, const std::string& subkey,
                                    std::vector<std::string>& names) = 0;
 
-    /// Around a run of reads with nothing else in between: lets a back-end do once what each of them would need. Must
-    /// not be held while the user is asked or anything is waited for. Changes nothing of what the reads give.
+    /// Around a run of reads with nothing else in between: lets a back-end do once what each of them would
+    /// need. Must not be held while the user is asked or anything is waited for. Changes nothing of what the
+    /// reads give.
     virtual void BeginReading() {}
     virtual void EndReading() {}
 };
 
 /// A run of reads of the installed registry (see RegistryApi::BeginReading).
 class RegistryReading {
-   public:
+ public:
     RegistryReading();
     ~RegistryReading();
     RegistryReading(const RegistryReading&) = delete;
     RegistryReading& operator=(const RegistryReading&) = delete;
 
-   private:
+ private:
     std::shared_ptr<RegistryApi> registry_;
 };
 
-// ---- IP Helper ----------------------------------------------------------------------------------------------
+// ---- IP Helper
+// ----------------------------------------------------------------------------------------------
 
 using MacBytes = std::array<std::uint8_t, 6>;
 /// The four bytes of an IPv4 address in network order, as they lie in memory.
 using Ipv4Bytes = std::array<std::uint8_t, 4>;
 
-/// One entry of GetInterfaceInfo's table (IP_ADAPTER_INDEX_MAP). Name is "\DEVICE\TCPIP_" + the adapter's GUID.
+/// One entry of GetInterfaceInfo's table (IP_ADAPTER_INDEX_MAP). Name is "\DEVICE\TCPIP_" + the adapter's
+/// GUID.
 struct InterfaceEntry {
     std::uint32_t index = 0;
     std::string name;
@@ -125,8 +133,8 @@ struct IpForwardRow {
     std::uint32_t metric1 = 0;
 };
 
-/// A table read is a size query and a fetch. kNothingToRead: the size query was not answered with 122, which no
-/// caller reports. kFailed: the fetch failed with `code`. kRows: `rows` holds the table.
+/// A table read is a size query and a fetch. kNothingToRead: the size query was not answered with 122, which
+/// no caller reports. kFailed: the fetch failed with `code`. kRows: `rows` holds the table.
 template <class Row>
 struct TableRead {
     enum class Outcome { kNothingToRead, kFailed, kRows };
@@ -137,13 +145,14 @@ struct TableRead {
 
 /// The IP Helper calls that the program makes (iphlpapi.h), over portable rows.
 class IpHelperApi {
-   public:
+ public:
     virtual ~IpHelperApi() = default;
 
     /// The live interfaces: those that are administratively up.
     virtual TableRead<InterfaceEntry> GetInterfaceInfo() = 0;
 
-    /// Fills `row` for interface `index`. kInvalidParameter when there is no such interface; `row` is then as it was.
+    /// Fills `row` for interface `index`. kInvalidParameter when there is no such interface; `row` is then as
+    /// it was.
     virtual Win32Error GetIfEntry(std::uint32_t index, IfRow& row) = 0;
 
     /// IPv4 addresses of every interface, in ascending order of address.
@@ -152,54 +161,60 @@ class IpHelperApi {
     /// IPv4 routes of the main table, in ascending order of destination, then metric, then next hop.
     virtual TableRead<IpForwardRow> GetIpForwardTable() = 0;
 
-    /// Adds an address to the running stack (not kept over a restart of the link). `nteContext` receives the word
-    /// that DeleteIPAddress takes. kObjectAlreadyExists when it is there already, kInvalidParameter for an address
-    /// or mask that no host may have or an unknown interface, kAccessDenied without the right.
+    /// Adds an address to the running stack (not kept over a restart of the link). `nteContext` receives the
+    /// word that DeleteIPAddress takes. kObjectAlreadyExists when it is there already, kInvalidParameter for
+    /// an address or mask that no host may have or an unknown interface, kAccessDenied without the right.
     virtual Win32Error AddIPAddress(const Ipv4Bytes& address, const Ipv4Bytes& mask, std::uint32_t ifIndex,
                                     std::uint32_t& nteContext) = 0;
 
-    /// Removes the address with this context; other addresses of the link stay. kInvalidParameter for an unknown one.
+    /// Removes the address with this context; other addresses of the link stay. kInvalidParameter for an
+    /// unknown one.
     virtual Win32Error DeleteIPAddress(std::uint32_t nteContext) = 0;
 
     virtual Win32Error CreateIpForwardEntry(const IpForwardRow& row) = 0;
     virtual Win32Error DeleteIpForwardEntry(const IpForwardRow& row) = 0;
 
-    /// Gives the DHCP lease back, respectively asks for it anew; returns when that is done. kNotSupported when the
-    /// link does not use DHCP; kSemTimeout when no server answered.
+    /// Gives the DHCP lease back, respectively asks for it anew; returns when that is done. kNotSupported
+    /// when the link does not use DHCP; kSemTimeout when no server answered.
     virtual Win32Error IpReleaseAddress(const InterfaceEntry& entry) = 0;
     virtual Win32Error IpRenewAddress(const InterfaceEntry& entry) = 0;
 
-    /// The system's message for an error number, with the line break that system texts end in; empty when it has none.
+    /// The system's message for an error number, with the line break that system texts end in; empty when it
+    /// has none.
     virtual std::string SystemText(Win32Error code) = 0;
 };
 
-// ---- shell folders ------------------------------------------------------------------------------------------
+// ---- shell folders
+// ------------------------------------------------------------------------------------------
 
 struct ShellItem {
     std::string name;
     bool isFolder = false;
 };
 
-/// The shell's Control Panel and the folders in it. Items and verbs are named by their positions in the lists that
-/// the latest call handed out. Every call returns false on failure, with `failure` set to what the system says.
+/// The shell's Control Panel and the folders in it. Items and verbs are named by their positions in the lists
+/// that the latest call handed out. Every call returns false on failure, with `failure` set to what the
+/// system says.
 class ShellApi {
-   public:
+ public:
     virtual ~ShellApi() = default;
 
     virtual bool ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) = 0;
-    virtual bool FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) = 0;
+    virtual bool FolderItems(std::size_t panelItem, std::vector<std::string>& names,
+                             std::string& failure) = 0;
     virtual bool ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
                            std::string& failure) = 0;
 
-    /// Carries a verb out. On Linux it returns when the link is in the new state; false then means that the link is
-    /// not in the state asked for, or only in part (for example up, but with its original address).
+    /// Carries a verb out. On Linux it returns when the link is in the new state; false then means that the
+    /// link is not in the state asked for, or only in part (for example up, but with its original address).
     virtual bool DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) = 0;
 
     /// Opens a document or an address with the user's default program.
     virtual bool OpenDocument(const std::string& target, std::string& failure) = 0;
 };
 
-// ---- clock and host -----------------------------------------------------------------------------------------
+// ---- clock and host
+// -----------------------------------------------------------------------------------------
 
 /// A date and time of day without zone. Month and day from 1, weekday 0 = Sunday.
 struct DateTime {
@@ -214,7 +229,7 @@ struct DateTime {
 
 /// Nothing else in the program sleeps or reads the time.
 class ClockApi {
-   public:
+ public:
     virtual ~ClockApi() = default;
     virtual void Sleep(std::uint32_t milliseconds) = 0;
     virtual DateTime LocalTime() = 0;
@@ -233,7 +248,7 @@ struct OsIdentity {
 };
 
 class HostApi {
-   public:
+ public:
     virtual ~HostApi() = default;
     virtual OsIdentity Os() = 0;
     /// The folder that holds the program, with or without a separator at its end.
@@ -244,7 +259,8 @@ class HostApi {
     virtual std::string GeneralDate(const DateTime& date) = 0;
 };
 
-// ---- the whole ----------------------------------------------------------------------------------------------
+// ---- the whole
+// ----------------------------------------------------------------------------------------------
 
 struct Platform {
     std::shared_ptr<RegistryApi> registry;
@@ -263,13 +279,13 @@ Platform MakeSystemPlatform();
 
 /// Installs a platform for a scope and puts the former one back; for tests.
 class ScopedPlatform {
-   public:
+ public:
     explicit ScopedPlatform(Platform platform);
     ~ScopedPlatform();
     ScopedPlatform(const ScopedPlatform&) = delete;
     ScopedPlatform& operator=(const ScopedPlatform&) = delete;
 
-   private:
+ private:
     Platform former_;
 };
 

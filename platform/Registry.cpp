@@ -6,7 +6,8 @@
 
 namespace corvane {
 
-Win32Error RegQueryString(RegistryRoot root, const std::string& subkey, const std::string& name, std::string& text) {
+Win32Error RegQueryString(RegistryRoot root, const std::string& subkey, const std::string& name,
+                          std::string& text) {
     const RegistryRead read = CurrentPlatform().registry->ReadValue(root, subkey, name);
     if (!Ok(read.code)) return read.code;
     const std::vector<std::uint8_t>& data = read.value.data;
@@ -104,7 +105,8 @@ std::uint32_t DwordFrom(std::vector<std::uint8_t> data) {
 
 std::vector<std::uint8_t> DwordBytes(std::uint32_t value) {
     std::vector<std::uint8_t> bytes;
-    for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(value >> shift & 0xFFU));
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes.push_back(static_cast<std::uint8_t>(value >> shift & 0xFFU));
     return bytes;
 }
 

@@ -6,16 +6,18 @@
 
 #include "platform/Platform.h"
 
-/// The program's one door to the registry: nine stateless operations over the installed platform. Each returns the
-/// Win32 error code (0 = success) and shows nothing. Text is converted to and from the single-byte code page here.
+/// The program's one door to the registry: nine stateless operations over the installed platform. Each
+/// returns the Win32 error code (0 = success) and shows nothing. Text is converted to and from the
+/// single-byte code page here.
 namespace corvane {
 
-/// Reads a value as text, whatever its type: the stored bytes less the last one (the terminating NUL). A value of
-/// zero bytes, and every failure, leaves `text` as it was.
-Win32Error RegQueryString(RegistryRoot root, const std::string& subkey, const std::string& name, std::string& text);
+/// Reads a value as text, whatever its type: the stored bytes less the last one (the terminating NUL). A
+/// value of zero bytes, and every failure, leaves `text` as it was.
+Win32Error RegQueryString(RegistryRoot root, const std::string& subkey, const std::string& name,
+                          std::string& text);
 
-/// Reads a value's bytes and type. When the key cannot be opened both stay as they were. When the value cannot be
-/// read `data` is one zero byte. A value of zero bytes gives an empty array and success.
+/// Reads a value's bytes and type. When the key cannot be opened both stay as they were. When the value
+/// cannot be read `data` is one zero byte. A value of zero bytes gives an empty array and success.
 Win32Error RegQueryBinary(RegistryRoot root, const std::string& subkey, const std::string& name,
                           std::vector<std::uint8_t>& data, std::uint32_t& type);
 
@@ -32,8 +34,8 @@ Win32Error RegDeleteValue(RegistryRoot root, const std::string& subkey, const st
 /// Makes the key and any missing parents.
 Win32Error RegCreateKey(RegistryRoot root, const std::string& subkey);
 
-/// Names of the subkeys in the system's order. Without subkeys, and when the key cannot be opened, `names` stays as
-/// it was.
+/// Names of the subkeys in the system's order. Without subkeys, and when the key cannot be opened, `names`
+/// stays as it was.
 Win32Error RegEnumSubkeys(RegistryRoot root, const std::string& subkey, std::vector<std::string>& names);
 
 /// "(" + code + ") " + text, as message boxes show it.

@@ -2,7 +2,8 @@
 
 #include <string>
 
-/// Where the adapters stand in the registry, all under HKEY_LOCAL_MACHINE. The class GUID keeps its mixed case.
+/// Where the adapters stand in the registry, all under HKEY_LOCAL_MACHINE. The class GUID keeps its mixed
+/// case.
 namespace corvane {
 
 inline constexpr char kAdaptersKey[] = "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Adapters";
@@ -15,7 +16,9 @@ inline constexpr char kInterfacesKey[] = "SYSTEM\\CurrentControlSet\\Services\\T
 inline constexpr char kTimeZoneKey[] = "SYSTEM\\CurrentControlSet\\Control\\TimeZoneInformation";
 inline constexpr char kTimeZonesKey[] = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones";
 
-inline std::string ConnectionKey(const std::string& id) { return kConnectionsKey + ("\\" + id) + "\\Connection"; }
+inline std::string ConnectionKey(const std::string& id) {
+    return kConnectionsKey + ("\\" + id) + "\\Connection";
+}
 inline std::string DriverKeyPath(const std::string& driverKey) { return kClassKey + ("\\" + driverKey); }
 inline std::string TcpipKey(const std::string& id) { return kInterfacesKey + ("\\" + id); }
 

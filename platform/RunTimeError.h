@@ -5,10 +5,11 @@
 
 namespace corvane {
 
-/// A failure that ends the start-up or the command-line run in its "ERROR" box. Thrown by the file readers and by
-/// subscript checks; never crosses platform/. Numbers follow the run-time errors of the Basic language family.
+/// A failure that ends the start-up or the command-line run in its "ERROR" box. Thrown by the file readers
+/// and by subscript checks; never crosses platform/. Numbers follow the run-time errors of the Basic language
+/// family.
 class RunTimeError : public std::runtime_error {
-   public:
+ public:
     static constexpr int kOutOfMemory = 7;
     static constexpr int kSubscriptOutOfRange = 9;
     static constexpr int kDivisionByZero = 11;
@@ -20,11 +21,12 @@ class RunTimeError : public std::runtime_error {
     static constexpr int kBadFileFormat = 321;
 
     /// `description` names the file or option, the reason and the remedy.
-    RunTimeError(int number, const std::string& description) : std::runtime_error(description), number_(number) {}
+    RunTimeError(int number, const std::string& description)
+        : std::runtime_error(description), number_(number) {}
 
     [[nodiscard]] int Number() const { return number_; }
 
-   private:
+ private:
     int number_;
 };
 

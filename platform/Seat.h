@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// The seam to the user. Lower layers never open a window or print: they ask the seat. Bodies: the console's, the
-/// window's, the tests'.
+/// The seam to the user. Lower layers never open a window or print: they ask the seat. Bodies: the console's,
+/// the window's, the tests'.
 namespace corvane {
 
 enum class BoxIcon { kCritical, kExclamation, kInformation, kQuestion };
@@ -21,10 +21,11 @@ inline constexpr char kApplicationTitle[] = "Orvella Corvane";
 inline constexpr char kCrLf[] = "\r\n";
 
 class Seat {
-   public:
+ public:
     virtual ~Seat() = default;
 
-    /// Shows a box and waits for its answer. Text lines are joined by CR LF. A seat that cannot ask answers kNo.
+    /// Shows a box and waits for its answer. Text lines are joined by CR LF. A seat that cannot ask answers
+    /// kNo.
     virtual BoxAnswer ShowBox(const std::string& title, const std::string& text, BoxIcon icon,
                               BoxButtons buttons) = 0;
 
@@ -64,7 +65,7 @@ class Seat {
 
 /// Does nothing, answers No. For programs and layers without a user.
 class NullSeat : public Seat {
-   public:
+ public:
     BoxAnswer ShowBox(const std::string&, const std::string&, BoxIcon, BoxButtons buttons) override {
         return buttons == BoxButtons::kOk ? BoxAnswer::kOk : BoxAnswer::kNo;
     }
@@ -93,13 +94,13 @@ Seat* InstallSeat(Seat* seat);
 
 /// Installs a seat for a scope and puts the former one back.
 class ScopedSeat {
-   public:
+ public:
     explicit ScopedSeat(Seat& seat) : former_(InstallSeat(&seat)) {}
     ~ScopedSeat() { InstallSeat(former_); }
     ScopedSeat(const ScopedSeat&) = delete;
     ScopedSeat& operator=(const ScopedSeat&) = delete;
 
-   private:
+ private:
     Seat* former_;
 };
 

@@ -4,10 +4,10 @@
 
 namespace corvane {
 
-/// Error numbers as the Windows headers define them (winerror.h). They are the program's one error currency on
-/// every system: each back-end turns its native errors into them at its door. Values outside this list are legal;
-/// the enumerators only name those that the portable code or a back-end mentions.
-enum class [[nodiscard]] Win32Error : std::uint32_t {
+/// Error numbers as the Windows headers define them (winerror.h). They are the program's one error currency
+/// on every system: each back-end turns its native errors into them at its door. Values outside this list are
+/// legal; the enumerators only name those that the portable code or a back-end mentions.
+enum class [[nodiscard]] Win32Error : std::uint32_t{
     kSuccess = 0,
     kFileNotFound = 2,
     kAccessDenied = 5,

@@ -37,34 +37,39 @@ void TakePreset(const std::string& name, PresetRecord& record) {
 void Disable(const std::string& name) {
     CurrentSeat().Progress("Disabling '" + name + "' ...");
     if (RestartConnection(name, true, true)) {
-        Show("Disabled ", "Network connection '" + name + "' was disabled successfully.", BoxIcon::kInformation);
+        Show("Disabled ", "Network connection '" + name + "' was disabled successfully.",
+             BoxIcon::kInformation);
     } else {
-        Show("Disable Attempt Failed ", "ERROR ! Network connection '" + name + "' was not disabled successfully.",
-             BoxIcon::kCritical);
+        Show("Disable Attempt Failed ",
+             "ERROR ! Network connection '" + name + "' was not disabled successfully.", BoxIcon::kCritical);
     }
 }
 
 void Restart(const std::string& name) {
     CurrentSeat().Progress("Restarting '" + name + "' (about 10 seconds) ...");
     if (RestartConnection(name, true, false)) {
-        Show("Restarted ", "Network connection '" + name + "' was restarted successfully.", BoxIcon::kInformation);
+        Show("Restarted ", "Network connection '" + name + "' was restarted successfully.",
+             BoxIcon::kInformation);
     } else {
-        Show("Restarted Attempt Failed ", "ERROR ! Network connection '" + name + "' was not restarted successfully.",
-             BoxIcon::kCritical);
+        Show("Restarted Attempt Failed ",
+             "ERROR ! Network connection '" + name + "' was not restarted successfully.", BoxIcon::kCritical);
     }
 }
 
 /// `operation` is "Release" or "Renew"; `done` the word for its success.
-void ReportLease(Win32Error code, const std::string& name, const std::string& operation, const std::string& done) {
+void ReportLease(Win32Error code, const std::string& name, const std::string& operation,
+                 const std::string& done) {
     if (Ok(code)) {
-        Show("IP " + done + " ",
-             "IP " + operation + " operation was performed on network connection '" + name + "' successfully.",
-             BoxIcon::kInformation);
+        Show(
+            "IP " + done + " ",
+            "IP " + operation + " operation was performed on network connection '" + name + "' successfully.",
+            BoxIcon::kInformation);
         return;
     }
     IphlpApiError(code, "IP" + operation + "Address");
     Show("IP " + operation + " Attempt Failed ",
-         "ERROR ! IP " + operation + " operation on network connection '" + name + "' failed.", BoxIcon::kCritical);
+         "ERROR ! IP " + operation + " operation on network connection '" + name + "' failed.",
+         BoxIcon::kCritical);
 }
 
 }  // namespace

@@ -18,28 +18,32 @@ void AdviseMac(const std::string& text, Sentences& advice) {
     const std::string reason = mac ? MacRefusal(*mac) : "it is not made of twelve hexadecimal digits";
     if (reason.empty()) return;
     advice.push_back("MAC address '" + text + "' is stored as typed but cannot take effect: " + reason +
-                     "; give another one, or none for the original");
+                     "; give another one");
 }
 
 void AdviseAddress(const char* what, const std::string& text, Sentences& advice) {
     const std::optional<Ipv4Bytes> address = ParseIpv4(text);
-    const std::string reason = address ? HostAddressRefusal(*address) : "it is not four numbers 0 to 255 joined by '.'";
+    const std::string reason =
+        address ? HostAddressRefusal(*address) : "it is not four numbers 0 to 255 joined by '.'";
     if (reason.empty()) return;
-    advice.push_back(std::string(what) + " '" + text + "' is stored as typed but cannot take effect: " + reason);
+    advice.push_back(std::string(what) + " '" + text +
+                     "' is stored as typed but cannot take effect: " + reason);
 }
 
 void AdviseMask(const std::string& text, Sentences& advice) {
     const std::optional<Ipv4Bytes> mask = ParseIpv4(text);
     if (mask && PrefixFromMask(*mask).value_or(0) != 0) return;
-    advice.push_back("subnet mask '" + text +
-                     "' is stored as typed but cannot take effect: a mask is one bits followed by zero bits, such as "
-                     "255.255.255.0");
+    advice.push_back(
+        "subnet mask '" + text +
+        "' is stored as typed but cannot take effect: a mask is one bits followed by zero bits, such as "
+        "255.255.255.0");
 }
 
 void AdviseMetric(const std::string& text, Sentences& advice) {
     const bool digitsOnly = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
     if (digitsOnly && NumericValue(text) <= 4294967295.0) return;
-    advice.push_back("metric '" + text + "' is stored as typed but is no number 0 to 4294967295: it will count as 0");
+    advice.push_back("metric '" + text +
+                     "' is stored as typed but is no number 0 to 4294967295: it will count as 0");
 }
 
 /// True when one of the addresses shares its network with `gateway`.
@@ -49,7 +53,8 @@ bool Reachable(const std::string& gateway, const PresetRecord& record) {
     for (std::size_t i = 0; i < record.IpAddresses.Items.size() && i < record.SubnetMasks.Items.size(); ++i) {
         const std::optional<Ipv4Bytes> address = ParseIpv4(record.IpAddresses.Items[i]);
         const std::optional<Ipv4Bytes> mask = ParseIpv4(record.SubnetMasks.Items[i]);
-        if (address && mask && ((HostOrder(*address) ^ HostOrder(*target)) & HostOrder(*mask)) == 0) return true;
+        if (address && mask && ((HostOrder(*address) ^ HostOrder(*target)) & HostOrder(*mask)) == 0)
+            return true;
     }
     return false;
 }
@@ -60,7 +65,8 @@ void AdviseGateways(const PresetRecord& record, Sentences& advice) {
     if ((record.Flags & kPresetIp) == 0) return;
     for (const std::string& gateway : record.Gateways.Items) {
         if (Reachable(gateway, record)) continue;
-        advice.push_back("gateway '" + gateway + "' is in the network of none of the given addresses: it cannot take effect");
+        advice.push_back("gateway '" + gateway +
+                         "' is in the network of none of the given addresses: it cannot take effect");
     }
 }
 
@@ -68,13 +74,16 @@ void AdviseGateways(const PresetRecord& record, Sentences& advice) {
 
 Sentences Advice(const NicInfo& nic, const PresetRecord& record) {
     Sentences advice;
-    if ((record.Flags & kPresetMac) != 0 && (record.Flags & kPresetRandomMac) == 0) AdviseMac(record.Mac, advice);
+    if ((record.Flags & kPresetMac) != 0 && (record.Flags & kPresetRandomMac) == 0)
+        AdviseMac(record.Mac, advice);
     if ((record.Flags & kPresetDhcp) == 0) {
         if (nic.DhcpEnabled && record.Flags != 0) {
-            advice.push_back("DHCP is turned off on '" + nic.Name + "' because -h was not given; give -h to keep it");
+            advice.push_back("DHCP is turned off on '" + nic.Name +
+                             "' because -h was not given; give -h to keep it");
         }
         if ((record.Flags & kPresetIp) != 0) {
-            for (const std::string& address : record.IpAddresses.Items) AdviseAddress("IP address", address, advice);
+            for (const std::string& address : record.IpAddresses.Items)
+                AdviseAddress("IP address", address, advice);
             for (const std::string& mask : record.SubnetMasks.Items) AdviseMask(mask, advice);
         }
         if ((record.Flags & kPresetGateway) != 0) AdviseGateways(record, advice);

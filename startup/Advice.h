@@ -8,8 +8,9 @@
 
 namespace corvane {
 
-/// What the user should know before settings are written: texts that are stored as typed although the system will refuse
-/// them at the restart, and DHCP that the record turns off. One sentence each; empty when all is well.
+/// What the user should know before settings are written: texts that are stored as typed although the system
+/// will refuse them at the restart, and DHCP that the record turns off. One sentence each; empty when all is
+/// well.
 std::vector<std::string> Advice(const NicInfo& nic, const PresetRecord& record);
 
 }  // namespace corvane

@@ -108,27 +108,34 @@ std::string CommandLineHelp() {
     static const std::vector<std::string> kLines = {
         "nicx -n network_connection_name   [-m mac_address / -r]   [-h]   [-i ip_address_1[,ip_address_2...] "
         ":subnet_mask_1[,subnet_mask_2...]]   [-g gateway_1[,gateway_2...] :metric_1[,metric_2...]]   [-d "
-        "dns_server_1[,dns_server_2...]]   [-p preset_name]   [-s]   [-re]   [-di]   [-rn]   [-rl]   [-sv]   [-ro]",
+        "dns_server_1[,dns_server_2...]]   [-p preset_name]   [-s]   [-re]   [-di]   [-rn]   [-rl]   [-sv]   "
+        "[-ro]",
         "",
-        "-n    Specifies name of the network connection/adapter (NIC). Name may be complete or partial or just a part "
+        "-n    Specifies name of the network connection/adapter (NIC). Name may be complete or partial or "
+        "just a part "
         "of it.",
         "-m    Specifies a MAC address. Blank MAC address implies original MAC address of the NIC.",
         "-r    Specifies to use a random MAC address from manufacturers list.",
         "-h    Enables DHCP and removes previous IP addresses and Gateways.",
         "-rl   Releases DHCP server assigned IP address.",
         "-Rn   Renews IP address lease from DHCP server.",
-        "-i    Changes IP address. IP address list is comma separated, subnet masks list is comma separated. Both IP "
+        "-i    Changes IP address. IP address list is comma separated, subnet masks list is comma separated. "
+        "Both IP "
         "addresses and subnet masks lists are separated using a colon ':'",
-        "-g    Changes Gateway address. Gateway addresses list is comma separated, metrics list is comma separated. "
+        "-g    Changes Gateway address. Gateway addresses list is comma separated, metrics list is comma "
+        "separated. "
         "Both Gateway addresses and metric lists separated using a colon ':'",
         "-d    Changes DNS server address. DNS server address list is comma separated.",
         "-s    Silent mode. Do not show any message window.",
         "-re   Restarts network connection/adapter.",
         "-di   Disable network connection/adapter.",
-        "-p    Specifies name of a preset saved earlier to be used. Preset name may be complete or partial or just a "
+        "-p    Specifies name of a preset saved earlier to be used. Preset name may be complete or partial "
+        "or just a "
         "part of it. This parameter over powers all other network settings.",
-        "-sv   Loads short vendor list which makes NICX load faster. This parameter over powers all other parameters.",
-        "-ro   Resets the original MAC address info saved in registry by NICX. Use this only if original MAC address "
+        "-sv   Loads short vendor list which makes NICX load faster. This parameter over powers all other "
+        "parameters.",
+        "-ro   Resets the original MAC address info saved in registry by NICX. Use this only if original MAC "
+        "address "
         "saved is wrong. This parameter over powers all other parameters.",
         "-help Displays this help message.",
         "",

@@ -4,19 +4,23 @@
 
 namespace corvane {
 
-/// The seat of a command-line run: passes on to `inner`, or shows nothing in silent mode, and remembers whether anything
-/// was reported as failed.
+/// The seat of a command-line run: passes on to `inner`, or shows nothing in silent mode, and remembers
+/// whether anything was reported as failed.
 class CommandSeat : public Seat {
-   public:
+ public:
     CommandSeat(Seat& inner, bool silent) : inner_(inner), silent_(silent) {}
 
-    /// True once a box that tells of a failure or a refusal (critical or exclamation icon) was due, shown or not.
+    /// True once a box with the critical icon was due, shown or not, or one with the exclamation icon whose
+    /// way out the user did not take.
     [[nodiscard]] bool SawFailure() const { return sawFailure_; }
 
-    BoxAnswer ShowBox(const std::string& title, const std::string& text, BoxIcon icon, BoxButtons buttons) override {
-        if (icon == BoxIcon::kCritical || icon == BoxIcon::kExclamation) sawFailure_ = true;
-        if (silent_) return buttons == BoxButtons::kOk ? BoxAnswer::kOk : BoxAnswer::kNo;
-        return inner_.ShowBox(title, text, icon, buttons);
+    BoxAnswer ShowBox(const std::string& title, const std::string& text, BoxIcon icon,
+                      BoxButtons buttons) override {
+        BoxAnswer answer = buttons == BoxButtons::kOk ? BoxAnswer::kOk : BoxAnswer::kNo;
+        if (!silent_) answer = inner_.ShowBox(title, text, icon, buttons);
+        const bool refusal = icon == BoxIcon::kExclamation && answer != BoxAnswer::kYes;
+        if (icon == BoxIcon::kCritical || refusal) sawFailure_ = true;
+        return answer;
     }
     void ShowUnsilencedBox(const std::string& title, const std::string& text, BoxIcon icon) override {
         if (icon == BoxIcon::kCritical) sawFailure_ = true;
@@ -45,7 +49,7 @@ class CommandSeat : public Seat {
     void LetEventsRun() override { inner_.LetEventsRun(); }
     void Refresh() override { inner_.Refresh(); }
 
-   private:
+ private:
     Seat& inner_;
     bool silent_;
     bool sawFailure_ = false;

@@ -20,11 +20,15 @@ std::string Lines(const std::string& text) {
 std::optional<std::string> ConsoleSeat::ReadLine() {
     std::string line;
     err_.flush();
-    if (!std::getline(in_, line)) return std::nullopt;
+    if (!std::getline(in_, line)) {
+        err_ << '\n';
+        return std::nullopt;
+    }
     return Trim(Without(line, '\r'));
 }
 
-BoxAnswer ConsoleSeat::ShowBox(const std::string& title, const std::string& text, BoxIcon icon, BoxButtons buttons) {
+BoxAnswer ConsoleSeat::ShowBox(const std::string& title, const std::string& text, BoxIcon icon,
+                               BoxButtons buttons) {
     std::ostream& stream = icon == BoxIcon::kInformation ? out_ : err_;
     stream << title << '\n' << Lines(text) << "\n\n" << std::flush;
     if (buttons == BoxButtons::kOk) return BoxAnswer::kOk;

@@ -7,14 +7,16 @@
 
 namespace corvane {
 
-/// The user at a terminal. A box is its title line, its text and an empty line: information on `out`, everything else on
-/// `err`. Questions are asked only when `interactive`; otherwise the answer is No, no text, no choice.
+/// The user at a terminal. A box is its title line, its text and an empty line: information on `out`,
+/// everything else on `err`. Questions are asked only when `interactive`; otherwise the answer is No, no
+/// text, no choice.
 class ConsoleSeat : public NullSeat {
-   public:
+ public:
     ConsoleSeat(std::istream& in, std::ostream& out, std::ostream& err, bool interactive)
         : in_(in), out_(out), err_(err), interactive_(interactive) {}
 
-    BoxAnswer ShowBox(const std::string& title, const std::string& text, BoxIcon icon, BoxButtons buttons) override;
+    BoxAnswer ShowBox(const std::string& title, const std::string& text, BoxIcon icon,
+                      BoxButtons buttons) override;
     std::optional<std::string> AskText(const std::string& title, const std::string& prompt,
                                        const std::string& preset) override;
     /// A numbered list; an empty line, 0 or the end of the input cancels.
@@ -24,7 +26,7 @@ class ConsoleSeat : public NullSeat {
     void Warn(const std::string& text) override;
     void Progress(const std::string& text) override;
 
-   private:
+ private:
     std::optional<std::string> ReadLine();
 
     std::istream& in_;

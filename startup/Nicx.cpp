@@ -1,11 +1,11 @@
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 #include "platform/Platform.h"
 #include "platform/Seat.h"

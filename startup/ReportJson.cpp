@@ -1,6 +1,7 @@
 #include "startup/ReportJson.h"
 
 #include <cstdio>
+
 #include <nlohmann/json.hpp>
 
 #include "inventory/NicInfo.h"
@@ -16,8 +17,8 @@ using Json = nlohmann::ordered_json;
 
 std::string IsoDate(const DateTime& date) {
     char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", date.year, date.month, date.day, date.hour,
-                  date.minute, date.second);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", date.year, date.month, date.day,
+                  date.hour, date.minute, date.second);
     return text;
 }
 
@@ -73,7 +74,8 @@ Json Connection(const NicInfo& nic, int number) {
 std::string ReportJson() {
     Json connections = Json::array();
     for (const NicInfo& nic : Nics) {
-        if (!nic.Name.empty()) connections.push_back(Connection(nic, static_cast<int>(connections.size()) + 1));
+        if (!nic.Name.empty())
+            connections.push_back(Connection(nic, static_cast<int>(connections.size()) + 1));
     }
     const Json report = {{"program", "Orvella Corvane"},
                          {"version", kProgramVersion},

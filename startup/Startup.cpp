@@ -25,10 +25,11 @@ std::string FolderWithSeparator(std::string folder, char separator) {
 int ShowError(int number, const std::string& description) {
     CurrentSeat().ShowUnsilencedBox(
         "ERROR",
-        std::string("ERROR! This may be caused due to invalid command line parameters. Please check command line "
-                    "paramaters if passed.") +
-            kCrLf + kCrLf + "Description: " + description + " (" + std::to_string(number) + ")" + kCrLf + kCrLf +
-            "Click OK to Quit",
+        std::string(
+            "ERROR! This may be caused due to invalid command line parameters. Please check command line "
+            "paramaters if passed.") +
+            kCrLf + kCrLf + "Description: " + description + " (" + std::to_string(number) + ")" + kCrLf +
+            kCrLf + "Click OK to Quit",
         BoxIcon::kCritical);
     return kExitRunTimeError;
 }

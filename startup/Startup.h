@@ -26,8 +26,9 @@ struct StartupHooks {
     std::function<void()> loadMainWindow;
 };
 
-/// Runs the start-up sequence for an argument text (arguments joined by single blanks) on the installed platform and
-/// seat. Returns the exit code when the command line is done, or when the main window has been loaded.
+/// Runs the start-up sequence for an argument text (arguments joined by single blanks) on the installed
+/// platform and seat. Returns the exit code when the command line is done, or when the main window has been
+/// loaded.
 int RunStartup(const std::string& commandLine, const StartupHooks& hooks);
 
 }  // namespace corvane

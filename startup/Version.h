@@ -13,7 +13,8 @@ struct OsVersion {
     bool unsupported = false;  ///< The Windows 9x family.
 };
 
-/// Describes the operating system. A ready description is taken as it is; otherwise the version record is worded.
+/// Describes the operating system. A ready description is taken as it is; otherwise the version record is
+/// worded.
 OsVersion Version(const OsIdentity& os);
 
 }  // namespace corvane

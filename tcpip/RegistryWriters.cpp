@@ -30,8 +30,9 @@ std::string MultiString(const TextList& entries) { return Join(entries, kNul) + 
 
 /// One adapter's TCP/IP key.
 class InterfaceKey {
-   public:
-    explicit InterfaceKey(std::int16_t adapter) : path_(TcpipKey(Nics.at(static_cast<std::size_t>(adapter)).Id)) {}
+ public:
+    explicit InterfaceKey(std::int16_t adapter)
+        : path_(TcpipKey(Nics.at(static_cast<std::size_t>(adapter)).Id)) {}
 
     [[nodiscard]] const std::string& Path() const { return path_; }
 
@@ -55,16 +56,16 @@ class InterfaceKey {
         return Split(text.empty() || text == kNul ? placeholder : text, '\0');
     }
 
-   private:
+ private:
     std::string path_;
 };
 
 void ShowFailure(const std::string& title, const std::string& firstLine, const InterfaceKey& key,
                  const RegistryFailure& failure) {
     CurrentSeat().ShowBox(title,
-                          firstLine + kCrLf + kCrLf + "Registry Path: HKEY_LOCAL_MACHINE\\" + key.Path() + "\\" +
-                              failure.valueName + kCrLf + kCrLf + "Error: " + RegErrorText(failure.code) + kCrLf +
-                              kCrLf + "Click OK to continue",
+                          firstLine + kCrLf + kCrLf + "Registry Path: HKEY_LOCAL_MACHINE\\" + key.Path() +
+                              "\\" + failure.valueName + kCrLf + kCrLf +
+                              "Error: " + RegErrorText(failure.code) + kCrLf + kCrLf + "Click OK to continue",
                           BoxIcon::kCritical, BoxButtons::kOk);
 }
 
@@ -84,7 +85,8 @@ void Guarded(std::int16_t adapter, const std::function<void(const InterfaceKey&)
 }
 
 void ReportReadWrite(const InterfaceKey& key, const RegistryFailure& failure) {
-    ShowFailure("Error! Cannot Read/Write Registry", "Error while reading/writing in windows registry.", key, failure);
+    ShowFailure("Error! Cannot Read/Write Registry", "Error while reading/writing in windows registry.", key,
+                failure);
 }
 
 /// Two lists of a key that run in step: addresses and masks, or gateways and metrics.
@@ -103,7 +105,8 @@ struct ListPair {
     }
 };
 
-/// The last entry, which the read leaves empty for a new one; a list stored without its terminators gets one added.
+/// The last entry, which the read leaves empty for a new one; a list stored without its terminators gets one
+/// added.
 void PutIntoFreeSlot(ListPair& lists, const std::string& placeholder, const std::string& first,
                      const std::string& second) {
     if (!lists.first.back().empty() && lists.first.back() != placeholder) {
@@ -122,8 +125,8 @@ ListPair ReadPair(const InterfaceKey& key, const char* firstName, const char* se
 }
 
 /// Rewrites both lists without the entries equal to `entry`. A missing partner counts as empty.
-void RemoveFromPair(const InterfaceKey& key, const char* firstName, const char* secondName, const std::string& entry,
-                    const std::string& whenEmptied) {
+void RemoveFromPair(const InterfaceKey& key, const char* firstName, const char* secondName,
+                    const std::string& entry, const std::string& whenEmptied) {
     const TextList first = Split(key.ReadText(firstName), '\0');
     TextList second = Split(key.ReadText(secondName), '\0');
     second.resize(first.size());
@@ -150,8 +153,9 @@ void ResetToDhcp(const InterfaceKey& key) {
 
 }  // namespace
 
-void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList& addresses, const TextList& masks,
-                        const TextList& gateways, const TextList& metrics, const TextList& dnsServers) {
+void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList& addresses,
+                        const TextList& masks, const TextList& gateways, const TextList& metrics,
+                        const TextList& dnsServers) {
     const auto write = [&](const InterfaceKey& key) {
         if ((flags & kTcpipDhcp) != 0) {
             ResetToDhcp(key);
@@ -248,13 +252,15 @@ void RemoveRegistryGateway(std::int16_t adapter, const std::string& gateway) {
 }
 
 int WriteDNSServers(std::int16_t adapter, const TextList& servers) {
-    const auto write = [&](const InterfaceKey& key) { key.WriteText("NameServer", Join(servers, ","), kRegSz); };
+    const auto write = [&](const InterfaceKey& key) {
+        key.WriteText("NameServer", Join(servers, ","), kRegSz);
+    };
     Guarded(adapter, write, [](const InterfaceKey& key, const RegistryFailure& failure) {
         CurrentSeat().ShowBox("Error! Cannot Write Into Registry",
                               std::string("Error while writing into windows registry.") + kCrLf + kCrLf +
-                                  "Key: HKEY_LOCAL_MACHINE\\" + key.Path() + kCrLf + "Value: " + failure.valueName +
-                                  kCrLf + kCrLf + "Error: " + RegErrorText(failure.code) + kCrLf +
-                                  "Click OK to continue",
+                                  "Key: HKEY_LOCAL_MACHINE\\" + key.Path() + kCrLf +
+                                  "Value: " + failure.valueName + kCrLf + kCrLf +
+                                  "Error: " + RegErrorText(failure.code) + kCrLf + "Click OK to continue",
                               BoxIcon::kCritical, BoxButtons::kOk);
     });
     return 0;

@@ -1,14 +1,14 @@
 #include "platform/linux/Announce.h"
 
+#include <algorithm>
+#include <array>
+#include <cstring>
+
 #include <arpa/inet.h>
 #include <linux/if_ether.h>
 #include <linux/if_packet.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <array>
-#include <cstring>
 
 namespace corvane {
 
@@ -25,7 +25,8 @@ std::array<std::uint8_t, 28> Announcement(const MacBytes& mac, const Ipv4Bytes& 
 
 }  // namespace
 
-void AnnounceAddresses(std::uint32_t linkIndex, const MacBytes& mac, const std::vector<Ipv4Bytes>& addresses) {
+void AnnounceAddresses(std::uint32_t linkIndex, const MacBytes& mac,
+                       const std::vector<Ipv4Bytes>& addresses) {
     if (addresses.empty()) return;
     const int descriptor = socket(AF_PACKET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (descriptor < 0) return;

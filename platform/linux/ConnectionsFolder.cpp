@@ -1,10 +1,10 @@
 #include "platform/linux/ConnectionsFolder.h"
 
-#include <spawn.h>
-#include <sys/wait.h>
-
 #include <cerrno>
 #include <cstring>
+
+#include <spawn.h>
+#include <sys/wait.h>
 
 extern char** environ;
 
@@ -25,7 +25,8 @@ bool ConnectionsFolder::ControlPanelItems(std::vector<ShellItem>& items, std::st
     return true;
 }
 
-bool ConnectionsFolder::FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) {
+bool ConnectionsFolder::FolderItems(std::size_t panelItem, std::vector<std::string>& names,
+                                    std::string& failure) {
     if (!IsFolder(panelItem, failure)) return false;
     machine_->Update();
     links_.clear();
@@ -52,7 +53,8 @@ bool ConnectionsFolder::ItemVerbs(std::size_t panelItem, std::size_t item, std::
     return true;
 }
 
-bool ConnectionsFolder::DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) {
+bool ConnectionsFolder::DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb,
+                               std::string& failure) {
     if (!IsFolder(panelItem, failure)) return false;
     if (item >= links_.size() || verb != 0) {
         failure = "There is no such network connection or verb.";
@@ -69,8 +71,9 @@ bool ConnectionsFolder::OpenDocument(const std::string& target, std::string& fai
     const int error = posix_spawnp(&child, program.c_str(), nullptr, nullptr, arguments, environ);
     int status = 0;
     if (error != 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        failure = "'" + target + "' could not be opened with xdg-open" +
-                  (error != 0 ? ": " + std::string(std::strerror(error)) + "; install the package xdg-utils" : "");
+        failure =
+            "'" + target + "' could not be opened with xdg-open" +
+            (error != 0 ? ": " + std::string(std::strerror(error)) + "; install the package xdg-utils" : "");
         return false;
     }
     return true;

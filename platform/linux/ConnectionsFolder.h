@@ -10,11 +10,12 @@
 
 namespace corvane {
 
-/// The shell role: a Control Panel whose one item is the folder "Network Connections"; its items are the links. A link
-/// that is up offers "Disa&ble", one that is down "En&able".
+/// The shell role: a Control Panel whose one item is the folder "Network Connections"; its items are the
+/// links. A link that is up offers "Disa&ble", one that is down "En&able".
 class ConnectionsFolder : public ShellApi {
-   public:
-    explicit ConnectionsFolder(std::shared_ptr<Machine> machine) : machine_(machine), control_(std::move(machine)) {}
+ public:
+    explicit ConnectionsFolder(std::shared_ptr<Machine> machine)
+        : machine_(machine), control_(std::move(machine)) {}
 
     bool ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) override;
     bool FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) override;
@@ -24,7 +25,7 @@ class ConnectionsFolder : public ShellApi {
     /// Through xdg-open, which must be installed.
     bool OpenDocument(const std::string& target, std::string& failure) override;
 
-   private:
+ private:
     std::shared_ptr<Machine> machine_;
     LinkControl control_;
     std::vector<std::string> links_;  ///< Of the latest FolderItems.

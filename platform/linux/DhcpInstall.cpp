@@ -102,7 +102,8 @@ void LeaseInstaller::Adopt() {
 /// The link may have got another hardware address since its neighbours saw this one.
 void LeaseInstaller::Announce() {
     KernelLink link;
-    if (netlink_.GetLink(linkIndex_, link).Ok()) AnnounceAddresses(linkIndex_, link.address, {address_.address});
+    if (netlink_.GetLink(linkIndex_, link).Ok())
+        AnnounceAddresses(linkIndex_, link.address, {address_.address});
 }
 
 bool LeaseInstaller::PutOnLink(const Lease& lease, std::uint32_t seconds) {

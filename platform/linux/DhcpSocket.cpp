@@ -41,14 +41,14 @@ bool SocketAddress(const std::string& path, sockaddr_un& address) {
 }
 
 /// The run-time folder under a lock, for the time that it takes to look at the socket's file and to change
-/// it.
+/// it. The lock is a file that only its owner may open: another user could hold a lock on the folder itself.
 class FolderLock {
  public:
     /// False, with errno set, when there is no folder or its lock is not to be had before `end`.
     bool Take(const std::string& folder, Clock::time_point end) {
-        folder_.Reset(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (!folder_.IsOpen()) return false;
-        while (flock(folder_.Get(), LOCK_EX | LOCK_NB) != 0) {
+        file_.Reset(open((folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        if (!file_.IsOpen()) return false;
+        while (flock(file_.Get(), LOCK_EX | LOCK_NB) != 0) {
             if (errno != EWOULDBLOCK && errno != EINTR) return false;
             if (Clock::now() >= end) {
                 errno = EBUSY;
@@ -60,7 +60,7 @@ class FolderLock {
     }
 
  private:
-    Descriptor folder_;
+    Descriptor file_;
 };
 
 /// Binds under a mask that leaves the owner alone the right to connect, from the first moment on.

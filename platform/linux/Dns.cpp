@@ -100,8 +100,8 @@ std::string Block(const std::vector<std::string>& servers) {
 
 /// Writes over the contents of an existing file: shorter contents are cut last, so that what is read
 /// meanwhile begins with whole lines of the new ones.
-/// One write and, for a file that gets shorter, a cut. The write covers the whole old contents, with empty lines at its
-/// end, so that a program killed in between leaves no line of them.
+/// One write and, for a file that gets shorter, a cut. The write covers the whole old contents, with empty
+/// lines at its end, so that a program killed in between leaves no line of them.
 std::error_code WriteInPlace(const std::string& path, std::string contents) {
     const auto lastError = [] { return std::error_code(errno, std::generic_category()); };
     const Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW));

@@ -1,7 +1,5 @@
 #include "platform/linux/Host.h"
 
-#include <sys/utsname.h>
-
 #include <chrono>
 #include <cstdio>
 #include <ctime>
@@ -9,6 +7,8 @@
 #include <string>
 #include <system_error>
 #include <thread>
+
+#include <sys/utsname.h>
 
 #include "platform/Files.h"
 #include "platform/Text.h"
@@ -69,8 +69,8 @@ std::string SystemHost::ProgramFolder() {
 
 std::string SystemHost::GeneralDate(const DateTime& date) {
     char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day, date.hour,
-                  date.minute, date.second);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day,
+                  date.hour, date.minute, date.second);
     return text;
 }
 

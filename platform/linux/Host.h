@@ -6,7 +6,7 @@ namespace corvane {
 
 /// The system clock.
 class SystemClock : public ClockApi {
-   public:
+ public:
     void Sleep(std::uint32_t milliseconds) override;
     DateTime LocalTime() override;
     std::uint32_t Seed() override;
@@ -14,7 +14,7 @@ class SystemClock : public ClockApi {
 
 /// os-release(5), uname(2) and /proc/self/exe.
 class SystemHost : public HostApi {
-   public:
+ public:
     /// The pretty name, two blanks, and the kernel in parentheses.
     OsIdentity Os() override;
     std::string ProgramFolder() override;

@@ -1,10 +1,10 @@
 #include "platform/linux/IpHelper.h"
 
-#include <linux/if.h>
-
 #include <algorithm>
 #include <optional>
 #include <tuple>
+
+#include <linux/if.h>
 
 #include "platform/Address.h"
 #include "platform/linux/DhcpControl.h"
@@ -17,7 +17,14 @@ namespace {
 
 /// IF_OPER_* (linux/if.h, RFC 2863) in the order of MIB_IFROW's states (ipifcons.h).
 std::uint32_t OperStatus(const KernelLink& link) {
-    enum : std::uint32_t { kNonOperational, kUnreachable, kDisconnected, kConnecting, kConnected, kOperational };
+    enum : std::uint32_t {
+        kNonOperational,
+        kUnreachable,
+        kDisconnected,
+        kConnecting,
+        kConnected,
+        kOperational
+    };
     switch (link.operState) {
         case IF_OPER_UP:
             return kOperational;
@@ -132,9 +139,9 @@ TableRead<IpForwardRow> IpHelper::GetIpForwardTable() {
     table.outcome = TableRead<IpForwardRow>::Outcome::kRows;
     for (const KernelRoute& route : machine_->Picture().routes) {
         static constexpr std::uint8_t kKernelMade = 2;
-        table.rows.push_back({route.destination, MaskFromPrefix(route.prefix), route.gateway.value_or(Ipv4Bytes{}),
-                              route.index, route.gateway ? 4U : 3U, route.protocol == kKernelMade ? 2U : 3U,
-                              route.metric});
+        table.rows.push_back({route.destination, MaskFromPrefix(route.prefix),
+                              route.gateway.value_or(Ipv4Bytes{}), route.index, route.gateway ? 4U : 3U,
+                              route.protocol == kKernelMade ? 2U : 3U, route.metric});
     }
     std::stable_sort(table.rows.begin(), table.rows.end(), [](const IpForwardRow& a, const IpForwardRow& b) {
         return std::tie(a.destination, a.mask, a.metric1, a.nextHop) <
@@ -158,7 +165,8 @@ Win32Error IpHelper::AddIPAddress(const Ipv4Bytes& address, const Ipv4Bytes& mas
 }
 
 Win32Error IpHelper::DeleteIPAddress(std::uint32_t nteContext) {
-    const auto known = nteContext > 0xFFFF ? addresses_.end() : addresses_.find(static_cast<std::uint16_t>(nteContext));
+    const auto known =
+        nteContext > 0xFFFF ? addresses_.end() : addresses_.find(static_cast<std::uint16_t>(nteContext));
     if (known == addresses_.end()) return Win32Error::kInvalidParameter;
     const AddressKey key = known->second;
     Netlink& kernel = machine_->Kernel();
@@ -179,9 +187,11 @@ Win32Error IpHelper::DeleteIPAddress(std::uint32_t nteContext) {
     static_cast<void>(kernel.DumpAddresses(after));
     for (const KernelAddress& address : before) {
         const auto same = [&](const KernelAddress& other) {
-            return other.index == address.index && other.address == address.address && other.prefix == address.prefix;
+            return other.index == address.index && other.address == address.address &&
+                   other.prefix == address.prefix;
         };
-        if (address.index != key.index || same(unwanted) || std::any_of(after.begin(), after.end(), same)) continue;
+        if (address.index != key.index || same(unwanted) || std::any_of(after.begin(), after.end(), same))
+            continue;
         static_cast<void>(kernel.AddAddress(address, false));
     }
     contexts_.erase(key);
@@ -202,7 +212,8 @@ Win32Error IpHelper::DeleteIpForwardEntry(const IpForwardRow& row) {
     machine_->Update();
     for (const KernelRoute& present : machine_->Picture().routes) {
         if (present.destination == route->destination && present.prefix == route->prefix &&
-            present.gateway == route->gateway && present.index == route->index && present.metric == route->metric) {
+            present.gateway == route->gateway && present.index == route->index &&
+            present.metric == route->metric) {
             route = present;
             break;
         }

@@ -12,7 +12,7 @@ namespace corvane {
 
 /// The IP Helper role over rtnetlink, ethtool and the DHCP supervisors.
 class IpHelper : public IpHelperApi {
-   public:
+ public:
     explicit IpHelper(std::shared_ptr<Machine> machine) : machine_(std::move(machine)) {}
 
     /// One dump; each of its rows also answers the next GetIfEntry of its link.
@@ -29,7 +29,7 @@ class IpHelper : public IpHelperApi {
     Win32Error IpRenewAddress(const InterfaceEntry& entry) override;
     std::string SystemText(Win32Error code) override;
 
-   private:
+ private:
     struct AddressKey {
         std::uint32_t index;
         Ipv4Bytes address;

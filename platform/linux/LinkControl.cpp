@@ -1,15 +1,15 @@
 #include "platform/linux/LinkControl.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/file.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <optional>
 #include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
 
 #include "platform/Address.h"
 #include "platform/Text.h"
@@ -28,7 +28,7 @@ namespace {
 /// Lets one program at a time disable or enable a link of this name; the others wait. Only root may open its
 /// file: without the right there is no lock, and nothing that the kernel would let the program do.
 class LinkLock {
-   public:
+ public:
     explicit LinkLock(const std::string& name) {
         std::error_code error;
         std::filesystem::create_directories(RuntimeFolder(), error);
@@ -38,13 +38,13 @@ class LinkLock {
         }
     }
 
-   private:
+ private:
     Descriptor file_;
 };
 
 /// One disabling or enabling of one link.
 class Operation {
-   public:
+ public:
     Operation(Machine& machine, std::string name) : machine_(machine), name_(std::move(name)), lock_(name_) {
         machine_.Update();
         if (const LinkRow* row = machine_.RowOfName(name_)) row_ = *row;
@@ -77,7 +77,8 @@ class Operation {
 
     bool Enable() {
         if (!Find()) return false;
-        // What is up by half must not be taken for the link's set-up, also when this program is ended meanwhile.
+        // What is up by half must not be taken for the link's set-up, also when this program is ended
+        // meanwhile.
         const bool held = row_.held;
         if (!held && !SetHeld(true)) return false;
         const bool dhcp = UsesDhcp(machine_.Store(), row_.id);
@@ -102,7 +103,7 @@ class Operation {
 
     [[nodiscard]] std::string Problems() const { return Join(problems_, "; "); }
 
-   private:
+ private:
     void Problem(const std::string& sentence) { problems_.push_back("'" + name_ + "': " + sentence); }
 
     bool Find() {
@@ -118,8 +119,8 @@ class Operation {
         return true;
     }
 
-    /// Marks the link as disabled by the program, together with what it is going to lose; or takes the mark off.
-    /// A link that has the mark was enabled by half only: what was kept then counts too.
+    /// Marks the link as disabled by the program, together with what it is going to lose; or takes the mark
+    /// off. A link that has the mark was enabled by half only: what was kept then counts too.
     bool SetHeld(bool held) {
         std::vector<RawMessage> saved;
         std::vector<HeldMessage> messages;
@@ -151,7 +152,8 @@ class Operation {
             if (address->index != link_.index || Contains(wanted, *address)) continue;
             const KernelAnswer answer = machine_.Kernel().DeleteAddress(*address);
             if (!answer.Ok()) {
-                Problem("address " + DottedQuad(address->address.data()) + " could not be removed: " + answer.Words());
+                Problem("address " + DottedQuad(address->address.data()) +
+                        " could not be removed: " + answer.Words());
             }
         }
     }
@@ -175,7 +177,8 @@ class Operation {
                 overrides_ = true;
                 return mac;
             }
-            Problem("MAC address '" + *text + "' cannot be used: " + reason + "; the original address was given back");
+            Problem("MAC address '" + *text + "' cannot be used: " + reason +
+                    "; the original address was given back");
         }
         // A bridge takes its address from its ports as long as nobody sets one.
         if (link_.kind == "bridge" && row_.applied.empty()) return std::nullopt;
@@ -229,7 +232,8 @@ class Operation {
         for (const KernelAddress& address : setup.addresses) {
             const KernelAnswer answer = machine_.Kernel().AddAddress(address, true);
             if (!answer.Ok()) {
-                Problem("IP address " + DottedQuad(address.address.data()) + " was refused: " + answer.Words());
+                Problem("IP address " + DottedQuad(address.address.data()) +
+                        " was refused: " + answer.Words());
             }
         }
         std::vector<KernelRoute> present;
@@ -295,8 +299,8 @@ class Operation {
         AnnounceAddresses(link_.index, now.address, announced);
     }
 
-    /// A cable's ends need a moment to agree before the first frame gets through. A link without one is not waited for any
-    /// longer than that.
+    /// A cable's ends need a moment to agree before the first frame gets through. A link without one is not
+    /// waited for any longer than that.
     void AwaitCarrier() {
         using Clock = std::chrono::steady_clock;
         static constexpr std::chrono::milliseconds kLongest(3000);

@@ -16,7 +16,8 @@ void Machine::Update() {
     const bool changed = monitor_.TakeChanges();
     if (known_ && !changed) return;
     std::vector<KernelLink> links;
-    const bool complete = netlink_->DumpLinks(links).Ok() && netlink_->DumpAddresses(picture_.addresses).Ok() &&
+    const bool complete = netlink_->DumpLinks(links).Ok() &&
+                          netlink_->DumpAddresses(picture_.addresses).Ok() &&
                           netlink_->DumpRoutes(picture_.routes).Ok();
     std::erase_if(links, [](const KernelLink& link) { return !IsAdapter(link); });
     picture_.links = std::move(links);
@@ -26,14 +27,16 @@ void Machine::Update() {
 }
 
 const LinkRow* Machine::RowOfIndex(std::uint32_t index) const {
-    const auto row = std::find_if(rows_.begin(), rows_.end(),
-                                  [&](const LinkRow& candidate) { return candidate.present && candidate.index == index; });
+    const auto row = std::find_if(rows_.begin(), rows_.end(), [&](const LinkRow& candidate) {
+        return candidate.present && candidate.index == index;
+    });
     return row == rows_.end() ? nullptr : &*row;
 }
 
 const LinkRow* Machine::RowOfName(const std::string& name) const {
-    const auto row = std::find_if(rows_.begin(), rows_.end(),
-                                  [&](const LinkRow& candidate) { return candidate.present && candidate.name == name; });
+    const auto row = std::find_if(rows_.begin(), rows_.end(), [&](const LinkRow& candidate) {
+        return candidate.present && candidate.name == name;
+    });
     return row == rows_.end() ? nullptr : &*row;
 }
 

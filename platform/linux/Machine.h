@@ -12,17 +12,17 @@
 
 namespace corvane {
 
-/// What the Linux roles share: the kernel's links and the store that is kept in step with them. One picture of links,
-/// addresses and routes serves until the kernel reports a change. Not thread-safe.
+/// What the Linux roles share: the kernel's links and the store that is kept in step with them. One picture
+/// of links, addresses and routes serves until the kernel reports a change. Not thread-safe.
 class Machine {
-   public:
+ public:
     /// `kernel` is for tests that have it refuse something.
     explicit Machine(std::string storePath = RegistryStore::DefaultPath(),
                      std::unique_ptr<Netlink> kernel = std::make_unique<Netlink>());
     ~Machine();
 
-    /// Brings picture and store up to date if the kernel reported changes since the last call. Cheap when it did not. A
-    /// store that cannot be brought in step shows in the store's own codes.
+    /// Brings picture and store up to date if the kernel reported changes since the last call. Cheap when it
+    /// did not. A store that cannot be brought in step shows in the store's own codes.
     void Update();
 
     /// Makes the next Update read everything anew.
@@ -40,7 +40,7 @@ class Machine {
     Netlink& Kernel() { return *netlink_; }
     Ethtool& Drivers() { return ethtool_; }
 
-   private:
+ private:
     RegistryStore store_;
     LinkMonitor monitor_;
     std::unique_ptr<Netlink> netlink_;

@@ -103,8 +103,8 @@ struct RegistryStore::Impl {
         }
     }
 
-    /// A program that has waited in vain for a locked file does not wait again, operation for operation, until it got
-    /// through once.
+    /// A program that has waited in vain for a locked file does not wait again, operation for operation,
+    /// until it got through once.
     void ChangePatience(Win32Error code) {
         const bool waited = code == Win32Error::kCantRead || code == Win32Error::kCantWrite;
         if (waited != patient) return;

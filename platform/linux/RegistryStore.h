@@ -50,8 +50,8 @@ struct HeldMessage {
 /// is read-only: RegistryApi writes then give kAccessDenied, before anything else is looked at; only making a
 /// key that exists succeeds. A file that cannot be read gives kAccessDenied, a damaged file or another
 /// program's database kRegistryCorrupt, one that a newer version made kCantOpen: for every operation, and it
-/// is never touched. A store that is busy for longer than the timeout gives kCantRead or kCantWrite; later operations try
-/// anew, without waiting until one of them got through.
+/// is never touched. A store that is busy for longer than the timeout gives kCantRead or kCantWrite; later
+/// operations try anew, without waiting until one of them got through.
 ///
 /// Each value knows who set it: RegistryApi writes are the user's; Editor::SetFromKernel records what the
 /// system showed and never replaces a value that the user set.
@@ -65,8 +65,9 @@ class RegistryStore : public RegistryApi {
     /// NICX_REGISTRY if set and not empty, else /var/lib/nicx/registry.db.
     static std::string DefaultPath();
 
-    /// Touches nothing yet: the first operation opens the file, or makes it (folder 0755, file 0644). Never throws: a
-    /// failure shows in every operation's code. `busyTimeoutMs`: longest wait for another program's write, in milliseconds.
+    /// Touches nothing yet: the first operation opens the file, or makes it (folder 0755, file 0644). Never
+    /// throws: a failure shows in every operation's code. `busyTimeoutMs`: longest wait for another program's
+    /// write, in milliseconds.
     explicit RegistryStore(std::string path, int busyTimeoutMs = 5000);
     ~RegistryStore() override;
 

@@ -16,7 +16,8 @@ std::vector<std::uint8_t> ReadBytes(RegistryStore& store, const std::string& key
     return Ok(read.code) ? read.value.data : std::vector<std::uint8_t>();
 }
 
-/// The entries of a multi-string, whatever terminators it has; positions are kept, empty entries at the end are not.
+/// The entries of a multi-string, whatever terminators it has; positions are kept, empty entries at the end
+/// are not.
 std::vector<std::string> ReadList(RegistryStore& store, const std::string& key, const std::string& name) {
     const std::vector<std::uint8_t> bytes = ReadBytes(store, key, name);
     std::vector<std::string> entries =
@@ -30,7 +31,8 @@ std::uint32_t MetricOf(const std::string& text, std::uint32_t interfaceMetric) {
     return value >= 1 && value <= 4294967295.0 ? static_cast<std::uint32_t>(value) : interfaceMetric;
 }
 
-void TakeAddress(const std::string& text, const std::string& maskText, std::uint32_t index, StaticSetup& setup) {
+void TakeAddress(const std::string& text, const std::string& maskText, std::uint32_t index,
+                 StaticSetup& setup) {
     const std::optional<Ipv4Bytes> address = ParseIpv4(text);
     const std::optional<Ipv4Bytes> mask = ParseIpv4(maskText);
     const std::uint8_t prefix = mask ? PrefixFromMask(*mask).value_or(0) : 0;
@@ -44,8 +46,9 @@ void TakeAddress(const std::string& text, const std::string& maskText, std::uint
     wanted.index = index;
     wanted.address = *address;
     wanted.prefix = prefix;
-    const bool repeated = std::any_of(setup.addresses.begin(), setup.addresses.end(),
-                                      [&](const KernelAddress& other) { return other.address == wanted.address; });
+    const bool repeated =
+        std::any_of(setup.addresses.begin(), setup.addresses.end(),
+                    [&](const KernelAddress& other) { return other.address == wanted.address; });
     if (!repeated) setup.addresses.push_back(wanted);
 }
 
@@ -92,7 +95,8 @@ StaticSetup ReadStaticSetup(RegistryStore& store, const std::string& linkId, std
 std::optional<std::string> ReadOverride(RegistryStore& store, const std::string& driverKey) {
     const RegistryRead read = store.ReadValue(kHkeyLocalMachine, DriverKeyPath(driverKey), "NetworkAddress");
     if (!Ok(read.code)) return std::nullopt;
-    return Without(FromCodePage({reinterpret_cast<const char*>(read.value.data.data()), read.value.data.size()}), '\0');
+    return Without(
+        FromCodePage({reinterpret_cast<const char*>(read.value.data.data()), read.value.data.size()}), '\0');
 }
 
 }  // namespace corvane

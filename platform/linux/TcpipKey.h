@@ -21,9 +21,9 @@ struct StaticSetup {
     std::vector<std::string> refused;
 };
 
-/// Reads "IPAddress", "SubnetMask" ("255.0.0.0" where one is missing), "DefaultGateway", "DefaultGatewayMetric" (one of 0,
-/// or none, gives "InterfaceMetric") of a link. The placeholder "0.0.0.0", empty entries and repeated addresses are
-/// left out.
+/// Reads "IPAddress", "SubnetMask" ("255.0.0.0" where one is missing), "DefaultGateway",
+/// "DefaultGatewayMetric" (one of 0, or none, gives "InterfaceMetric") of a link. The placeholder "0.0.0.0",
+/// empty entries and repeated addresses are left out.
 StaticSetup ReadStaticSetup(RegistryStore& store, const std::string& linkId, std::uint32_t linkIndex);
 
 /// The override "NetworkAddress" of a driver key: its text without NULs, or nothing when there is no value.

@@ -7,7 +7,8 @@ namespace corvane {
 /// The system's time zone as the registry shows it.
 struct TimeZone {
     std::string standardName;  ///< Such as "Europe/Berlin" (TZ, or else the target of /etc/localtime).
-    std::string display;       ///< "(GMT+01:00) Europe/Berlin" with the offset in force now; "(GMT) Etc/UTC" for none.
+    std::string
+        display;  ///< "(GMT+01:00) Europe/Berlin" with the offset in force now; "(GMT) Etc/UTC" for none.
 };
 
 TimeZone CurrentTimeZone();

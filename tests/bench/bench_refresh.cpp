@@ -1,5 +1,5 @@
-// bench_refresh [RUNS]: milliseconds of one RefreshNicInfo over the real back-end, one line a run. The first line is the
-// first refresh of the process, which also opens the store and brings it in step.
+// bench_refresh [RUNS]: milliseconds of one RefreshNicInfo over the real back-end, one line a run. The first
+// line is the first refresh of the process, which also opens the store and brings it in step.
 
 #include <chrono>
 #include <cstdio>

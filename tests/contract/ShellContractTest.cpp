@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "fakes/Fakes.h"
 #include "netns/NetnsSupport.h"
@@ -61,8 +61,9 @@ class ShellContract : public testing::TestWithParam<std::string> {
         std::vector<ShellItem> items;
         std::string failure;
         EXPECT_TRUE(Api().ControlPanelItems(items, failure)) << failure;
-        const auto found = std::find_if(items.begin(), items.end(),
-                                        [](const ShellItem& item) { return item.name == "Network Connections"; });
+        const auto found = std::find_if(items.begin(), items.end(), [](const ShellItem& item) {
+            return item.name == "Network Connections";
+        });
         EXPECT_TRUE(found != items.end() && found->isFolder);
         return static_cast<std::size_t>(found - items.begin());
     }

@@ -180,8 +180,8 @@ void FakeClock::Sleep(std::uint32_t milliseconds) {
 
 std::string FakeHost::GeneralDate(const DateTime& date) {
     char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day, date.hour,
-                  date.minute, date.second);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day,
+                  date.hour, date.minute, date.second);
     return text;
 }
 

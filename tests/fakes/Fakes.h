@@ -169,8 +169,8 @@ class FakeMachine {
     FakeMachine(const FakeMachine&) = delete;
     FakeMachine& operator=(const FakeMachine&) = delete;
 
-    /// Registry keys of an adapter with the given driver key and connection name, bound to TCP/IP. `values` of the
-    /// driver key are REG_SZ texts.
+    /// Registry keys of an adapter with the given driver key and connection name, bound to TCP/IP. `values`
+    /// of the driver key are REG_SZ texts.
     void AddAdapter(const std::string& id, const std::string& name, const std::string& driverKey,
                     const std::vector<std::pair<std::string, std::string>>& values = {});
 

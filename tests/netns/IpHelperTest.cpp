@@ -1,13 +1,12 @@
-#include "platform/linux/IpHelper.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include "netns/NetnsSupport.h"
+#include "platform/linux/IpHelper.h"
 
 namespace corvane {
 namespace {
@@ -101,9 +100,8 @@ TEST_F(IpHelperTest, AnEntryOfTheDumpIsHandedOutOnceAndThenReadAnew) {
 
 TEST_F(IpHelperTest, WithoutCarrierALinkIsDisconnectedOrUnreachable) {
     Ip("link set " + link_.Peer() + " down");
-    ASSERT_TRUE(netns::WaitUntil([&] {
-        return netns::IpJson("link show dev " + link_.Name())[0]["operstate"] != "UP";
-    }));
+    ASSERT_TRUE(netns::WaitUntil(
+        [&] { return netns::IpJson("link show dev " + link_.Name())[0]["operstate"] != "UP"; }));
     IfRow row;
     ASSERT_EQ(helper_.GetIfEntry(link_.Index(), row), Win32Error::kSuccess);
     EXPECT_EQ(row.adminStatus, 1U);

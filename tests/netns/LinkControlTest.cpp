@@ -1,4 +1,10 @@
-#include "platform/linux/LinkControl.h"
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
@@ -8,17 +14,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "netns/NetnsSupport.h"
 #include "platform/Address.h"
 #include "platform/RegistryKeys.h"
+#include "platform/linux/LinkControl.h"
 
 namespace corvane {
 namespace {
@@ -59,9 +58,7 @@ class LinkControlTest : public testing::Test {
     }
     ~LinkControlTest() override { std::filesystem::remove_all(folder_); }
 
-    std::string Address() {
-        return IpJson("link show dev " + link_.Name())[0]["address"].get<std::string>();
-    }
+    std::string Address() { return IpJson("link show dev " + link_.Name())[0]["address"].get<std::string>(); }
     bool Up() {
         const auto flags = IpJson("link show dev " + link_.Name())[0]["flags"];
         return std::find(flags.begin(), flags.end(), "UP") != flags.end();
@@ -74,8 +71,8 @@ class LinkControlTest : public testing::Test {
         return *machine_->RowOfName(link_.Name());
     }
     void SetOverride(const std::string& digits) {
-        ASSERT_EQ(machine_->Store().WriteValue(kHkeyLocalMachine, DriverKeyPath(Row().driverKey), "NetworkAddress",
-                                               {kRegSz, {digits.begin(), digits.end()}}),
+        ASSERT_EQ(machine_->Store().WriteValue(kHkeyLocalMachine, DriverKeyPath(Row().driverKey),
+                                               "NetworkAddress", {kRegSz, {digits.begin(), digits.end()}}),
                   Win32Error::kSuccess);
     }
     bool Disable() { return control_.Disable(link_.Name(), failure_); }
@@ -161,8 +158,7 @@ TEST_F(LinkControlTest, AnotherProgramSeesTheSetUpThatADisabledLinkWillHave) {
     ASSERT_TRUE(Disable()) << failure_;
     Machine other(folder_ + "/registry.db");
     other.Update();
-    const RegistryRead read =
-        other.Store().ReadValue(kHkeyLocalMachine, TcpipKey(Row().id), "IPAddress");
+    const RegistryRead read = other.Store().ReadValue(kHkeyLocalMachine, TcpipKey(Row().id), "IPAddress");
     ASSERT_EQ(read.code, Win32Error::kSuccess);
     EXPECT_EQ(std::string(read.value.data.begin(), read.value.data.end()), std::string("10.91.0.5\0\0", 11));
 }
@@ -178,8 +174,8 @@ TEST_F(LinkControlTest, EnablingReportsEachEntryThatNoHostCanHave) {
     set("DefaultGateway", std::string("10.99.0.1\0\0", 11));
     ASSERT_TRUE(Disable()) << failure_;
     EXPECT_FALSE(Enable());
-    for (const char* text : {"'224.0.0.9' was not set", "'fool' was not set", "'255.0.255.0' is no subnet mask",
-                             "gateway 10.99.0.1 was refused"}) {
+    for (const char* text : {"'224.0.0.9' was not set", "'fool' was not set",
+                             "'255.0.255.0' is no subnet mask", "gateway 10.99.0.1 was refused"}) {
         EXPECT_NE(failure_.find(text), std::string::npos) << text << " in " << failure_;
     }
     EXPECT_EQ(AddressCount(), 1U);
@@ -188,9 +184,10 @@ TEST_F(LinkControlTest, EnablingReportsEachEntryThatNoHostCanHave) {
 TEST_F(LinkControlTest, AMultiStringWithoutTerminatorsIsUnderstood) {
     const std::string address = "10.91.0.9";
     const std::string key = TcpipKey(Row().id);
-    ASSERT_EQ(machine_->Store().Apply(kHkeyLocalMachine,
-                                      {{RegistryStore::Change::Kind::kSetValue, key, "IPAddress",
-                                        {kRegMultiSz, {address.begin(), address.end()}}}}),
+    ASSERT_EQ(machine_->Store().Apply(kHkeyLocalMachine, {{RegistryStore::Change::Kind::kSetValue,
+                                                           key,
+                                                           "IPAddress",
+                                                           {kRegMultiSz, {address.begin(), address.end()}}}}),
               Win32Error::kSuccess);
     ASSERT_TRUE(Disable()) << failure_;
     ASSERT_TRUE(Enable()) << failure_;

@@ -1,15 +1,14 @@
-#include "platform/linux/LinkSync.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "netns/NetnsSupport.h"
 #include "platform/Address.h"
 #include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
+#include "platform/linux/LinkSync.h"
 #include "platform/linux/OriginalNote.h"
 
 namespace corvane {
@@ -55,7 +54,8 @@ class LinkSync : public testing::Test {
     void Sync() { ASSERT_EQ(SyncLinks(store_, picture_, zone_, ethtool_, rows_), Win32Error::kSuccess); }
 
     const LinkRow& Row(const std::string& name) {
-        const auto row = std::find_if(rows_.begin(), rows_.end(), [&](const LinkRow& r) { return r.name == name; });
+        const auto row =
+            std::find_if(rows_.begin(), rows_.end(), [&](const LinkRow& r) { return r.name == name; });
         EXPECT_TRUE(row != rows_.end()) << name;
         static const LinkRow kNone;
         return row == rows_.end() ? kNone : *row;
@@ -64,7 +64,9 @@ class LinkSync : public testing::Test {
         const RegistryRead read = store_.ReadValue(kHkeyLocalMachine, key, name);
         return Ok(read.code) ? std::string(read.value.data.begin(), read.value.data.end()) : "missing";
     }
-    std::string Tcpip(const std::string& link, const std::string& name) { return Bytes(TcpipKey(Row(link).id), name); }
+    std::string Tcpip(const std::string& link, const std::string& name) {
+        return Bytes(TcpipKey(Row(link).id), name);
+    }
     bool Listed(const std::string& id) {
         return store_.ReadValue(kHkeyLocalMachine, kAdaptersKey + ("\\" + id), "").keyOpened;
     }
@@ -243,7 +245,8 @@ TEST_F(LinkSync, ACardThatShowsAnotherAddressAtFirstSightHasItsPermanentOneSaved
     picture_.links = {Link(3, "eth0", kOtherMac)};
     picture_.links[0].permanent = kPermanent;
     Sync();
-    EXPECT_EQ(Bytes(DriverKeyPath(Row("eth0").driverKey), "OriginalNetworkAddress"), MacText(kPermanent) + '\0');
+    EXPECT_EQ(Bytes(DriverKeyPath(Row("eth0").driverKey), "OriginalNetworkAddress"),
+              MacText(kPermanent) + '\0');
 }
 
 TEST_F(LinkSync, TheGuidIsTheSameForAnotherStore) {
@@ -302,7 +305,8 @@ TEST_F(LinkSync, AnotherCardUnderTheSameNameIsAnotherAdapter) {
     picture_.links[0].permanent = kOtherMac;
     picture_.links[0].address = kOtherMac;
     Sync();
-    const auto present = std::find_if(rows_.begin(), rows_.end(), [](const LinkRow& row) { return row.present; });
+    const auto present =
+        std::find_if(rows_.begin(), rows_.end(), [](const LinkRow& row) { return row.present; });
     ASSERT_NE(present, rows_.end());
     EXPECT_NE(present->id, id);
     EXPECT_EQ(present->original, MacDigits(kOtherMac));
