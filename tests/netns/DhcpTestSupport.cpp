@@ -252,7 +252,8 @@ std::vector<std::string> DhcpFixture::RuntimeFiles() {
     std::vector<std::string> names;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(RuntimeFolder(), error)) {
-        names.push_back(entry.path().filename().string());
+        const std::string name = entry.path().filename().string();
+        if (name != "lock") names.push_back(name);
     }
     return names;
 }

@@ -101,7 +101,7 @@ class DhcpFixture : public ::testing::Test {
     static std::uint32_t Dword(const std::string& name, const std::string& id = kId);
 
     static std::string File(const std::string& path);
-    /// Files in the run-time folder.
+    /// Files in the run-time folder, but for the lock file that stays there.
     static std::vector<std::string> RuntimeFiles();
     /// Processes whose program's name or first arguments hold `text`, in this network namespace.
     static std::vector<pid_t> Processes(const std::string& text);

@@ -73,9 +73,12 @@ class Converter(unittest.TestCase):
                              b"00000C\x12\x00Cisco Systems, Inc\x13\x00170 W. TASMAN DRIVE")
 
     def test_records_are_sorted_by_prefix_and_equal_ones_keep_their_order(self):
-        rows = ["MA-L,080030,second in order,", "MA-L,FFFFFF,last,", "MA-L,080030,a later one,", "MA-L,000001,first,"]
+        rows = ["MA-L,080030,second in order,", "MA-L,FEFFFF,last,", "MA-L,080030,a later one,", "MA-L,000001,first,"]
         self.assertEqual([record[1] for record in self.records(rows)],
                          [b"first", b"second in order", b"a later one", b"last"])
+
+    def test_prefixes_with_the_group_bit_are_left_out(self):
+        self.assertEqual([record[0] for record in self.records(["MA-L,1100AA,group,", "MA-L,02608C,local,"])], ["02608C"])
 
     def test_code_page_holds_western_letters_and_typographic_signs(self):
         self.assertEqual(self.texts("Müller Ø ß € – — “a” ‘b’ … Žš"),
