@@ -1,4 +1,19 @@
-# Benchmarks are run by scripts/bench, not by the tests.
-add_executable(bench_refresh EXCLUDE_FROM_ALL ${CMAKE_CURRENT_LIST_DIR}/bench_refresh.cpp)
+# Benchmarks are built and run by scripts/bench, not by the tests. Optimised like the programs.
+set(benchmarks bench_refresh)
+add_executable(bench_refresh EXCLUDE_FROM_ALL bench/bench_refresh.cpp)
 target_link_libraries(bench_refresh PRIVATE corvane_backend)
-set_target_properties(bench_refresh PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+
+find_package(benchmark QUIET)
+if(benchmark_FOUND)
+    add_executable(bench_netlink EXCLUDE_FROM_ALL bench/BenchNetlink.cpp)
+    target_link_libraries(bench_netlink PRIVATE corvane_netlink benchmark::benchmark)
+    add_executable(bench_vendors EXCLUDE_FROM_ALL bench/BenchVendors.cpp)
+    target_link_libraries(bench_vendors PRIVATE corvane_core benchmark::benchmark)
+    target_compile_definitions(bench_vendors PRIVATE CORVANE_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    add_dependencies(bench_vendors vendor_list)
+    list(APPEND benchmarks bench_netlink bench_vendors)
+endif()
+set_target_properties(${benchmarks} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+foreach(benchmark IN LISTS benchmarks)
+    target_compile_options(${benchmark} PRIVATE -O2)
+endforeach()
