@@ -134,6 +134,10 @@ bool DhcpRunning(std::uint32_t linkIndex) {
 Win32Error StartDhcp(std::uint32_t linkIndex, const std::string& linkName, const std::string& linkId,
                      std::string& failure) {
     failure.clear();
+    if (geteuid() != 0) {
+        failure = "only root may start the DHCP supervisor of the link";
+        return Win32Error::kAccessDenied;
+    }
     const std::string program = SupervisorProgram();
     if (program.empty()) {
         failure = "nicx-dhcp is not installed beside this program";
