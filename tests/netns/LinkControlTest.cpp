@@ -24,6 +24,7 @@ namespace {
 
 using netns::Ip;
 using netns::IpJson;
+using namespace std::string_literals;
 
 constexpr char kWanted[] = "000C294F8E35";
 
@@ -160,7 +161,7 @@ TEST_F(LinkControlTest, AnotherProgramSeesTheSetUpThatADisabledLinkWillHave) {
     other.Update();
     const RegistryRead read = other.Store().ReadValue(kHkeyLocalMachine, TcpipKey(Row().id), "IPAddress");
     ASSERT_EQ(read.code, Win32Error::kSuccess);
-    EXPECT_EQ(std::string(read.value.data.begin(), read.value.data.end()), std::string("10.91.0.5\0\0", 11));
+    EXPECT_EQ(std::string(read.value.data.begin(), read.value.data.end()), "10.91.0.5\0\0"s);
 }
 
 TEST_F(LinkControlTest, EnablingReportsEachEntryThatNoHostCanHave) {
@@ -169,9 +170,9 @@ TEST_F(LinkControlTest, EnablingReportsEachEntryThatNoHostCanHave) {
                                                {kRegMultiSz, {bytes.begin(), bytes.end()}}),
                   Win32Error::kSuccess);
     };
-    set("IPAddress", std::string("10.91.0.7\000224.0.0.9\0fool\00010.91.0.8\0\0", 38));
-    set("SubnetMask", std::string("255.255.255.0\000255.0.0.0\000255.0.0.0\000255.0.255.0\0\0", 49));
-    set("DefaultGateway", std::string("10.99.0.1\0\0", 11));
+    set("IPAddress", "10.91.0.7\000224.0.0.9\0fool\00010.91.0.8\0\0"s);
+    set("SubnetMask", "255.255.255.0\000255.0.0.0\000255.0.0.0\000255.0.255.0\0\0"s);
+    set("DefaultGateway", "10.99.0.1\0\0"s);
     ASSERT_TRUE(Disable()) << failure_;
     EXPECT_FALSE(Enable());
     for (const char* text : {"'224.0.0.9' was not set", "'fool' was not set",
