@@ -24,7 +24,7 @@ inline constexpr std::size_t kLongestPresetText = 65535;
 
 /// Most bytes of a presets file that are read or written: room for more than 10000 presets, and a bound to
 /// what a damaged file can make the program take (a list of a few hundred MiB).
-inline constexpr std::size_t kLargestPresetsFile = 16U * 1024U * 1024U;
+inline constexpr std::size_t kLargestPresetsFile = std::size_t{16} * 1024 * 1024;
 
 /// Of the records that the count announces but the file does not hold, those from this number on are not
 /// kept.

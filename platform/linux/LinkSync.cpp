@@ -76,7 +76,7 @@ std::string MakeId(const KernelLink& link, const std::set<std::string>& taken) {
         uuid_generate_sha1(id, kNamespace, name.data(), name.size());
         std::array<char, 37> text{};
         uuid_unparse_upper(id, text.data());
-        const std::string guid = "{" + std::string(text.data()) + "}";
+        std::string guid = "{" + std::string(text.data()) + "}";
         if (!taken.contains(guid)) return guid;
     }
 }
