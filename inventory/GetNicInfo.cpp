@@ -7,15 +7,21 @@
 #include <vector>
 
 #include "inventory/NicInfo.h"
+#include "inventory/ReadText.h"
 #include "inventory/Stages.h"
 #include "platform/IphlpApi.h"
 #include "platform/Registry.h"
+#include "platform/RegistryErrorBox.h"
 #include "platform/Seat.h"
 #include "platform/Text.h"
 
 namespace corvane {
 
 namespace {
+
+void ShowReadError(const std::string& path, Win32Error code) {
+    ShowRegistryError("Error! Cannot Read Registry", "Error while reading windows registry.", path, code);
+}
 
 /// Position of the first record of each Id.
 using IdIndex = std::unordered_map<std::string, std::size_t>;
@@ -24,21 +30,6 @@ IdIndex IndexOfIds() {
     IdIndex index;
     for (std::size_t i = 0; i < Nics.size(); ++i) index.emplace(Nics[i].Id, i);
     return index;
-}
-
-void ShowReadError(const std::string& path, Win32Error code) {
-    CurrentSeat().ShowBox("Error! Cannot Read Registry",
-                          std::string("Error while reading windows registry.") + kCrLf + kCrLf +
-                              "Registry Path: HKEY_LOCAL_MACHINE\\" + path + kCrLf + kCrLf +
-                              "Error: " + RegErrorText(code) + kCrLf + kCrLf + "Click OK to continue",
-                          BoxIcon::kCritical, BoxButtons::kOk);
-}
-
-/// A value as text; empty when it is missing or cannot be read.
-std::string ReadText(const std::string& key, const std::string& name) {
-    std::string text;
-    static_cast<void>(RegQueryString(kHkeyLocalMachine, key, name, text));
-    return text;
 }
 
 /// Characters of a registry text: each is one byte of the code page, whatever its length in UTF-8.

@@ -5,6 +5,7 @@
 
 #include "inventory/GetNicInfo.h"
 #include "inventory/NicInfo.h"
+#include "inventory/ReadText.h"
 #include "inventory/Stages.h"
 #include "platform/Registry.h"
 #include "platform/Text.h"
@@ -12,12 +13,6 @@
 namespace corvane {
 
 namespace {
-
-std::string ReadText(const std::string& key, const std::string& name) {
-    std::string text;
-    static_cast<void>(RegQueryString(kHkeyLocalMachine, key, name, text));
-    return text;
-}
 
 std::vector<std::uint8_t> ReadBytes(const std::string& key, const std::string& name) {
     std::vector<std::uint8_t> data;

@@ -5,6 +5,7 @@
 #include "mac/RestartConnection.h"
 #include "mac/SetConnectionState.h"
 #include "platform/Registry.h"
+#include "platform/RegistryErrorBox.h"
 #include "platform/Seat.h"
 #include "platform/Text.h"
 
@@ -24,12 +25,8 @@ void RememberFolder(const std::string& name) {
         code = RegSetString(kHkeyLocalMachine, kProgramKey, kNetworkFolderValue, NetworkFolderName, kRegSz);
     }
     if (Ok(code)) return;
-    CurrentSeat().ShowBox("Error! Cannot Write Registry",
-                          std::string("Error while writing windows registry.") + kCrLf + kCrLf +
-                              "Registry Path: HKEY_LOCAL_MACHINE\\" + kProgramKey + "\\" +
-                              kNetworkFolderValue + kCrLf + kCrLf + "Error: " + RegErrorText(code) + kCrLf +
-                              kCrLf + "Click OK to continue",
-                          BoxIcon::kCritical, BoxButtons::kOk);
+    ShowRegistryError("Error! Cannot Write Registry", "Error while writing windows registry.",
+                      std::string(kProgramKey) + "\\" + kNetworkFolderValue, code);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include "inventory/NicInfo.h"
 #include "platform/Registry.h"
-#include "platform/Seat.h"
+#include "platform/RegistryErrorBox.h"
 
 namespace corvane {
 
@@ -18,11 +18,8 @@ bool WriteNetworkAddress(std::size_t adapter, const std::string& text) {
         code = RegDeleteValue(kHkeyLocalMachine, key, kValue);
     }
     if (Ok(code)) return true;
-    CurrentSeat().ShowBox("Error! Cannot Write Registry",
-                          std::string("Error while writing in windows registry.") + kCrLf + kCrLf +
-                              "Registry Path: HKEY_LOCAL_MACHINE\\" + key + "\\" + kValue + kCrLf + kCrLf +
-                              "Error: " + RegErrorText(code) + kCrLf + kCrLf + "Click OK to continue",
-                          BoxIcon::kCritical, BoxButtons::kOk);
+    ShowRegistryError("Error! Cannot Write Registry", "Error while writing in windows registry.",
+                      key + "\\" + kValue, code);
     return false;
 }
 

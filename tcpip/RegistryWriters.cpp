@@ -4,6 +4,7 @@
 
 #include "inventory/NicInfo.h"
 #include "platform/Registry.h"
+#include "platform/RegistryErrorBox.h"
 #include "platform/Seat.h"
 #include "platform/Text.h"
 
@@ -62,11 +63,7 @@ class InterfaceKey {
 
 void ShowFailure(const std::string& title, const std::string& firstLine, const InterfaceKey& key,
                  const RegistryFailure& failure) {
-    CurrentSeat().ShowBox(title,
-                          firstLine + kCrLf + kCrLf + "Registry Path: HKEY_LOCAL_MACHINE\\" + key.Path() +
-                              "\\" + failure.valueName + kCrLf + kCrLf +
-                              "Error: " + RegErrorText(failure.code) + kCrLf + kCrLf + "Click OK to continue",
-                          BoxIcon::kCritical, BoxButtons::kOk);
+    ShowRegistryError(title, firstLine, key.Path() + "\\" + failure.valueName, failure.code);
 }
 
 /// Runs a routine on the adapter's key: a registry failure ends in `report`, any other fault ends it quietly.

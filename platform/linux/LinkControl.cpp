@@ -72,6 +72,8 @@ class Operation {
         }
         RemoveAddressesBut({});
         ApplyResolver();
+        KernelLink now;
+        if (machine_.Kernel().GetLink(link_.index, now).Ok() && now.Up()) Problem("the link is still up");
         return problems_.empty();
     }
 
@@ -97,7 +99,7 @@ class Operation {
         RestoreHeld();
         ReleaseHold();
         ApplyResolver();
-        ReadBack(dhcp ? StaticSetup() : setup);
+        ReadBack();
         return problems_.empty();
     }
 
@@ -231,7 +233,9 @@ class Operation {
         RemoveAddressesBut(setup.addresses);
         for (const KernelAddress& address : setup.addresses) {
             const KernelAnswer answer = machine_.Kernel().AddAddress(address, true);
-            if (!answer.Ok()) {
+            if (answer.Ok()) {
+                given_.addresses.push_back(address);
+            } else {
                 Problem("IP address " + DottedQuad(address.address.data()) +
                         " was refused: " + answer.Words());
             }
@@ -245,7 +249,9 @@ class Operation {
         }
         for (const KernelRoute& route : setup.defaultRoutes) {
             const KernelAnswer answer = machine_.Kernel().AddRoute(route);
-            if (!answer.Ok()) {
+            if (answer.Ok()) {
+                given_.defaultRoutes.push_back(route);
+            } else {
                 Problem("gateway " + DottedQuad(route.gateway->data()) + " was refused: " + answer.Words());
             }
         }
@@ -276,8 +282,8 @@ class Operation {
         if (!ApplyDns(machine_.Store(), machine_.Kernel(), failure)) problems_.push_back(failure);
     }
 
-    /// The kernel is the witness of what was asked for.
-    void ReadBack(const StaticSetup& setup) {
+    /// The kernel is the witness of what it said that it took.
+    void ReadBack() {
         KernelLink now;
         const KernelAnswer answer = machine_.Kernel().GetLink(link_.index, now);
         if (!answer.Ok()) {
@@ -288,11 +294,28 @@ class Operation {
         if (wanted_ && now.address != *wanted_) {
             Problem("the MAC address is " + MacText(now.address) + ", not " + MacText(*wanted_));
         }
-        std::vector<KernelAddress> present;
-        static_cast<void>(machine_.Kernel().DumpAddresses(present));
+        std::vector<KernelAddress> addresses;
+        std::vector<KernelRoute> routes;
+        static_cast<void>(machine_.Kernel().DumpAddresses(addresses));
+        static_cast<void>(machine_.Kernel().DumpRoutes(routes));
         std::vector<Ipv4Bytes> announced;
-        for (const KernelAddress& address : setup.addresses) {
-            if (Contains(present, address)) announced.push_back(address.address);
+        for (const KernelAddress& address : given_.addresses) {
+            if (Contains(addresses, address)) {
+                announced.push_back(address.address);
+            } else {
+                Problem("IP address " + DottedQuad(address.address.data()) +
+                        " is not there although it was accepted");
+            }
+        }
+        for (const KernelRoute& route : given_.defaultRoutes) {
+            const bool there = std::any_of(routes.begin(), routes.end(), [&](const KernelRoute& other) {
+                return other.index == route.index && other.prefix == 0 && other.gateway == route.gateway &&
+                       other.metric == route.metric;
+            });
+            if (!there) {
+                Problem("gateway " + DottedQuad(route.gateway->data()) +
+                        " is not there although it was accepted");
+            }
         }
         if (announced.empty()) return;
         if (!now.Running()) AwaitCarrier();
@@ -323,6 +346,7 @@ class Operation {
     LinkRow row_;
     KernelLink link_;
     std::optional<MacBytes> wanted_;
+    StaticSetup given_;  ///< What the kernel accepted.
     bool overrides_ = false;
     std::vector<std::string> problems_;
 };

@@ -15,14 +15,14 @@ Machine::~Machine() = default;
 void Machine::Update() {
     const bool changed = monitor_.TakeChanges();
     if (known_ && !changed) return;
-    std::vector<KernelLink> links;
-    const bool complete = netlink_->DumpLinks(links).Ok() &&
-                          netlink_->DumpAddresses(picture_.addresses).Ok() &&
-                          netlink_->DumpRoutes(picture_.routes).Ok();
-    std::erase_if(links, [](const KernelLink& link) { return !IsAdapter(link); });
-    picture_.links = std::move(links);
-    // A picture with holes must not make the store forget links.
-    if (!complete) return;
+    KernelPicture picture;
+    picture.incarnationBase = picture_.incarnationBase;
+    known_ = netlink_->DumpLinks(picture.links).Ok() && netlink_->DumpAddresses(picture.addresses).Ok() &&
+             netlink_->DumpRoutes(picture.routes).Ok();
+    // A picture with holes must not make the store forget links: the former one stands until the next try.
+    if (!known_) return;
+    std::erase_if(picture.links, [](const KernelLink& link) { return !IsAdapter(link); });
+    picture_ = std::move(picture);
     known_ = Ok(SyncLinks(store_, picture_, zone_, ethtool_, rows_));
 }
 

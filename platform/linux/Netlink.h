@@ -92,7 +92,7 @@ class Netlink {
     // Dumps replace their out-list; on failure it is empty.
     KernelAnswer DumpLinks(std::vector<KernelLink>& links);
     KernelAnswer DumpAddresses(std::vector<KernelAddress>& addresses);
-    KernelAnswer DumpRoutes(std::vector<KernelRoute>& routes);
+    virtual KernelAnswer DumpRoutes(std::vector<KernelRoute>& routes);
 
     /// One link by index or by name; ENODEV when there is none.
     KernelAnswer GetLink(std::uint32_t index, KernelLink& link);
@@ -111,14 +111,14 @@ class Netlink {
     /// Adds an address (EEXIST when it is there already with this prefix); with `replace` an existing one
     /// gets the new lifetimes instead. The broadcast address is set from the prefix (RFC 919) for prefixes up
     /// to 30.
-    KernelAnswer AddAddress(const KernelAddress& address, bool replace);
+    virtual KernelAnswer AddAddress(const KernelAddress& address, bool replace);
     /// Takes address and prefix together; EADDRNOTAVAIL when the link has no such pair, or has it with a
     /// peer's address on the other end. The kernel removes the secondary addresses of a primary one with it.
     KernelAnswer DeleteAddress(const KernelAddress& address);
 
     /// Adds a route beside routes of the same destination and metric (NLM_F_APPEND); EEXIST for the very same
     /// route. ENETUNREACH when no route leads to the gateway. Every field is sent as it is, the scope too.
-    KernelAnswer AddRoute(const KernelRoute& route);
+    virtual KernelAnswer AddRoute(const KernelRoute& route);
     /// Removes the route that agrees in every field; ESRCH when there is none.
     KernelAnswer DeleteRoute(const KernelRoute& route);
 

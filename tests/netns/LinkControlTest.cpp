@@ -34,6 +34,9 @@ class RefusingKernel : public Netlink {
     std::optional<int> addressRefusal;
     int upRefusals = 0;  ///< How many times "up" is still refused.
     bool ignoresAddresses = false;
+    bool ignoresSetUp = false;  ///< Says yes to addresses and routes and does nothing.
+    bool ignoresDown = false;
+    bool losesRoutes = false;  ///< Route dumps fail.
 
     KernelAnswer SetLinkAddress(std::uint32_t index, const MacBytes& address) override {
         if (addressRefusal && MacDigits(address) == kWanted) return {*addressRefusal, "the driver says no"};
@@ -45,7 +48,17 @@ class RefusingKernel : public Netlink {
             --upRefusals;
             return {EADDRINUSE, ""};
         }
+        if (!up && ignoresDown) return {};
         return Netlink::SetLinkUp(index, up);
+    }
+    KernelAnswer AddAddress(const KernelAddress& address, bool replace) override {
+        return ignoresSetUp ? KernelAnswer{} : Netlink::AddAddress(address, replace);
+    }
+    KernelAnswer AddRoute(const KernelRoute& route) override {
+        return ignoresSetUp ? KernelAnswer{} : Netlink::AddRoute(route);
+    }
+    KernelAnswer DumpRoutes(std::vector<KernelRoute>& routes) override {
+        return losesRoutes ? KernelAnswer{ENOBUFS, ""} : Netlink::DumpRoutes(routes);
     }
 };
 
@@ -146,6 +159,35 @@ TEST_F(LinkControlTest, AnAddressThatTheDriverOnlyPretendsToTakeIsNoticed) {
     ASSERT_TRUE(Disable()) << failure_;
     EXPECT_FALSE(Enable());
     EXPECT_NE(failure_.find("not 00-0C-29-4F-8E-35"), std::string::npos) << failure_;
+}
+
+TEST_F(LinkControlTest, AnAddressAndAGatewayThatTheKernelOnlyPretendsToTakeAreNoticed) {
+    Ip("route add default via 10.91.0.1 dev " + link_.Name());
+    ASSERT_TRUE(Disable()) << failure_;
+    kernel_->ignoresSetUp = true;
+    EXPECT_FALSE(Enable());
+    EXPECT_NE(failure_.find("IP address 10.91.0.5 is not there"), std::string::npos) << failure_;
+    EXPECT_NE(failure_.find("gateway 10.91.0.1 is not there"), std::string::npos) << failure_;
+}
+
+TEST_F(LinkControlTest, ALinkThatStaysUpIsNotSaidToBeDisabled) {
+    kernel_->ignoresDown = true;
+    EXPECT_FALSE(Disable());
+    EXPECT_NE(failure_.find("still up"), std::string::npos) << failure_;
+}
+
+TEST_F(LinkControlTest, APictureThatCouldNotBeReadWholeLeavesTheFormerOneAndIsReadAgain) {
+    kernel_->losesRoutes = true;
+    Ip("address add 10.91.0.6/24 dev " + link_.Name());
+    machine_->Update();
+    EXPECT_EQ(std::count_if(machine_->Picture().addresses.begin(), machine_->Picture().addresses.end(),
+                            [&](const KernelAddress& address) { return address.index == link_.Index(); }),
+              1);
+    kernel_->losesRoutes = false;
+    machine_->Update();
+    EXPECT_EQ(std::count_if(machine_->Picture().addresses.begin(), machine_->Picture().addresses.end(),
+                            [&](const KernelAddress& address) { return address.index == link_.Index(); }),
+              2);
 }
 
 TEST_F(LinkControlTest, AVanishedLinkIsSaidToBeGone) {
