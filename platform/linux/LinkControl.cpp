@@ -70,10 +70,11 @@ class Operation {
             if (!held) SetHeld(false);
             return false;
         }
-        RemoveAddressesBut({});
-        ApplyResolver();
+        // Read back at once: later on somebody else may have taken it up again.
         KernelLink now;
         if (machine_.Kernel().GetLink(link_.index, now).Ok() && now.Up()) Problem("the link is still up");
+        RemoveAddressesBut({});
+        ApplyResolver();
         return problems_.empty();
     }
 
