@@ -13,10 +13,6 @@ namespace corvane {
 
 namespace {
 
-void Inform(const std::string& title, const std::string& text) {
-    CurrentSeat().ShowBox(title, text, BoxIcon::kInformation, BoxButtons::kOk);
-}
-
 /// In memory at once, and in the registry. A failure is shown; the operation goes on.
 void RememberFolder(const std::string& name) {
     NetworkFolderName = ToLower(name);
@@ -48,22 +44,18 @@ void BrowseNetworkFolder(const std::vector<ShellItem>& panel, const FolderReques
 
     if (request.restart) {
         if (!RestartConnection(request.connectionName, false, false)) return;
-        Inform("Network Connection Restarted", "Network connection restarted successfully.");
+        ShowInformation("Network Connection Restarted", "Network connection restarted successfully.");
         seat.Refresh();
         return;
     }
-    seat.RowProgress(1, "");
-    seat.RowProgress(2, "");
-    seat.RowProgress(3, request.enable ? "Enabling ..." : "Disabling ...");
-    seat.RowProgress(4, " ");
-    seat.LetEventsRun();
+    BeginRowProgress(request.enable ? "Enabling ..." : "Disabling ...");
     if (SetConnectionState(request.connectionName, request.enable, false) != StateResult::kDone) return;
     static constexpr std::uint32_t kWaitMilliseconds = 5000;
     CurrentPlatform().clock->Sleep(kWaitMilliseconds);
     if (request.enable) {
-        Inform("Network Connection Enabled", "Network connection enabled successfully.");
+        ShowInformation("Network Connection Enabled", "Network connection enabled successfully.");
     } else {
-        Inform("Network Connection Disabled", "Network connection disabled successfully.");
+        ShowInformation("Network Connection Disabled", "Network connection disabled successfully.");
     }
     seat.Refresh();
 }

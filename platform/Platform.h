@@ -213,6 +213,23 @@ class ShellApi {
     virtual bool OpenDocument(const std::string& target, std::string& failure) = 0;
 };
 
+// ---- changes from outside
+// -------------------------------------------------------------------------------------
+
+/// Tells when links, addresses or routes change, whoever changes them.
+class ChangesApi {
+ public:
+    virtual ~ChangesApi() = default;
+
+    /// Takes all changes up to now, without waiting. True when there were any since the last call, or when it
+    /// cannot be known.
+    virtual bool TakeChanges() = 0;
+
+    /// A file descriptor that becomes readable when there are changes to take; -1 when there is none to wait
+    /// on.
+    virtual int Descriptor() = 0;
+};
+
 // ---- clock and host
 // -----------------------------------------------------------------------------------------
 
@@ -268,6 +285,7 @@ struct Platform {
     std::shared_ptr<ShellApi> shell;
     std::shared_ptr<ClockApi> clock;
     std::shared_ptr<HostApi> host;
+    std::shared_ptr<ChangesApi> changes;
 };
 
 /// The installed platform. Programs install theirs once at start.

@@ -10,6 +10,7 @@ namespace corvane {
 /// family.
 class RunTimeError : public std::runtime_error {
  public:
+    static constexpr int kOverflow = 6;
     static constexpr int kOutOfMemory = 7;
     static constexpr int kSubscriptOutOfRange = 9;
     static constexpr int kDivisionByZero = 11;

@@ -104,4 +104,25 @@ class ScopedSeat {
     Seat* former_;
 };
 
+/// Shows what was done, with OK.
+inline void ShowInformation(const std::string& title, const std::string& text) {
+    CurrentSeat().ShowBox(title, text, BoxIcon::kInformation, BoxButtons::kOk);
+}
+
+/// Asks with Yes, No and Cancel. True for Yes alone.
+inline bool UserSaysYes(const std::string& title, const std::string& question) {
+    return CurrentSeat().ShowBox(title, question, BoxIcon::kQuestion, BoxButtons::kYesNoCancel) ==
+           BoxAnswer::kYes;
+}
+
+/// Leaves only `text` in the selected row of the connection list, where its status stands, and paints it.
+inline void BeginRowProgress(const std::string& text) {
+    Seat& seat = CurrentSeat();
+    seat.RowProgress(1, "");
+    seat.RowProgress(2, "");
+    seat.RowProgress(3, text);
+    seat.RowProgress(4, " ");
+    seat.LetEventsRun();
+}
+
 }  // namespace corvane

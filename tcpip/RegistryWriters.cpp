@@ -2,11 +2,12 @@
 
 #include <functional>
 
-#include "inventory/NicInfo.h"
+#include "platform/Platform.h"
 #include "platform/Registry.h"
 #include "platform/RegistryErrorBox.h"
 #include "platform/Seat.h"
 #include "platform/Text.h"
+#include "tcpip/InterfaceKey.h"
 
 namespace corvane {
 
@@ -14,76 +15,19 @@ namespace {
 
 using TextList = std::vector<std::string>;
 
-const std::string kNul(1, '\0');
-const std::string kPlaceholder = "0.0.0.0";
-
-/// A failed read or write, on its way to the routine's box.
-struct RegistryFailure {
-    std::string valueName;
-    Win32Error code;
-};
-
-void Check(Win32Error code, const std::string& valueName) {
-    if (!Ok(code)) throw RegistryFailure{valueName, code};
-}
-
-std::string MultiString(const TextList& entries) { return Join(entries, kNul) + kNul + kNul; }
-
-/// One adapter's TCP/IP key.
-class InterfaceKey {
- public:
-    explicit InterfaceKey(std::int16_t adapter)
-        : path_(TcpipKey(Nics.at(static_cast<std::size_t>(adapter)).Id)) {}
-
-    [[nodiscard]] const std::string& Path() const { return path_; }
-
-    void WriteDword(const std::string& name, std::uint32_t value) const {
-        Check(RegSetBinary(kHkeyLocalMachine, path_, name, DwordBytes(value), kRegDword), name);
-    }
-    void WriteText(const std::string& name, const std::string& text, std::uint32_t type) const {
-        Check(RegSetString(kHkeyLocalMachine, path_, name, text, type), name);
-    }
-    void WriteList(const std::string& name, const TextList& entries) const {
-        WriteText(name, MultiString(entries), kRegMultiSz);
-    }
-    [[nodiscard]] std::string ReadText(const std::string& name) const {
-        std::string text;
-        Check(RegQueryString(kHkeyLocalMachine, path_, name, text), name);
-        return text;
-    }
-    /// The entries of a list, as a rule followed by one empty entry; `placeholder` alone for an empty list.
-    [[nodiscard]] TextList ReadList(const std::string& name, const std::string& placeholder) const {
-        const std::string text = ReadText(name);
-        return Split(text.empty() || text == kNul ? placeholder : text, '\0');
-    }
-
- private:
-    std::string path_;
-};
-
-void ShowFailure(const std::string& title, const std::string& firstLine, const InterfaceKey& key,
-                 const RegistryFailure& failure) {
-    ShowRegistryError(title, firstLine, key.Path() + "\\" + failure.valueName, failure.code);
-}
-
 /// Runs a routine on the adapter's key: a registry failure ends in `report`, any other fault ends it quietly.
 void Guarded(std::int16_t adapter, const std::function<void(const InterfaceKey&)>& routine,
-             const std::function<void(const InterfaceKey&, const RegistryFailure&)>& report) noexcept {
+             const FailureReport& report) noexcept {
     try {
-        const InterfaceKey key(adapter);
-        try {
-            routine(key);
-        } catch (const RegistryFailure& failure) {
-            report(key, failure);
-        }
+        RunOnKey(InterfaceKey(static_cast<std::size_t>(adapter)), routine, report);
     } catch (...) {
         return;
     }
 }
 
 void ReportReadWrite(const InterfaceKey& key, const RegistryFailure& failure) {
-    ShowFailure("Error! Cannot Read/Write Registry", "Error while reading/writing in windows registry.", key,
-                failure);
+    ShowRegistryError("Error! Cannot Read/Write Registry", "Error while reading/writing in windows registry.",
+                      key.Path() + "\\" + failure.valueName, failure.code);
 }
 
 /// Two lists of a key that run in step: addresses and masks, or gateways and metrics.
@@ -140,14 +84,6 @@ void RemoveFromPair(const InterfaceKey& key, const char* firstName, const char* 
     key.WriteText(secondName, secondText, kRegMultiSz);
 }
 
-void ResetToDhcp(const InterfaceKey& key) {
-    key.WriteDword("EnableDHCP", 1);
-    key.WriteList("IPAddress", {kPlaceholder});
-    key.WriteList("SubnetMask", {kPlaceholder});
-    key.WriteText("DefaultGateway", kNul, kRegMultiSz);
-    key.WriteText("DefaultGatewayMetric", kNul, kRegMultiSz);
-}
-
 }  // namespace
 
 void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList& addresses,
@@ -155,7 +91,7 @@ void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList
                         const TextList& dnsServers) {
     const auto write = [&](const InterfaceKey& key) {
         if ((flags & kTcpipDhcp) != 0) {
-            ResetToDhcp(key);
+            key.SwitchDhcpAndReset(true);
         } else {
             key.WriteDword("EnableDHCP", 0);
             if ((flags & kTcpipAddresses) != 0) {
@@ -173,20 +109,18 @@ void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList
             key.WriteText("NameServer", kNul, kRegSz);
         }
     };
-    Guarded(adapter, write, [](const InterfaceKey& key, const RegistryFailure& failure) {
-        ShowFailure("Error! Cannot Write Registry", "Error while writing in windows registry.", key, failure);
-    });
+    Guarded(adapter, write, ReportWrite);
 }
 
 void AddRegistryIPAddress(std::int16_t adapter, const std::string& address, const std::string& mask) {
     const auto add = [&](const InterfaceKey& key) {
-        ListPair lists = ReadPair(key, "IPAddress", "SubnetMask", kPlaceholder);
+        ListPair lists = ReadPair(key, "IPAddress", "SubnetMask", kNoAddress);
         bool found = false;
         for (std::size_t i = 0; i < lists.first.size(); ++i) {
             if (lists.first[i] == address) {
                 found = true;
                 lists.second[i] = mask;
-            } else if (lists.first[i] == kPlaceholder) {
+            } else if (lists.first[i] == kNoAddress) {
                 found = true;
                 lists.first[i] = address;
                 lists.second[i] = mask;
@@ -195,7 +129,7 @@ void AddRegistryIPAddress(std::int16_t adapter, const std::string& address, cons
                 break;
             }
         }
-        if (!found) PutIntoFreeSlot(lists, kPlaceholder, address, mask);
+        if (!found) PutIntoFreeSlot(lists, kNoAddress, address, mask);
         for (std::size_t i = 0; i < lists.first.size(); ++i) {
             if (!lists.first[i].empty()) continue;
             if (i + 1 == lists.first.size()) {
@@ -212,7 +146,7 @@ void AddRegistryIPAddress(std::int16_t adapter, const std::string& address, cons
 
 void RemoveRegistryIPAddress(std::int16_t adapter, const std::string& address) {
     const auto remove = [&](const InterfaceKey& key) {
-        RemoveFromPair(key, "IPAddress", "SubnetMask", address, MultiString({kPlaceholder}));
+        RemoveFromPair(key, "IPAddress", "SubnetMask", address, MultiString({kNoAddress}));
     };
     Guarded(adapter, remove, ReportReadWrite);
 }

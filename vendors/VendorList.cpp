@@ -21,7 +21,7 @@ constexpr std::size_t kLengthBytes = 2;
 constexpr std::size_t kSmallestRecord = kPrefixBytes + 2 * kLengthBytes;
 
 /// Larger files are refused, which also keeps every offset within 32 bits.
-constexpr std::uintmax_t kLargestFile = 256U * 1024U * 1024U;
+constexpr std::uintmax_t kLargestFile = std::uintmax_t{256} * 1024 * 1024;
 
 constexpr char kRemedy[] = "Put back the file that came with the program.";
 
@@ -166,12 +166,16 @@ std::string_view VendorTable::Prefix(std::size_t i) const {
     return std::string_view(bytes_).substr(StartOf(i), kPrefixBytes);
 }
 
-std::string VendorTable::Name(std::size_t i) const { return FromCodePage(TextAt(StartOf(i) + kPrefixBytes)); }
+std::string_view VendorTable::NameBytes(std::size_t i) const { return TextAt(StartOf(i) + kPrefixBytes); }
 
-std::string VendorTable::Address(std::size_t i) const {
+std::string_view VendorTable::AddressBytes(std::size_t i) const {
     const std::size_t name = StartOf(i) + kPrefixBytes;
-    return FromCodePage(TextAt(name + kLengthBytes + LengthAt(bytes_, name)));
+    return TextAt(name + kLengthBytes + LengthAt(bytes_, name));
 }
+
+std::string VendorTable::Name(std::size_t i) const { return FromCodePage(NameBytes(i)); }
+
+std::string VendorTable::Address(std::size_t i) const { return FromCodePage(AddressBytes(i)); }
 
 VendorRecord VendorTable::Record(std::size_t i) const {
     return {.Prefix = FromCodePage(Prefix(i)), .Name = Name(i), .Address = Address(i)};
@@ -200,7 +204,7 @@ VendorTable& Vendors() {
 
 std::string VendorText(const VendorTable& table, std::size_t i) {
     if (ShortVendorList) return table.Name(i);
-    return table.Name(i) + "   Address: " + table.Address(i);
+    return table.Name(i) + kAddressLabel + table.Address(i);
 }
 
 std::optional<std::size_t> FindVendor(std::string_view prefix) { return Vendors().FindVendor(prefix); }

@@ -53,6 +53,11 @@ class VendorTable {
     [[nodiscard]] std::string Address(std::size_t i) const;
     [[nodiscard]] VendorRecord Record(std::size_t i) const;
 
+    /// Name and address of record `i` without a copy: the bytes of the file, in the code page. Valid, and out
+    /// of range, as Prefix is.
+    [[nodiscard]] std::string_view NameBytes(std::size_t i) const;
+    [[nodiscard]] std::string_view AddressBytes(std::size_t i) const;
+
     /// The first record whose prefix is `prefix`, letter for letter (case counts); nothing when there is
     /// none.
     [[nodiscard]] std::optional<std::size_t> FindVendor(std::string_view prefix) const;
@@ -85,7 +90,10 @@ VendorTable& Vendors();
 /// Process-wide: vendors are shown by their names only. Set at start-up by the option -sv.
 inline bool ShortVendorList = false;
 
-/// How record `i` is shown: its name, "   Address: " and its address, or the name alone when ShortVendorList
+/// What stands between name and address where both are shown.
+inline constexpr char kAddressLabel[] = "   Address: ";
+
+/// How record `i` is shown: its name, kAddressLabel and its address, or the name alone when ShortVendorList
 /// is set.
 std::string VendorText(const VendorTable& table, std::size_t i);
 

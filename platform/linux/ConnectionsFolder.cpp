@@ -1,13 +1,5 @@
 #include "platform/linux/ConnectionsFolder.h"
 
-#include <cerrno>
-#include <cstring>
-
-#include <spawn.h>
-#include <sys/wait.h>
-
-extern char** environ;
-
 namespace corvane {
 
 namespace {
@@ -64,19 +56,7 @@ bool ConnectionsFolder::DoVerb(std::size_t panelItem, std::size_t item, std::siz
 }
 
 bool ConnectionsFolder::OpenDocument(const std::string& target, std::string& failure) {
-    std::string program = "xdg-open";
-    std::string argument = target;
-    char* arguments[] = {program.data(), argument.data(), nullptr};
-    pid_t child = 0;
-    const int error = posix_spawnp(&child, program.c_str(), nullptr, nullptr, arguments, environ);
-    int status = 0;
-    if (error != 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        failure =
-            "'" + target + "' could not be opened with xdg-open" +
-            (error != 0 ? ": " + std::string(std::strerror(error)) + "; install the package xdg-utils" : "");
-        return false;
-    }
-    return true;
+    return opener_.Open(target, failure);
 }
 
 }  // namespace corvane

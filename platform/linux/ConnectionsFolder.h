@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/Platform.h"
+#include "platform/linux/DesktopOpener.h"
 #include "platform/linux/LinkControl.h"
 #include "platform/linux/Machine.h"
 
@@ -22,12 +23,12 @@ class ConnectionsFolder : public ShellApi {
     bool ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
                    std::string& failure) override;
     bool DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) override;
-    /// Through xdg-open, which must be installed.
     bool OpenDocument(const std::string& target, std::string& failure) override;
 
  private:
     std::shared_ptr<Machine> machine_;
     LinkControl control_;
+    DesktopOpener opener_;
     std::vector<std::string> links_;  ///< Of the latest FolderItems.
     bool offersDisable_ = false;      ///< Of the latest ItemVerbs.
 };

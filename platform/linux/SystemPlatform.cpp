@@ -1,19 +1,43 @@
 #include <memory>
+#include <optional>
 
 #include "platform/Platform.h"
 #include "platform/linux/ConnectionsFolder.h"
 #include "platform/linux/Host.h"
 #include "platform/linux/IpHelper.h"
+#include "platform/linux/LinkMonitor.h"
 #include "platform/linux/Machine.h"
 #include "platform/linux/SyncedRegistry.h"
 
 namespace corvane {
 
+namespace {
+
+/// The kernel's events. Watches from the first call on, so that a program that never asks opens no socket.
+class KernelChanges : public ChangesApi {
+ public:
+    bool TakeChanges() override { return Monitor().TakeChanges(); }
+    int Descriptor() override { return Monitor().Descriptor(); }
+
+ private:
+    LinkMonitor& Monitor() {
+        if (!monitor_) monitor_.emplace();
+        return *monitor_;
+    }
+
+    std::optional<LinkMonitor> monitor_;
+};
+
+}  // namespace
+
 Platform MakeSystemPlatform() {
     const auto machine = std::make_shared<Machine>();
-    return {std::make_shared<SyncedRegistry>(machine), std::make_shared<IpHelper>(machine),
-            std::make_shared<ConnectionsFolder>(machine), std::make_shared<SystemClock>(),
-            std::make_shared<SystemHost>()};
+    return {std::make_shared<SyncedRegistry>(machine),
+            std::make_shared<IpHelper>(machine),
+            std::make_shared<ConnectionsFolder>(machine),
+            std::make_shared<SystemClock>(),
+            std::make_shared<SystemHost>(),
+            std::make_shared<KernelChanges>()};
 }
 
 }  // namespace corvane

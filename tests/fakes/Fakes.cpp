@@ -238,7 +238,7 @@ void FakeSeat::Refresh() {
     if (onRefresh) onRefresh();
 }
 
-FakeMachine::FakeMachine() : platform_({registry, ipHelper, shell, clock, host}), scopedSeat_(seat) {
+FakeMachine::FakeMachine() : platform_({registry, ipHelper, shell, clock, host, changes}), scopedSeat_(seat) {
     ResetProcessState();
     registry->MakeKey(kAdaptersKey);
     registry->MakeKey(kClassKey);

@@ -116,6 +116,15 @@ class FakeHost : public HostApi {
     std::string GeneralDate(const DateTime& date) override;
 };
 
+/// Changes from outside: as many as a test says.
+class FakeChanges : public ChangesApi {
+ public:
+    bool pending = false;
+
+    bool TakeChanges() override { return std::exchange(pending, false); }
+    int Descriptor() override { return -1; }
+};
+
 /// The user: answers questions from a list, remembers what was shown.
 class FakeSeat : public Seat {
  public:
@@ -179,6 +188,7 @@ class FakeMachine {
     std::shared_ptr<FakeShell> shell = std::make_shared<FakeShell>();
     std::shared_ptr<FakeClock> clock = std::make_shared<FakeClock>();
     std::shared_ptr<FakeHost> host = std::make_shared<FakeHost>();
+    std::shared_ptr<FakeChanges> changes = std::make_shared<FakeChanges>();
     FakeSeat seat;
 
  private:

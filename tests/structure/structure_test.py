@@ -17,10 +17,11 @@ ALLOWED = {
     "vendors": {"platform"},
     "inventory": {"platform", "vendors"},
     "mac": {"platform", "inventory"},
-    "tcpip": {"platform", "inventory"},
+    "tcpip": {"platform", "inventory", "mac"},
     "presets": {"platform", "vendors", "inventory", "mac", "tcpip"},
     "ui/logic": {"platform", "vendors", "inventory", "mac", "tcpip", "presets"},
     "ui": {"platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic"},
+    "ui/gtk": {"platform", "ui"},
     "startup": {"platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic", "ui"},
 }
 # Programs that are parts of the Linux back-end, or tools for its store.
@@ -32,7 +33,8 @@ CONFINED = {
     r"(linux|libmnl|net|netinet|arpa)/.*": {"platform/linux"},
     r"libudev\.h": {"platform/linux"},
     r"windows\.h": {"platform/windows"},
-    r"wx/.*": {"ui", "startup"},
+    r"wx/.*": {"ui", "ui/gtk", "startup"},
+    r"(gtk|gdk|atk)/.*": {"ui/gtk"},
 }
 
 

@@ -199,11 +199,22 @@ TEST(VendorTable, TextsComeFromTheCodePage) {
     EXPECT_EQ(table.Address(0), "\xC2\x81\xC2\x8D\xC2\x8F\xC2\x90\xC2\x9D");
 }
 
+TEST(VendorTable, BytesOfTextsAreThoseOfTheFile) {
+    const VendorTable table =
+        TableOf({RecordBytes("00000C", "M\xFCller \x80", "\x81"), RecordBytes("000C29", "", "Ro\xDF")});
+    EXPECT_EQ(table.NameBytes(0), "M\xFCller \x80");
+    EXPECT_EQ(table.AddressBytes(0), "\x81");
+    EXPECT_EQ(table.NameBytes(1), "");
+    EXPECT_EQ(table.AddressBytes(1), "Ro\xDF");
+}
+
 TEST(VendorTable, SubscriptOutOfRangeIsError9) {
     const VendorTable table = TableOf({RecordBytes("00000C", "Cisco", "")});
     EXPECT_EQ(FailureOf([&] { (void)table.Prefix(1); }).number, 9);
     EXPECT_EQ(FailureOf([&] { (void)table.Name(1); }).number, 9);
     EXPECT_EQ(FailureOf([&] { (void)table.Address(SIZE_MAX); }).number, 9);
+    EXPECT_EQ(FailureOf([&] { (void)table.NameBytes(1); }).number, 9);
+    EXPECT_EQ(FailureOf([&] { (void)table.AddressBytes(1); }).number, 9);
     EXPECT_THAT(FailureOf([&] { (void)table.Record(7); }).words, HasSubstr("no record 7"));
 }
 

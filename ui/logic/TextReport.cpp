@@ -5,13 +5,11 @@
 
 #include "platform/Platform.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
+#include "ui/logic/Details.h"
 
 namespace corvane {
 
 namespace {
-
-constexpr char kNotActive[] = "(Network Connection Not Active)";
 
 std::string Label(const std::string& label, std::size_t width, char fill) {
     return label + std::string(width - label.size(), fill);
@@ -59,7 +57,7 @@ std::string ReportMacText(const NicInfo& nic) {
 
 std::string ReportManufacturer(const NicInfo& nic) {
     if (ReportMacText(nic) == kNotActive) return {};
-    return ToLower(nic.ComponentId) == kBridgeComponentId ? "MICROSOFT NETWORK BRIDGE" : nic.Vendor;
+    return ManufacturerText(nic);
 }
 
 std::string InterfaceSection(std::size_t adapter) {

@@ -1,0 +1,61 @@
+#include "platform/linux/DesktopOpener.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include "platform/linux/Descriptor.h"
+#include "platform/linux/ProcessDescriptor.h"
+
+extern char** environ;
+
+namespace corvane {
+
+namespace {
+
+constexpr int kPatienceMilliseconds = 1000;
+
+/// Whether the process has ended when the patience is over.
+bool EndsSoon(pid_t process) {
+    const Descriptor descriptor(OpenProcess(process));
+    if (descriptor.Get() < 0) return false;
+    pollfd watched{descriptor.Get(), POLLIN, 0};
+    int ready = 0;
+    do {
+        ready = poll(&watched, 1, kPatienceMilliseconds);
+    } while (ready < 0 && errno == EINTR);
+    return ready == 1;
+}
+
+}  // namespace
+
+void DesktopOpener::ReapEnded() {
+    std::erase_if(running_, [](pid_t process) { return waitpid(process, nullptr, WNOHANG) != 0; });
+}
+
+bool DesktopOpener::Open(const std::string& target, std::string& failure) {
+    ReapEnded();
+    std::string program = "xdg-open";
+    std::string argument = target;
+    char* arguments[] = {program.data(), argument.data(), nullptr};
+    pid_t child = 0;
+    const int error = posix_spawnp(&child, program.c_str(), nullptr, nullptr, arguments, environ);
+    if (error != 0) {
+        failure = "xdg-open could not be started: " + std::string(std::strerror(error)) +
+                  "; install the package xdg-utils";
+        return false;
+    }
+    if (!EndsSoon(child)) {
+        running_.push_back(child);
+        return true;
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0) return true;
+    failure = "xdg-open found no program that opens it";
+    return false;
+}
+
+}  // namespace corvane

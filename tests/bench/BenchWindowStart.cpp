@@ -1,0 +1,181 @@
+// Starts two programs in turn and measures how long it takes from the start of the process until its window is
+// on the screen and answers events (_NET_WM_PING, Extended Window Manager Hints), and what memory it has then.
+//   bench_window_start RUNS TITLE PROGRAM TITLE PROGRAM
+// Prints one line for each program: median milliseconds, VmRSS in KiB; and the ratio and the difference.
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kPatienceMilliseconds = 20000;
+/// Long enough for what a program puts off until it is idle.
+constexpr auto kSettle = std::chrono::milliseconds(1500);
+
+struct Program {
+    std::string title;
+    std::string path;
+    std::vector<double> milliseconds;
+    std::vector<long> kibibytes;
+};
+
+[[noreturn]] void Fail(const std::string& words) {
+    std::fprintf(stderr, "bench_window_start: %s\n", words.c_str());
+    std::exit(1);
+}
+
+class Watcher {
+ public:
+    Watcher() : display_(XOpenDisplay(nullptr)) {
+        if (display_ == nullptr) Fail("there is no display");
+        root_ = DefaultRootWindow(display_);
+        protocols_ = XInternAtom(display_, "WM_PROTOCOLS", False);
+        ping_ = XInternAtom(display_, "_NET_WM_PING", False);
+        // A window may be gone by the time it is looked at.
+        XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
+        clients_ = XInternAtom(display_, "_NET_CLIENT_LIST", False);
+        XSelectInput(display_, root_, SubstructureNotifyMask | PropertyChangeMask);
+        XSync(display_, False);
+    }
+    ~Watcher() { XCloseDisplay(display_); }
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
+
+    void ForgetEvents() {
+        XSync(display_, True);
+    }
+
+    /// Waits until a window with this title has been mapped and has answered a ping.
+    void AwaitWindow(const std::string& title) {
+        const auto deadline = Clock::now() + std::chrono::milliseconds(kPatienceMilliseconds);
+        while (Clock::now() < deadline) {
+            XFlush(display_);
+            pollfd watched{ConnectionNumber(display_), POLLIN, 0};
+            if (XPending(display_) == 0 && poll(&watched, 1, kPatienceMilliseconds) <= 0) break;
+            while (XPending(display_) > 0) {
+                XEvent event;
+                XNextEvent(display_, &event);
+                // Without a window manager, and with one, which maps a frame around the window.
+                if (event.type == MapNotify && TitleOf(event.xmap.window) == title) Ping(event.xmap.window);
+                if (event.type == PropertyNotify && event.xproperty.atom == clients_) PingClient(title);
+                if (event.type == ClientMessage && event.xclient.message_type == protocols_) return;
+            }
+        }
+        Fail("the window '" + title + "' did not come");
+    }
+
+ private:
+    std::string TitleOf(Window window) {
+        char* name = nullptr;
+        if (XFetchName(display_, window, &name) == 0 || name == nullptr) return {};
+        const std::string title = name;
+        XFree(name);
+        return title;
+    }
+    void PingClient(const std::string& title) {
+        Atom type = 0;
+        int format = 0;
+        unsigned long count = 0;
+        unsigned long rest = 0;
+        unsigned char* data = nullptr;
+        const int done = XGetWindowProperty(display_, root_, clients_, 0, 1024, False, XA_WINDOW, &type, &format,
+                                            &count, &rest, &data);
+        if (done != Success || data == nullptr) return;
+        const auto* const windows = reinterpret_cast<const Window*>(data);
+        for (unsigned long i = 0; i < count; ++i) {
+            if (TitleOf(windows[i]) == title) Ping(windows[i]);
+        }
+        XFree(data);
+    }
+    void Ping(Window window) {
+        XEvent event{};
+        event.xclient.type = ClientMessage;
+        event.xclient.window = window;
+        event.xclient.message_type = protocols_;
+        event.xclient.format = 32;
+        event.xclient.data.l[0] = static_cast<long>(ping_);
+        event.xclient.data.l[1] = 1;
+        event.xclient.data.l[2] = static_cast<long>(window);
+        XSendEvent(display_, window, False, NoEventMask, &event);
+    }
+
+    Display* display_;
+    Window root_ = 0;
+    Atom protocols_ = 0;
+    Atom ping_ = 0;
+    Atom clients_ = 0;
+};
+
+long MemoryOf(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("VmRSS:")) return std::atol(line.c_str() + 6);
+    }
+    Fail("no VmRSS of a program that was started");
+}
+
+void RunOnce(Watcher& watcher, Program& program) {
+    watcher.ForgetEvents();
+    char* arguments[] = {program.path.data(), nullptr};
+    const auto start = Clock::now();
+    pid_t child = 0;
+    if (posix_spawn(&child, program.path.c_str(), nullptr, nullptr, arguments, environ) != 0) {
+        Fail("'" + program.path + "' could not be started");
+    }
+    watcher.AwaitWindow(program.title);
+    program.milliseconds.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    std::this_thread::sleep_for(kSettle);
+    program.kibibytes.push_back(MemoryOf(child));
+    kill(child, SIGTERM);
+    waitpid(child, nullptr, 0);
+}
+
+template <class Number>
+Number Median(std::vector<Number> numbers) {
+    std::sort(numbers.begin(), numbers.end());
+    return numbers.at(numbers.size() / 2);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    if (count != 6) Fail("usage: bench_window_start RUNS TITLE PROGRAM TITLE PROGRAM");
+    const int runs = std::atoi(arguments[1]);
+    if (runs < 1) Fail("RUNS is a positive number");
+    Program ours{arguments[2], arguments[3], {}, {}};
+    Program peer{arguments[4], arguments[5], {}, {}};
+    Watcher watcher;
+    // One of each first, so that the files are in memory for both.
+    for (int run = 0; run <= runs; ++run) {
+        if (run == 1) {
+            for (Program* const program : {&ours, &peer}) *program = {program->title, program->path, {}, {}};
+        }
+        RunOnce(watcher, ours);
+        RunOnce(watcher, peer);
+    }
+    for (const Program* const program : {&ours, &peer}) {
+        std::printf("%-20s %8.1f ms %8ld KiB\n", program->title.c_str(), Median(program->milliseconds),
+                    Median(program->kibibytes));
+    }
+    std::printf("ratio %.2f, %ld KiB more\n", Median(ours.milliseconds) / Median(peer.milliseconds),
+                Median(ours.kibibytes) - Median(peer.kibibytes));
+    return 0;
+}

@@ -1,0 +1,10 @@
+# Built and run like the other benchmarks, see bench.cmake.
+find_package(benchmark QUIET)
+if(benchmark_FOUND)
+    add_executable(bench_vendor_search EXCLUDE_FROM_ALL bench/BenchVendorSearch.cpp)
+    target_link_libraries(bench_vendor_search PRIVATE corvane_core benchmark::benchmark)
+    target_compile_definitions(bench_vendor_search PRIVATE CORVANE_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    target_compile_options(bench_vendor_search PRIVATE -O2)
+    add_dependencies(bench_vendor_search vendor_list)
+    set_target_properties(bench_vendor_search PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+endif()

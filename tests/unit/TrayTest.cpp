@@ -1,0 +1,84 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "ui/logic/Tray.h"
+
+namespace corvane {
+namespace {
+
+const std::string kPrefix = "Orvella Corvane v4.5 - ";
+constexpr std::size_t kRoom = 41;  // Behind the prefix.
+
+TEST(TrayTip, IsTheFixedPrefixAndTheText) {
+    EXPECT_EQ(TrayTip("eth0, 00-0C-29-4F-8E-35"), "Orvella Corvane v4.5 - eth0, 00-0C-29-4F-8E-35");
+    EXPECT_EQ(TrayTip(""), "Orvella Corvane v4.5 - ");
+}
+
+TEST(TrayTip, IsCutTo64WithoutAnyMark) {
+    const std::string fits(kRoom, 'a');
+    EXPECT_EQ(TrayTip(fits), kPrefix + fits);
+    EXPECT_EQ(TrayTip(fits).size(), 64U);
+    EXPECT_EQ(TrayTip(fits.substr(1)), kPrefix + fits.substr(1));
+    EXPECT_EQ(TrayTip(fits + "b"), kPrefix + fits);
+    EXPECT_EQ(TrayTip(fits + std::string(1000, 'b')), kPrefix + fits);
+}
+
+TEST(TrayTip, IsNotCutInTheMiddleOfACharacter) {
+    for (const std::string character : {"\u00E4", "\u20AC", "\U0001F5A7"}) {
+        for (std::size_t before = kRoom - character.size(); before <= kRoom; ++before) {
+            const std::string start = kPrefix + std::string(before, 'a');
+            const bool fits = before + character.size() <= kRoom;
+            EXPECT_EQ(TrayTip(std::string(before, 'a') + character + "bbbb").substr(0, start.size()), start);
+            EXPECT_EQ(TrayTip(std::string(before, 'a') + character), fits ? start + character : start)
+                << before << " before " << character;
+            EXPECT_EQ(TrayTip(std::string(before, 'a') + character + "bbbb"),
+                      fits ? start + character + std::string(kRoom - before - character.size(), 'b') : start)
+                << before << " before " << character;
+        }
+    }
+}
+
+TEST(TrayTip, OfManyWideCharactersHoldsAsManyAsFit) {
+    std::string many;
+    std::string thirteen;
+    for (int i = 0; i < 100; ++i) {
+        many += "\u20AC";
+        if (i < 13) thirteen += "\u20AC";
+    }
+    EXPECT_EQ(TrayTip(many), kPrefix + thirteen);
+}
+
+TEST(TrayTipFor, IsTheNameAndTheAddressIfAny) {
+    EXPECT_EQ(TrayTipFor("eth0", "00-0C-29-4F-8E-35"), "eth0, 00-0C-29-4F-8E-35");
+    EXPECT_EQ(TrayTipFor("eth0", ""), "eth0");
+}
+
+TEST(TrayTipFor, NoConnectionSaysSo) { EXPECT_EQ(TrayTipFor("", ""), "NIC Not Found"); }
+
+TEST(TrayFrame, ShowsTheDirectionsWithTraffic) {
+    EXPECT_EQ(TrayFrameFor({0, 0}), TrayFrame::kIdle);
+    EXPECT_EQ(TrayFrameFor({1, 0}), TrayFrame::kSending);
+    EXPECT_EQ(TrayFrameFor({0, 1}), TrayFrame::kReceiving);
+    EXPECT_EQ(TrayFrameFor({1, 1}), TrayFrame::kBoth);
+}
+
+TEST(TrayFrame, AWrappedCounterIsTrafficToo) {
+    EXPECT_EQ(TrayFrameFor({-4294967000.0, 0}), TrayFrame::kSending);
+    EXPECT_EQ(TrayFrameFor({0, -1}), TrayFrame::kReceiving);
+    EXPECT_EQ(TrayFrameFor({-1, -1}), TrayFrame::kBoth);
+}
+
+TEST(TrayClick, HidesTheActiveWindowOnly) {
+    EXPECT_EQ(TrayClick(true, false, true), TrayAction::kHide);
+    EXPECT_EQ(TrayClick(true, false, false), TrayAction::kShow);
+    EXPECT_EQ(TrayClick(true, true, true), TrayAction::kShow);
+    EXPECT_EQ(TrayClick(true, true, false), TrayAction::kShow);
+    EXPECT_EQ(TrayClick(false, false, true), TrayAction::kShow);
+    EXPECT_EQ(TrayClick(false, false, false), TrayAction::kShow);
+    EXPECT_EQ(TrayClick(false, true, true), TrayAction::kShow);
+    EXPECT_EQ(TrayClick(false, true, false), TrayAction::kShow);
+}
+
+}  // namespace
+}  // namespace corvane

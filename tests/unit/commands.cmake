@@ -1,0 +1,3 @@
+corvane_test(NAME commands_test
+    SOURCES unit/CommandsTest.cpp
+    LIBS corvane_fakes)

@@ -1,0 +1,57 @@
+#include "ui/frmBrowseNetFolder.h"
+
+#include <wx/button.h>
+#include <wx/listbox.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+
+#include "ui/Desktop.h"
+#include "ui/WxText.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kGap = 10;
+
+}  // namespace
+
+frmBrowseNetFolder::frmBrowseNetFolder(wxWindow* parent, const std::string& title, const std::string& heading,
+                                       const std::string& instruction, const std::vector<std::string>& names)
+    : wxDialog(parent, wxID_ANY, Wx(title), wxDefaultPosition, wxDefaultSize,
+               wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER) {
+    auto* const text = new wxStaticText(this, wxID_ANY, Wx(instruction));
+    text->Wrap(GetCharWidth() * 60);
+    auto* const label = new wxStaticText(this, wxID_ANY, Wx(heading));
+    list1_ = new wxListBox(this, wxID_ANY);
+    for (const std::string& name : names) list1_->Append(Wx(name));
+    list1_->SetMinSize(wxSize(GetCharWidth() * 60, GetCharHeight() * 12));
+    LabelFor(label, list1_);
+    auto* const command1 = new wxButton(this, wxID_OK, "&Select");
+    auto* const command2 = new wxButton(this, wxID_CANCEL, "&Cancel");
+
+    auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
+    buttons->Add(command1, 0, wxRIGHT, kGap);
+    buttons->Add(command2);
+    auto* const sizer = new wxBoxSizer(wxVERTICAL);
+    sizer->Add(text, 0, wxALL, kGap);
+    sizer->Add(label, 0, wxLEFT | wxRIGHT, kGap);
+    sizer->Add(list1_, 1, wxEXPAND | wxALL, kGap);
+    sizer->Add(buttons, 0, wxALIGN_RIGHT | wxLEFT | wxRIGHT | wxBOTTOM, kGap);
+    SetSizerAndFit(sizer);
+    CentreOnParent();
+    command1->SetDefault();
+    command1->Enable(false);
+    list1_->Bind(wxEVT_LISTBOX,
+                 [command1, this](wxCommandEvent&) { command1->Enable(Choice().has_value()); });
+    list1_->Bind(wxEVT_LISTBOX_DCLICK, [this](wxCommandEvent&) { EndModal(wxID_OK); });
+    list1_->SetFocus();
+}
+
+std::optional<std::size_t> frmBrowseNetFolder::Choice() const {
+    const int selected = list1_->GetSelection();
+    if (selected == wxNOT_FOUND) return std::nullopt;
+    return static_cast<std::size_t>(selected);
+}
+
+}  // namespace corvane

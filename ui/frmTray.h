@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+
+#include <wx/icon.h>
+#include <wx/taskbar.h>
+#include <wx/timer.h>
+
+#include "ui/logic/Traffic.h"
+#include "ui/logic/Tray.h"
+
+/// `frmTray`: the icon in the tray, which lights up with the traffic, and its menu.
+namespace corvane {
+
+class frmMain;
+
+class frmTray : private wxTaskBarIcon {
+ public:
+    /// Nothing where the desktop has no tray.
+    static std::unique_ptr<frmTray> Make(frmMain& window);
+    ~frmTray() override;
+
+    /// The connection that the tip names.
+    void ShowConnection(const std::string& name, const std::string& mac);
+    /// Rates of the latest tick.
+    void ShowRates(const TrafficRates& rates);
+
+ private:
+    explicit frmTray(frmMain& window);
+
+    wxMenu* CreatePopupMenu() override;
+    void ShowOrHide();
+    void ShowFrame(TrayFrame frame);
+
+    frmMain& window_;
+    std::string tip_;
+    std::array<wxIcon, 4> frames_;  ///< One for each TrayFrame.
+    TrayFrame shown_ = TrayFrame::kIdle;
+    TrayFrame active_ = TrayFrame::kIdle;  ///< Of the latest tick.
+    wxTimer timer2_;                       ///< Lights the lamps of the latest tick up.
+    wxTimer timer3_;                       ///< Puts them out again, so that lasting traffic blinks.
+};
+
+}  // namespace corvane

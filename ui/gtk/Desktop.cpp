@@ -1,0 +1,87 @@
+#include "ui/Desktop.h"
+
+#include <cstdio>
+
+#include <atk/atk.h>
+#include <gtk/gtk.h>
+#ifdef GDK_WINDOWING_X11
+#include <X11/Xlib.h>
+#include <unistd.h>
+#endif
+
+#include "ui/WxText.h"
+
+namespace corvane {
+
+namespace {
+
+#ifdef GDK_WINDOWING_X11
+std::string lostWords;
+int lostExitCode = 1;
+
+/// Xlib's handler may not return and the connection is of no use any more, so nothing is tidied up.
+int OnDisplayLost(Display*) {
+    std::fprintf(stderr, "%s\n", lostWords.c_str());
+    _exit(lostExitCode);
+}
+#endif
+
+/// The widget that has the keyboard focus when a window has it: a scrolled list, for example, is not itself
+/// the widget that GTK knows by that name.
+GtkWidget* FocusWidget(wxWindow* window) {
+    GtkWidget* const inner = window->m_wxwindow == nullptr ? window->m_widget : window->m_wxwindow;
+    GtkWidget* widget = inner;
+    while (GTK_IS_BIN(widget) && !GTK_IS_BUTTON(widget) && !GTK_IS_COMBO_BOX(widget)) {
+        GtkWidget* const child = gtk_bin_get_child(GTK_BIN(widget));
+        if (child == nullptr) break;
+        widget = child;
+    }
+    return widget;
+}
+
+/// A label's mnemonic moves the focus and does nothing else: a text box would otherwise press the default
+/// button.
+gboolean OnMnemonic(GtkWidget* widget, gboolean, gpointer) {
+    gtk_widget_grab_focus(widget);
+    return TRUE;
+}
+
+}  // namespace
+
+void EndWhenDisplayIsLost(const std::string& words, int exitCode) {
+#ifdef GDK_WINDOWING_X11
+    lostWords = words;
+    lostExitCode = exitCode;
+    XSetIOErrorHandler(OnDisplayLost);
+#else
+    (void)words;
+    (void)exitCode;
+#endif
+}
+
+void LabelFor(const wxStaticText* label, wxWindow* control) {
+    // The toolkit ties a label's mnemonic to the control that follows it in the tab order.
+    g_signal_connect(FocusWidget(control), "mnemonic-activate", G_CALLBACK(OnMnemonic), nullptr);
+    SetAccessibleName(control, label->GetLabelText());
+}
+
+void SetAccessibleName(wxWindow* control, const wxString& name) {
+    const std::string text = Utf8(name);
+    atk_object_set_name(gtk_widget_get_accessible(FocusWidget(control)), text.c_str());
+}
+
+InputHold::InputHold() {
+    // Keys, clicks and scrolling go to the widget that has the grab, which does nothing with them.
+    GtkWidget* const widget = gtk_invisible_new();
+    gtk_widget_show(widget);
+    gtk_grab_add(widget);
+    grab_ = widget;
+}
+
+InputHold::~InputHold() {
+    auto* const widget = static_cast<GtkWidget*>(grab_);
+    gtk_grab_remove(widget);
+    gtk_widget_destroy(widget);
+}
+
+}  // namespace corvane

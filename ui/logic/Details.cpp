@@ -1,0 +1,80 @@
+#include "ui/logic/Details.h"
+
+#include "platform/Text.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr char kEnabled[] = "Enabled";
+constexpr char kDisabled[] = "Disabled";
+constexpr char kDhcpDisabled[] = "DHCP Disabled";
+
+std::string Marked(const std::string& mac, const char* mark) { return mac + " (" + mark + ")"; }
+
+/// Rows of the entries that are not empty, each with its neighbour in a parallel list (which may be shorter).
+std::vector<DetailsRow> Rows(const std::vector<std::string>& texts,
+                             const std::vector<std::string>& subItems = {}) {
+    std::vector<DetailsRow> rows;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (texts[i].empty()) continue;
+        rows.push_back({texts[i], i < subItems.size() ? subItems[i] : std::string(), i});
+    }
+    return rows;
+}
+
+std::string Header(const std::string& title, const std::vector<DetailsRow>& rows) {
+    return title + " (" + std::to_string(rows.size()) + ")";
+}
+
+void FillTcpip(Details& details, const NicInfo& nic) {
+    const bool dhcp = nic.TcpipBound && nic.DhcpEnabled;
+    details.labTCPIP = nic.TcpipBound ? kEnabled : kDisabled;
+    details.labDHCP = dhcp ? kEnabled : kDisabled;
+    details.labLeaseObtained = dhcp ? nic.LeaseObtained : kDhcpDisabled;
+    details.labLeaseExpires = dhcp ? nic.LeaseTerminates : kDhcpDisabled;
+    details.mnuEnableDHCP = dhcp ? "Disable DHC&P" : kEnableDhcpCaption;
+}
+
+}  // namespace
+
+std::string DetailsMacText(const NicInfo& nic) {
+    const std::string& changed = nic.NetworkAddress;
+    const std::string& original = nic.OriginalNetworkAddress;
+    if (!nic.Mac.empty()) {
+        if (changed.empty()) return Marked(nic.Mac, nic.Mac == original ? "Original" : "Changed");
+        if (nic.Mac == changed) return Marked(nic.Mac, "Changed");
+        return nic.Mac + " (Inactive, " + changed + ")";
+    }
+    if (!changed.empty()) return Marked(changed, "Changed");
+    return original.empty() ? kNotActive : Marked(original, "Original");
+}
+
+std::string ManufacturerText(const NicInfo& nic) {
+    return ToLower(nic.ComponentId) == kBridgeComponentId ? "MICROSOFT NETWORK BRIDGE" : nic.Vendor;
+}
+
+Details FillDetails(const NicInfo& nic) {
+    Details details;
+    const bool live = nic.IfIndex != 0;
+    details.enableButton = live ? "&Disable" : "&Enable";
+    details.mnuEnable = live ? "&Disable Network Connection" : kEnableCaption;
+    details.txtConnName = nic.Name;
+    details.txtDevName = nic.DriverDesc;
+    details.txtHardID = nic.ComponentId;
+    details.txtConfigID = nic.Id;
+    details.txtMAC = DetailsMacText(nic);
+    details.txtManufac = ManufacturerText(nic);
+    details.labSpeed = nic.Speed;
+    details.labStatus = nic.Status;
+    FillTcpip(details, nic);
+    details.ListIP = Rows(nic.IpAddresses, nic.SubnetMasks);
+    details.headerIP = Header("IP Address", details.ListIP);
+    details.ListGateway = Rows(nic.Gateways, nic.GatewayMetrics);
+    details.headerGateway = Header("Gateway", details.ListGateway);
+    details.ListDNS = Rows(nic.DnsServers);
+    details.headerDNS = Header("DNS Server", details.ListDNS);
+    return details;
+}
+
+}  // namespace corvane

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "ui/logic/VendorEntry.h"
+
+/// Commands that change a connection's address or its state. Each works on a record of Nics, asks and reports
+/// through the seat, and refreshes the window at its end where something changed.
+namespace corvane {
+
+/// The panel `fChangeMAC` as its commands see it.
+class ChangeMacView {
+ public:
+    virtual ~ChangeMacView() = default;
+    /// State of "Automatically Restart Network Connection To Apply Changes".
+    [[nodiscard]] virtual bool Check1() const = 0;
+    virtual void SetCheck1(bool ticked) = 0;
+    virtual void ShowPanel(bool show) = 0;
+};
+
+/// `mnuChangeMAC`: opens the panel empty, with automatic restart ticked, and puts the focus in box 0.
+void OpenChangeMac(MacBoxesView& boxes, VendorBoxView& vendorList, ChangeMacView& panel);
+
+/// `Command9`, "Change Now !": pads the boxes, refuses a network bridge, asks, writes, hides the panel,
+/// restarts when Check1 is ticked, reports, refreshes. Six empty boxes mean the original address.
+void ChangeNow(std::size_t adapter, MacBoxesView& boxes, ChangeMacView& panel);
+
+/// `Command10`, "&Original MAC": empties the boxes and the vendor text and does as ChangeNow.
+void OriginalMac(std::size_t adapter, MacBoxesView& boxes, VendorBoxView& vendorList, ChangeMacView& panel);
+
+/// `mnuEnable`: enables the connection when the command's caption is kEnableCaption, else disables it.
+void EnableOrDisable(std::size_t adapter, const std::string& caption);
+
+}  // namespace corvane

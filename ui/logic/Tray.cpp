@@ -1,0 +1,39 @@
+#include "ui/logic/Tray.h"
+
+#include "ui/logic/ConnectionList.h"
+
+namespace corvane {
+
+namespace {
+
+bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+}  // namespace
+
+std::string TrayTip(const std::string& text) {
+    std::string tip = "Orvella Corvane v4.5 - " + text;
+    if (tip.size() <= kTrayTipLength) return tip;
+    std::size_t end = kTrayTipLength;
+    while (ContinuesCharacter(tip[end])) --end;
+    tip.resize(end);
+    return tip;
+}
+
+std::string TrayTipFor(const std::string& connectionName, const std::string& mac) {
+    if (connectionName.empty()) return kNoConnections;
+    return mac.empty() ? connectionName : connectionName + ", " + mac;
+}
+
+TrayFrame TrayFrameFor(const TrafficRates& rates) {
+    const bool sending = rates.sent != 0;
+    const bool receiving = rates.received != 0;
+    if (sending && receiving) return TrayFrame::kBoth;
+    if (sending) return TrayFrame::kSending;
+    return receiving ? TrayFrame::kReceiving : TrayFrame::kIdle;
+}
+
+TrayAction TrayClick(bool shown, bool minimized, bool active) {
+    return shown && !minimized && active ? TrayAction::kHide : TrayAction::kShow;
+}
+
+}  // namespace corvane
