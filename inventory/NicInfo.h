@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/RegistryKeys.h"
+#include "platform/Text.h"
 
 namespace corvane {
 
@@ -37,6 +38,9 @@ struct NicInfo {
 
 /// ComponentId of the network bridge, in lower case.
 inline constexpr char kBridgeComponentId[] = "ms_bridgemp";
+
+/// Whether a record is a network bridge, in whatever case its ComponentId is written.
+inline bool IsNetworkBridge(const NicInfo& nic) { return ToLower(nic.ComponentId) == kBridgeComponentId; }
 
 /// The adapters as last read by RefreshNicInfo; at least one element after a refresh (an empty record when
 /// there are no adapters). A record's position is the adapter's row in the connection list.

@@ -18,11 +18,7 @@ bool RestartConnection(const std::string& name, bool quiet, bool disableOnly) {
     };
     const auto wait = [] { CurrentPlatform().clock->Sleep(kWaitMilliseconds); };
 
-    progress(1, "");
-    progress(2, "");
-    progress(3, "Disabling ...");
-    progress(4, " ");
-    letEventsRun();
+    if (!quiet) BeginRowProgress("Disabling ...");
     StateResult result = SetConnectionState(name, false, true);
     if (result != StateResult::kDone && result != StateResult::kNoVerb) {
         progress(3, "Disabling Attempt Failed");

@@ -19,6 +19,10 @@ void LabelFor(const wxStaticText* label, wxWindow* control);
 /// Names a control that has no label of its own for those who cannot see it.
 void SetAccessibleName(wxWindow* control, const wxString& name);
 
+/// Gives a scrolling control plain scroll bars, which take room only when they are needed. Those that fade in and
+/// out over the content cost as much at the start as the control itself.
+void UsePlainScrollBars(wxWindow* control);
+
 /// While one lives, no key, click or scroll reaches any window, and those that come are dropped; windows go
 /// on painting.
 class InputHold {

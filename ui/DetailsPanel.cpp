@@ -4,6 +4,7 @@
 #include <wx/stattext.h>
 
 #include "ui/ChangeMacPanel.h"
+#include "ui/Desktop.h"
 #include "ui/FactText.h"
 #include "ui/RowList.h"
 #include "ui/TrafficGraph.h"
@@ -44,6 +45,7 @@ DetailsPanel::DetailsPanel(wxWindow* parent)
     sizer->Add(columns, 1, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, kGap);
     SetSizer(sizer);
     SetScrollRate(0, GetCharHeight());
+    UsePlainScrollBars(this);
 }
 
 FactText* DetailsPanel::AddFact(wxFlexGridSizer* grid, const char* label, const char* name) {

@@ -42,6 +42,7 @@ RowList::RowList(wxWindow* parent, const std::string& name, const std::vector<Li
     AssociateModel(model_.get());
     AddColumns(columns, withIcons);
     SetAccessibleName(this, Wx(name));
+    UsePlainScrollBars(this);
     Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [this](wxDataViewEvent& event) {
         event.Skip();
         const std::optional<std::size_t> row = SelectedRow();

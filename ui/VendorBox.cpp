@@ -8,7 +8,6 @@
 #include "ui/Icons.h"
 #include "ui/VendorDropDown.h"
 #include "ui/WxText.h"
-#include "vendors/VendorList.h"
 
 namespace corvane {
 
@@ -82,10 +81,8 @@ bool VendorBox::CloseList() {
 void VendorBox::Choose(std::size_t row) {
     const std::size_t entry = list_->EntryAt(row);
     CloseList();
-    SetVendorText(::corvane::VendorText(Vendors(), entry));
-    MarkChosen(entry);
-    edit_->SelectAll();
     if (OnChoice) OnChoice(entry);
+    edit_->SelectAll();
 }
 
 void VendorBox::OnKey(wxKeyEvent& event) {

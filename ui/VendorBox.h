@@ -36,7 +36,7 @@ class VendorBox : public VendorBoxView {
     /// False when the list was not open.
     bool CloseList();
 
-    /// The user chose an entry. The edit part shows its text already.
+    /// The user chose an entry; the edit part has still the text that was searched for.
     std::function<void(std::size_t entry)> OnChoice;
     /// The box got the focus.
     std::function<void()> OnFocus;

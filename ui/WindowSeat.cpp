@@ -118,7 +118,8 @@ void WindowSeat::UnloadSplash() {
 }
 
 void WindowSeat::LetEventsRun() {
-    // Nobody can see the splash window change more often than this, and loading is not to wait for its painting.
+    // Nobody can see the splash window change more often than this, and loading is not to wait for its
+    // painting.
     static constexpr auto kSplashInterval = std::chrono::milliseconds(40);
     if (window_ == nullptr) {
         const auto now = std::chrono::steady_clock::now();

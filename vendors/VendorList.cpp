@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <system_error>
 #include <utility>
 
@@ -57,6 +58,37 @@ std::size_t HashOf(std::uint64_t key) {
     return static_cast<std::size_t>(key >> 32U);
 }
 
+/// Texts of records one after the other, each kept once: a maker has up to a thousand prefixes with the same
+/// name and address.
+class TextPool {
+ public:
+    /// For up to `texts` texts of together up to `bytes` bytes.
+    TextPool(std::size_t texts, std::size_t bytes) : slots_(std::bit_ceil(texts * 2), kFree) {
+        bytes_.reserve(bytes);
+    }
+
+    /// Where the text begins among the bytes; it is added when it is new.
+    std::uint32_t Place(std::string_view text) {
+        const std::size_t mask = slots_.size() - 1;
+        std::size_t slot = std::hash<std::string_view>{}(text)&mask;
+        while (slots_[slot] != kFree) {
+            if (std::string_view(bytes_).substr(slots_[slot], text.size()) == text) return slots_[slot];
+            slot = (slot + 1) & mask;
+        }
+        slots_[slot] = static_cast<std::uint32_t>(bytes_.size());
+        bytes_ += text;
+        return slots_[slot];
+    }
+
+    [[nodiscard]] std::string TakeBytes() { return std::move(bytes_); }
+
+ private:
+    static constexpr std::uint32_t kFree = 0xFFFFFFFF;
+
+    std::string bytes_;
+    std::vector<std::uint32_t> slots_;
+};
+
 [[noreturn]] void FailToRead(const std::string& path, const std::error_code& reason) {
     int number = RunTimeError::kPathFileAccess;
     if (reason == std::errc::no_such_file_or_directory || reason == std::errc::not_a_directory) {
@@ -81,9 +113,9 @@ std::size_t HashOf(std::uint64_t key) {
 
 VendorTable VendorTable::Empty() {
     VendorTable table;
-    table.bytes_.assign(kSmallestRecord, '\0');
+    table.texts_.assign(2 * kLengthBytes, '\0');
     table.slots_.assign(2, 0);
-    table.AddRecord(0);
+    table.AddRecord(std::string_view("\0\0\0\0\0\0", kPrefixBytes), 0);
     return table;
 }
 
@@ -91,8 +123,7 @@ bool VendorTable::IsPlaceholder() const {
     return Size() == 1 && Prefix(0) == std::string_view("\0\0\0\0\0\0", 6);
 }
 
-VendorTable VendorTable::Parse(std::string contents, const std::string& path) {
-    const std::string_view bytes = contents;
+VendorTable VendorTable::Parse(std::string_view bytes, const std::string& path) {
     if (bytes.size() < kCountBytes) FailShort(path);
     const std::int32_t count = CountAt(bytes);
     if (count <= 0) {
@@ -105,31 +136,34 @@ VendorTable VendorTable::Parse(std::string contents, const std::string& path) {
     if (records > (bytes.size() - kCountBytes) / kSmallestRecord) FailShort(path);
 
     VendorTable table;
-    table.bytes_ = std::move(contents);
+    table.prefixes_.reserve(records * kPrefixBytes);
     table.starts_.reserve(records);
     table.slots_.assign(std::bit_ceil(records * 2), 0);
-    const std::string_view all = table.bytes_;
+    TextPool pool(records, bytes.size());
     std::size_t offset = kCountBytes;
     for (std::size_t i = 0; i < records; ++i) {
-        const std::size_t start = offset;
-        if (all.size() - offset < kSmallestRecord) FailShort(path);
+        if (bytes.size() - offset < kSmallestRecord) FailShort(path);
+        const std::string_view prefix = bytes.substr(offset, kPrefixBytes);
         offset += kPrefixBytes;
-        const std::size_t nameLength = LengthAt(all, offset);
+        const std::size_t start = offset;
+        const std::size_t nameLength = LengthAt(bytes, offset);
         offset += kLengthBytes;
-        if (all.size() - offset < nameLength + kLengthBytes) FailShort(path);
+        if (bytes.size() - offset < nameLength + kLengthBytes) FailShort(path);
         offset += nameLength;
-        const std::size_t addressLength = LengthAt(all, offset);
+        const std::size_t addressLength = LengthAt(bytes, offset);
         offset += kLengthBytes;
-        if (all.size() - offset < addressLength) FailShort(path);
+        if (bytes.size() - offset < addressLength) FailShort(path);
         offset += addressLength;
-        table.AddRecord(static_cast<std::uint32_t>(start));
+        table.AddRecord(prefix, pool.Place(bytes.substr(start, offset - start)));
     }
+    table.texts_ = pool.TakeBytes();
     return table;
 }
 
-void VendorTable::AddRecord(std::uint32_t start) {
+void VendorTable::AddRecord(std::string_view prefix, std::uint32_t start) {
+    prefixes_ += prefix;
     starts_.push_back(start);
-    const std::uint64_t key = KeyOf(bytes_.data() + start);
+    const std::uint64_t key = KeyOf(prefix.data());
     const std::size_t slot = SlotOf(key);
     if (slots_[slot] == 0) slots_[slot] = static_cast<std::uint32_t>(starts_.size());
 }
@@ -137,7 +171,7 @@ void VendorTable::AddRecord(std::uint32_t start) {
 std::size_t VendorTable::SlotOf(std::uint64_t key) const {
     const std::size_t mask = slots_.size() - 1;
     std::size_t slot = HashOf(key) & mask;
-    while (slots_[slot] != 0 && KeyOf(bytes_.data() + starts_[slots_[slot] - 1]) != key)
+    while (slots_[slot] != 0 && KeyOf(prefixes_.data() + (slots_[slot] - 1) * kPrefixBytes) != key)
         slot = (slot + 1) & mask;
     return slot;
 }
@@ -149,28 +183,30 @@ std::optional<std::size_t> VendorTable::FindVendor(std::string_view prefix) cons
     return found - 1;
 }
 
-std::size_t VendorTable::StartOf(std::size_t i) const {
-    if (i >= starts_.size()) {
-        throw RunTimeError(RunTimeError::kSubscriptOutOfRange,
-                           "The vendor list has no record " + std::to_string(i) + "; choose one of the " +
-                               std::to_string(starts_.size()) + " that it has.");
-    }
-    return starts_[i];
+void VendorTable::Check(std::size_t i) const {
+    if (i < starts_.size()) return;
+    throw RunTimeError(RunTimeError::kSubscriptOutOfRange,
+                       "The vendor list has no record " + std::to_string(i) + "; choose one of the " +
+                           std::to_string(starts_.size()) + " that it has.");
 }
 
 std::string_view VendorTable::TextAt(std::size_t offset) const {
-    return std::string_view(bytes_).substr(offset + kLengthBytes, LengthAt(bytes_, offset));
+    return std::string_view(texts_).substr(offset + kLengthBytes, LengthAt(texts_, offset));
 }
 
 std::string_view VendorTable::Prefix(std::size_t i) const {
-    return std::string_view(bytes_).substr(StartOf(i), kPrefixBytes);
+    Check(i);
+    return std::string_view(prefixes_).substr(i * kPrefixBytes, kPrefixBytes);
 }
 
-std::string_view VendorTable::NameBytes(std::size_t i) const { return TextAt(StartOf(i) + kPrefixBytes); }
+std::string_view VendorTable::NameBytes(std::size_t i) const {
+    Check(i);
+    return TextAt(starts_[i]);
+}
 
 std::string_view VendorTable::AddressBytes(std::size_t i) const {
-    const std::size_t name = StartOf(i) + kPrefixBytes;
-    return TextAt(name + kLengthBytes + LengthAt(bytes_, name));
+    const std::size_t nameLength = NameBytes(i).size();
+    return TextAt(starts_[i] + kLengthBytes + nameLength);
 }
 
 std::string VendorTable::Name(std::size_t i) const { return FromCodePage(NameBytes(i)); }
@@ -194,7 +230,7 @@ VendorTable LoadVendorList(const std::string& programFolder) {
     std::string contents;
     failure = ReadFileContents(path, contents);
     if (failure) FailToRead(path, failure);
-    return VendorTable::Parse(std::move(contents), path);
+    return VendorTable::Parse(contents, path);
 }
 
 VendorTable& Vendors() {

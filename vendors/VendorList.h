@@ -23,8 +23,9 @@ struct VendorRecord {
     bool operator==(const VendorRecord&) const = default;
 };
 
-/// The records of a vendor file in the order of the file. Holds the file's bytes as they were read, where
-/// each record begins, and an index by prefix; texts are made when they are asked for.
+/// The records of a vendor file in the order of the file. Holds the texts as the file has them,
+/// those of one maker once for all its prefixes, and an index by prefix; texts are converted when they are
+/// asked for.
 ///
 /// File format, integers little-endian: record count n (signed, 32 bits), then n records of prefix (6 bytes),
 /// length of the name (16 bits), the name, length of the address (16 bits), the address. Texts are in the
@@ -38,7 +39,7 @@ class VendorTable {
     /// The table in the bytes of a vendor file. Throws RunTimeError: kInputPastEndOfFile when `contents` is
     /// shorter than its count says, kSubscriptOutOfRange when the count is 0 or less. `path` is for the
     /// words.
-    static VendorTable Parse(std::string contents, const std::string& path);
+    static VendorTable Parse(std::string_view contents, const std::string& path);
 
     /// Number of records, at least one.
     [[nodiscard]] std::size_t Size() const { return starts_.size(); }
@@ -66,14 +67,17 @@ class VendorTable {
     VendorTable() = default;
 
     [[nodiscard]] std::string_view TextAt(std::size_t offset) const;
-    [[nodiscard]] std::size_t StartOf(std::size_t i) const;
-    void AddRecord(std::uint32_t start);
+    /// RunTimeError kSubscriptOutOfRange unless there is a record `i`.
+    void Check(std::size_t i) const;
+    /// `start` is the offset of the record's name in texts_.
+    void AddRecord(std::string_view prefix, std::uint32_t start);
     /// The slot that holds the first record with this prefix or, when there is none, the one where it
     /// belongs.
     [[nodiscard]] std::size_t SlotOf(std::uint64_t key) const;
 
-    std::string bytes_;
-    std::vector<std::uint32_t> starts_;  ///< Offset of each record in bytes_.
+    std::string prefixes_;               ///< Six bytes for each record.
+    std::string texts_;                  ///< Names and addresses with their lengths, each pair once.
+    std::vector<std::uint32_t> starts_;  ///< Offset of each record's name in texts_.
     std::vector<std::uint32_t>
         slots_;  ///< Hash table, 0 = free, else a record's number + 1; a power of two long.
 };

@@ -16,6 +16,7 @@ import ctypes
 import os
 import pathlib
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
@@ -76,13 +77,20 @@ class Screen:
         found = window.get_full_property(self.atom(name), X.AnyPropertyType)
         return found.value if found else []
 
-    def windows(self, name="_NET_CLIENT_LIST"):
-        """The shown windows that the window manager knows, or with _NET_ACTIVE_WINDOW the one that gets the keys."""
-        numbers = self.property(self.root, name)
-        return [self.display.create_resource_object("window", number) for number in numbers if number]
+    def windows(self):
+        """The shown windows that the window manager knows."""
+        return [self.display.create_resource_object("window", number)
+                for number in self.property(self.root, "_NET_CLIENT_LIST")]
 
     def active(self):
-        return self.windows("_NET_ACTIVE_WINDOW")
+        """The window that gets the keys, in a list of one or none. (The window manager's _NET_ACTIVE_WINDOW goes on
+        naming a window that has been hidden.)"""
+        focus, windows = self.display.get_input_focus().focus, self.windows()
+        while focus not in (X.NONE, X.PointerRoot):
+            if focus in windows:
+                return [focus]
+            focus = focus.query_tree().parent
+        return []
 
     def title(self, window):
         return bytes(self.property(window, "_NET_WM_NAME")).decode()
@@ -96,6 +104,13 @@ class Screen:
             if self.property(child, "_XEMBED_INFO") and child.get_attributes().map_state == X.IsViewable:
                 yield child
             yield from self.docked(child)
+
+    def end(self):
+        try:
+            self.display.close()
+        except error.ConnectionClosedError:
+            # A test may have taken the display away.
+            pass
 
     def extents(self, window):
         size = window.get_geometry()
@@ -341,7 +356,9 @@ class Table(Control):
 
     @classmethod
     def texts(cls, node, rows):
-        return [tuple(cell.name for cell in cls._cells(node, row)) for row in rows]
+        # A cell with a picture holds its text in a part of it.
+        return [tuple(cell.name or "".join(part.name for part in cell.children) for cell in cls._cells(node, row))
+                for row in rows]
 
     size = property(lambda self: self._read(lambda node: node.get("Table", "NRows")))
     rows = property(lambda self: self._read(lambda node: self.texts(node, range(node.get("Table", "NRows")))))
@@ -680,11 +697,20 @@ class Application(Part):
 
     def _expect_rest(self):
         """The program's first thread waits for events, and nothing is due soon."""
+        process = pathlib.Path(f"/proc/{self.pid}")
         try:
-            number, *arguments = pathlib.Path(f"/proc/{self.pid}/syscall").read_text().split()
-        except OSError as problem:
+            number, *arguments = (process / "syscall").read_text().split()
+            if number != POLL:
+                raise NotNow("it is busy")
+            place, count, milliseconds = [int(argument, 16) for argument in arguments[:3]]
+            with open(process / "mem", "rb", buffering=0) as memory:
+                memory.seek(place)
+                waited_for = [os.readlink(process / f"fd/{descriptor}")
+                              for descriptor, _, _ in struct.iter_unpack("<ihh", memory.read(8 * count))]
+        except (OSError, struct.error) as problem:
             raise NotNow(problem) from problem
-        if number != POLL or 0 <= ctypes.c_int(int(arguments[2], 16)).value < REST_MILLISECONDS:
+        # An event loop can be woken up; a wait for the kernel or for another program can not.
+        if "anon_inode:[eventfd]" not in waited_for or 0 <= ctypes.c_int(milliseconds).value < REST_MILLISECONDS:
             raise NotNow("it is busy")
 
     def wait_exit(self, seconds=SECONDS):
@@ -695,6 +721,16 @@ class Application(Part):
             raise AssertionError(f"the program has not ended within {seconds} seconds: {self.windows}") from None
         self.code_was_read = True
         return code
+
+    def end(self):
+        """Kills the program, if need be. Gives what is wrong: an exit code that the test did not ask for."""
+        code = self.process.poll()
+        self.process.kill()
+        self.process.wait()
+        wrong = f"{self.process.args} ended with {code}:\n{self.err}" if code and not self.code_was_read else ""
+        self._output.close()
+        self._errors.close()
+        return wrong
 
     # --- the mouse -----------------------------------------------------------------------------------------------
 
@@ -799,18 +835,14 @@ class Desktop:
         result = self.test._outcome.result
         if any(case is self.test for case, _ in result.failures + result.errors):
             self._keep_picture()
-        crashed = []
-        for application in self.programs:
-            code = application.process.poll()
-            application.process.kill()
-            application.process.wait()
-            if code and not application.code_was_read:
-                crashed.append(f"{application.process.args} ended with {code}:\n{application.err}")
+        wrong = "".join([application.end() for application in self.programs])
         if self._tray:
             self._tray.kill()
             self._tray.wait()
-        if crashed:
-            self.test.fail("\n".join(crashed))
+        self.bus.close_sync()
+        self.screen.end()
+        if wrong:
+            self.test.fail(wrong)
 
     def _keep_picture(self):
         build = pathlib.Path(os.environ.get("CORVANE_BUILD", "."))

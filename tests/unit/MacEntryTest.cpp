@@ -1,4 +1,5 @@
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -315,6 +316,17 @@ TEST_F(MacEntryRules, FocusReportedTwiceChangesNothingMore) {
 }
 
 // Helpers of the commands.
+
+TEST_F(MacEntryRules, ADroppedTextKeepsItsFirstTwoDigitsOnly) {
+    for (const auto& [dropped, kept] : std::vector<std::pair<std::string, std::string>>{
+             {"zz", ""}, {"g1", "1"}, {"a1b", "A1"}, {" 7", "7"}, {"\xC3\xA9", ""}}) {
+        boxes.beeps = 0;
+        boxes.texts.at(3) = dropped;
+        boxes.entry.Changed(3);
+        EXPECT_EQ(boxes.Text(3), kept) << dropped;
+        EXPECT_EQ(boxes.beeps, 1) << dropped;
+    }
+}
 
 TEST_F(MacEntryRules, NormaliseOctetsCompletesTheBoxesOfItsRange) {
     boxes.Fill(0, {"", "7", "AB", "", "C", ""});

@@ -70,6 +70,12 @@ void SetAccessibleName(wxWindow* control, const wxString& name) {
     atk_object_set_name(gtk_widget_get_accessible(FocusWidget(control)), text.c_str());
 }
 
+void UsePlainScrollBars(wxWindow* control) {
+    if (GTK_IS_SCROLLED_WINDOW(control->m_widget)) {
+        gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(control->m_widget), FALSE);
+    }
+}
+
 InputHold::InputHold() {
     // Keys, clicks and scrolling go to the widget that has the grab, which does nothing with them.
     GtkWidget* const widget = gtk_invisible_new();

@@ -1,7 +1,5 @@
 #include "ui/logic/Details.h"
 
-#include "platform/Text.h"
-
 namespace corvane {
 
 namespace {
@@ -51,7 +49,7 @@ std::string DetailsMacText(const NicInfo& nic) {
 }
 
 std::string ManufacturerText(const NicInfo& nic) {
-    return ToLower(nic.ComponentId) == kBridgeComponentId ? "MICROSOFT NETWORK BRIDGE" : nic.Vendor;
+    return IsNetworkBridge(nic) ? "MICROSOFT NETWORK BRIDGE" : nic.Vendor;
 }
 
 Details FillDetails(const NicInfo& nic) {

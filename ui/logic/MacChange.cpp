@@ -6,7 +6,6 @@
 #include "mac/WriteNetworkAddress.h"
 #include "platform/Platform.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "ui/logic/Details.h"
 #include "ui/logic/MacEntry.h"
 
@@ -82,7 +81,7 @@ void OpenChangeMac(MacBoxesView& boxes, VendorBoxView& vendorList, ChangeMacView
 
 void ChangeNow(std::size_t adapter, MacBoxesView& boxes, ChangeMacView& panel) {
     const std::string address = PadAndShow(boxes);
-    if (ToLower(Nics.at(adapter).ComponentId) == kBridgeComponentId) {
+    if (IsNetworkBridge(Nics.at(adapter))) {
         RefuseBridge();
         return;
     }

@@ -80,6 +80,17 @@ std::vector<std::string> OctetsOf(const std::string& text) {
     return octets;
 }
 
+/// What a box keeps of a text that did not come by its keys (dropped by the mouse, from an input method): its
+/// first two hexadecimal digits.
+std::string KeptOfText(const std::string& text) {
+    std::string octet;
+    for (const char c : text) {
+        const std::optional<char> digit = HexDigit(c);
+        if (digit && octet.size() < kOctetLength) octet += *digit;
+    }
+    return octet;
+}
+
 }  // namespace
 
 void MacEntry::KeyPress(int box, int character) {
@@ -176,6 +187,13 @@ bool MacEntry::KeyDown(int box, BoxKey key, bool shift, bool control) {
 }
 
 void MacEntry::Changed(int box) {
+    const std::string text = boxes_.Text(box);
+    const std::string octet = KeptOfText(text);
+    if (octet != text) {
+        boxes_.Beep();
+        boxes_.SetText(box, octet);  // Comes back here.
+        return;
+    }
     if (box <= kLastPrefixBox) vendor_.PrefixChanged();
     bool complete = true;
     for (int i = 0; i <= kLastAppliedBox; ++i) complete = complete && boxes_.Text(i).size() >= kOctetLength;

@@ -30,7 +30,9 @@ class MacEntry {
     /// the row ends.
     bool KeyDown(int box, BoxKey key, bool shift, bool control);
 
-    /// The text of a box changed, by the user or by SetText with another text.
+    /// The text of a box changed, by the user or by SetText with another text. What is no hexadecimal digit, or
+    /// one too many, and did not come by a key (dropped by the mouse, from an input method) is taken out with a
+    /// beep.
     void Changed(int box);
 
     void Clicked(int box);

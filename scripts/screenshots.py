@@ -1,0 +1,251 @@
+"""Takes the pictures of the window for scripts/screenshots: screenshots.py FOLDER, inside tests/netns/sandbox and
+tests/gui/display, with CORVANE_BIN naming the folder of the programs.
+
+What can be fixed is: links, addresses, sizes, the course of the traffic. The dates of leases and the system's name are
+those of the day and the machine.
+"""
+
+import math
+import os
+import pathlib
+import socket
+import subprocess
+import sys
+import time
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+sys.path[:0] = [str(ROOT / "tests/netns"), str(ROOT / "tests/gui")]
+
+from Xlib import X
+
+import desktop as gui
+from world import BIN, FAR, DhcpServer, World, end_with_parent, ip, wait_for
+
+TITLE = "Orvella Corvane"
+LOADING = "Orvella Corvane - Loading"
+DESKTOP_COLOUR = 0x54687E
+SCREEN = 1280, 1024
+# Around what is shown of the desktop.
+MARGIN = 12
+# A corner where the pointer lights up nothing.
+NOWHERE = 1279, 0
+# The graph shows two minutes.
+GRAPH_SECONDS = 124
+LARGEST_FILE = 120_000
+
+TRAFFIC_PORT = 9
+PACKET = bytes(1400)
+TICK_SECONDS = 0.05
+
+
+def wave(name, second):
+    """Bytes per second at a time: swells, and a peak every 37 seconds."""
+    peak = math.exp(-((second % 37 - 20) / 4) ** 2)
+    if name == "received":
+        return 210e3 + 90e3 * math.sin(second / 9) + 40e3 * math.sin(second / 2.3) + 520e3 * peak
+    return 80e3 + 45e3 * math.sin(second / 7 + 2) + 25e3 * math.sin(second / 1.7) + 150e3 * peak
+
+
+def send_traffic(name, here, there):
+    """Sends datagrams for ever, as many as the wave of this name asks for, and takes what comes."""
+    link = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    link.bind((here, TRAFFIC_PORT))
+    begin = former = time.monotonic()
+    owed = 0.0
+    while True:
+        time.sleep(TICK_SECONDS)
+        now = time.monotonic()
+        # What a busy machine was late for is not made up for: that would be a peak that nobody asked for.
+        owed = min(owed + wave(name, now - begin) * (now - former), 2 * TICK_SECONDS * wave(name, now - begin))
+        former = now
+        while owed >= len(PACKET):
+            link.sendto(PACKET, (there, TRAFFIC_PORT))
+            owed -= len(PACKET)
+
+
+class Pictures(World):
+    """One run: the network, then picture after picture."""
+
+    folder = pathlib.Path(sys.argv[1]).resolve()
+
+    def runTest(self):
+        self.folder.mkdir(parents=True, exist_ok=True)
+        self.make_network()
+        self.desktop = gui.Desktop(self)
+        self.screen = self.desktop.screen
+        self.screen.root.change_attributes(background_pixel=DESKTOP_COLOUR)
+        self.screen.root.clear_area()
+        self.splash()
+        self.help_options()
+        self.desktop.start_tray()
+        self.watched_traffic()
+        self.vendor_list()
+        self.change_of_address()
+        self.about()
+        self.tray()
+        self.small()
+
+    # --- the network -----------------------------------------------------------------------------------------------
+
+    def make_network(self):
+        """A machine with several connections, set up with the program itself."""
+        self.veth("lan0", mac="3c:fd:fe:a1:4c:07")
+        self.veth("lan1", mac="00:1b:21:3d:90:5e")
+        self.veth("office0", mac="a0:36:bc:58:e2:19")
+        self.veth("guest0", mac="f4:f2:6d:20:7b:41")
+        self.bridge("br0", "10.80.0.1/24", mac="f4:f2:6d:20:7b:41")
+        ip("link", "set", "guest0", "master", "br0")
+        self.tap("vpn0", mac="0a:58:0a:64:00:01")
+        self.veth("spare0", mac="f8:e4:3b:07:c6:d0")
+        for link, network in (("lan0", "10.77.0"), ("lan1", "10.78.0"), ("office0", "192.168.40")):
+            ip("-n", FAR, "address", "add", f"{network}.1/24", "dev", link)
+        server = DhcpServer("lan0")
+        self.addCleanup(server.stop)
+        mask = "255.255.255.0"
+        # All at once: each restart takes ten seconds.
+        commands = [self.start("nicx", *arguments) for arguments in (
+            ("-n", "lan0", "-h", "-re"),
+            ("-n", "lan1", "-i", f"10.78.0.10,10.78.0.11,10.78.0.12:{mask},{mask},{mask}",
+             "-g", "10.78.0.1,10.78.0.2:10,20", "-d", "10.78.0.53,10.78.0.54", "-re"),
+            ("-n", "office0", "-m", "8c:56:c5:fb:82:03", "-i", f"192.168.40.17:{mask}", "-g", "192.168.40.1:30", "-re"),
+            ("-n", "spare0", "-di"))]
+        for command in commands:
+            result = self.finish(command)
+            self.assertEqual((result.code, result.err), (0, ""), result)
+        self.assertEqual(self.mac("office0"), "8c:56:c5:fb:82:03")
+        wait_for(lambda: self.addresses("lan0"), "lan0 has its lease")
+
+    @staticmethod
+    def start_traffic(here, there):
+        script = [sys.executable, "-B", __file__, "--traffic"]
+        for command in ([*script, "sent", here, there],
+                        ["ip", "netns", "exec", FAR, *script, "received", there, here]):
+            subprocess.Popen(command, stdin=subprocess.DEVNULL, preexec_fn=end_with_parent)
+
+    # --- the pictures ----------------------------------------------------------------------------------------------
+
+    def splash(self):
+        """It is to be seen for a moment only, so it is watched: what it showed last is kept."""
+        program = subprocess.Popen([BIN / "nicx-window"], stdin=subprocess.DEVNULL, preexec_fn=end_with_parent)
+        shown = []
+
+        def look():
+            windows = {self.screen.title(window): window for window in self.screen.windows()}
+            if LOADING in windows:
+                size = windows[LOADING].get_geometry()
+                image = windows[LOADING].get_image(0, 0, size.width, size.height, X.ZPixmap, 0xFFFFFFFF)
+                shown[:] = f"{size.width}x{size.height}", image.data
+            if TITLE not in windows:
+                raise gui.NotNow("it is loading")
+
+        gui.patiently(look, "the main window")
+        program.kill()
+        program.wait()
+        size, pixels = shown
+        self.write("splash", "-size", size, "-depth", "8", "bgra:-", "-alpha", "off", pixels=pixels)
+
+    def help_options(self):
+        title = "Command Line Help - Orvella Corvane v4"
+        program = self.desktop.start(BIN / "nicx-window", "-help", title=title)
+        self.keep("help-options", self.frame(program))
+        program.button("OK").click()
+        program.wait_exit()
+
+    def watched_traffic(self):
+        """Two windows watch the same traffic: one that stays, and over it one in dark colours."""
+        self.start_traffic("10.78.0.10", "10.78.0.1")
+        self.window = self.start_window()
+        dark = self.start_window({"GTK_THEME": "Adwaita:dark"})
+        time.sleep(GRAPH_SECONDS)
+        self.keep("dark", self.frame(dark))
+        dark.close()
+        dark.wait_exit()
+        self.window.expect_active()
+        self.desktop.press("F5")
+        self.keep("main", self.frame(self.window))
+
+    def start_window(self, environment=None):
+        window = self.desktop.start(BIN / "nicx-window", title=TITLE, environment=environment)
+        self.connections(window).click_row("lan1")
+        return window
+
+    @staticmethod
+    def connections(window):
+        return window.table("Network Connections")
+
+    def vendor_list(self):
+        self.connections(self.window).click_row("lan0")
+        self.desktop.press("ctrl+m")
+        self.window.entry("Vendor:").enter("philips")
+        left, top, width, height = self.frame(self.window)
+        _, list_top, _, list_height = self.window.popup().root().extents
+        self.keep("vendor-list", (left, top, width, max(height, list_top + list_height - top)))
+        self.desktop.press("Escape", "Escape")
+
+    def change_of_address(self):
+        self.desktop.press("ctrl+m")
+        self.desktop.type("b827eb5d2041")
+        self.keep("change-mac", self.frame(self.window))
+        self.window.button("Change Now !").click()
+        question = self.window.expect_box("Change MAC Address ?")
+        self.keep("question", self.frame(self.window))
+        question.press("Yes")
+        wait_for(lambda: any("Enabling (Attempt 1) ..." in row for row in self.connections(self.window).rows),
+                 "the connection is being enabled")
+        self.keep("progress", self.frame(self.window))
+        self.window.expect_box("MAC Address Changed Successfully").press("OK")
+
+    def about(self):
+        self.window.menu("Help", "About Us").choose()
+        box = self.window.expect_box("About Orvella Corvane")
+        self.keep("about", self.frame(box))
+        box.press("Close")
+
+    def tray(self):
+        self.window.click_tray(button=3)
+        x, y, _, _ = self.window.popup().root().extents
+        right, bottom = SCREEN
+        self.keep("tray", (x - MARGIN, y - MARGIN, right - x + MARGIN, bottom - y + MARGIN))
+        self.desktop.press("Escape")
+
+    def small(self):
+        self.x_window(self.window).configure(width=800, height=600)
+        self.desktop.settle()
+        self.keep("small", self.frame(self.window))
+
+    # --- keeping them ----------------------------------------------------------------------------------------------
+
+    def x_window(self, part):
+        """The window with the title of a part of the program."""
+        return next(window for window in self.screen.windows() if self.screen.title(window) == part.title
+                    and self.screen.pid(window) == part.application.pid)
+
+    def frame(self, part):
+        """Place and size of a window with what the window manager drew around it."""
+        window = self.x_window(part)
+        while (parent := window.query_tree().parent) != self.screen.root:
+            window = parent
+        return self.screen.extents(window)
+
+    def keep(self, name, place):
+        self.desktop.move(*NOWHERE)
+        self.desktop.settle()
+        x, y, width, height = place
+        screen = subprocess.run(["import", "-silent", "-window", "root", "miff:-"], check=True, stdout=subprocess.PIPE)
+        self.write(name, "miff:-", "-crop", f"{width}x{height}+{x}+{y}", "+repage", pixels=screen.stdout)
+
+    def write(self, name, *source, pixels):
+        """Writes a picture with as few colours as look the same."""
+        path = self.folder / f"{name}.png"
+        subprocess.run(["convert", *source, "+dither", "-colors", "256", "-strip", "-define",
+                        "png:exclude-chunks=date,time", f"PNG8:{path}"], check=True, input=pixels)
+        self.assertLess(path.stat().st_size, LARGEST_FILE, f"{path} is too large")
+        print(f"{path.name}: {path.stat().st_size} bytes", flush=True)
+
+
+if __name__ == "__main__":
+    if sys.argv[1] == "--traffic":
+        send_traffic(*sys.argv[2:])
+    outcome = unittest.TextTestRunner(verbosity=0).run(Pictures())
+    sys.exit(0 if outcome.wasSuccessful() else 1)

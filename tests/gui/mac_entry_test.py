@@ -1,0 +1,447 @@
+"""Typing another MAC address into the panel of the main window: keys, clicks, the clipboard, the vendor box."""
+
+from window import OCTETS, RESTART, WindowTest
+from world import vendor_bytes
+
+OWN = "02:00:00:00:10:01"
+EMPTY = [""] * OCTETS
+FULL = ["A1", "B2", "C3", "D4", "E5", "F6"]
+RANDOM_OCTET = r"^[0-9]{2}$"
+
+
+class PanelTest(WindowTest):
+    def setUp(self):
+        super().setUp()
+        self.veth("eth0", "10.1.0.2/24", mac=OWN)
+        self.prepare()
+        self.open_window()
+        self.open_panel("eth0")
+
+    def prepare(self):
+        """What comes before the start of the window."""
+
+    def press(self, *chords):
+        self.desktop.press(*chords)
+
+    def type(self, text):
+        self.desktop.type(text)
+
+    @property
+    def change_now(self):
+        return self.window.button("Change Now !")
+
+    def assert_octets(self, octets, focus):
+        self.assertEqual(self.octets, octets)
+        self.assert_focus(focus)
+
+    def assert_caret(self, number, position):
+        """The box has the focus, the caret is here and nothing is selected."""
+        self.assert_focus(number)
+        box = self.octet(number)
+        self.assertEqual((box.caret, box.selection), (position, (position, position)))
+
+    def assert_selected(self, number):
+        """The box has the focus and its whole text is selected."""
+        self.assert_focus(number)
+        box = self.octet(number)
+        self.assertEqual(box.selection, (0, len(box.text)))
+
+    def fill(self):
+        """Fills the boxes with FULL."""
+        self.octet(0).click()
+        self.type("a1b2c3d4e5f6")
+        self.assert_octets(FULL, RESTART)
+
+
+class Typing(PanelTest):
+    def test_twelve_digits_fill_the_boxes_and_go_on_to_the_check_box(self):
+        self.assert_octets(EMPTY, 0)
+        self.type("a1b2c3d4e5f6")
+        self.assert_octets(FULL, RESTART)
+        self.assertEqual(self.vendor.text, "Unknown Vendor (A1-B2-C3)")
+        # More digits have no box to go to.
+        self.type("77")
+        self.assertEqual(self.octets, FULL)
+        self.assertTrue(self.window.check(RESTART).checked)
+        # A full box without a selection hands the digit on; the last one has no next.
+        self.octet(4).click()
+        self.press("End")
+        self.type("7")
+        self.assertEqual(self.octets, [*FULL[:5], "7"])
+        self.assert_caret(5, 1)
+        self.type("89")
+        self.assert_octets([*FULL[:5], "78"], RESTART)
+
+    def test_separators_go_to_the_next_box_and_are_not_entered(self):
+        self.type("00:0c:29")
+        self.assert_octets(["00", "0C", "29", *self.octets[3:]], 3)
+        for separator in "-.:":
+            with self.subTest(separator):
+                self.octet(0).click()
+                self.type(separator.join(["7", "8", "9", "a", "b", "c"]) + separator)
+                self.assert_octets(["07", "08", "09", "0A", "0B", "0C"], RESTART)
+        # One that comes after a digit that filled the box has moved already.
+        self.octet(0).click()
+        self.type("10:20:30:40:50:60")
+        self.assert_octets(["10", "20", "30", "40", "50", "60"], RESTART)
+
+    def test_a_separator_typed_onto_a_selected_octet_leaves_it(self):
+        self.fill()
+        self.octet(1).click()
+        self.type(":-")
+        self.assertEqual(self.octets, FULL)
+        self.assert_focus(3)
+
+    def test_other_characters_do_nothing(self):
+        self.type("g z!Gx_")
+        self.assert_octets(EMPTY, 0)
+        self.type("a g")
+        self.assertEqual(self.octets, ["A", *EMPTY[1:]])
+        self.assert_caret(0, 1)
+        self.press("Escape", "ctrl+m")
+        self.fill()
+        self.octet(2).click()
+        for text in ("g", " ", "é", "xyz"):
+            self.type(text)
+            self.assertEqual(self.octets, FULL, f"after '{text}'")
+            self.assert_selected(2)
+        self.assertEqual(self.vendor.text, "Unknown Vendor (A1-B2-C3)")
+
+    def test_backspace(self):
+        self.fill()
+        self.octet(3).click()
+        self.press("Home", "BackSpace")
+        self.assertEqual(self.octets, FULL)
+        self.assert_caret(2, 2)
+        self.press("BackSpace")
+        self.assertEqual(self.octets, [*FULL[:2], "C", *FULL[3:]])
+        self.assert_caret(2, 1)
+        # On a selection it also erases the character in front of the caret.
+        self.octet(4).click()
+        self.press("End", "shift+Left", "BackSpace")
+        self.assertEqual(self.octet(4).text, "")
+        self.octet(5).click()
+        self.press("BackSpace")
+        self.assertEqual(self.octet(5).text, "")
+        self.assert_caret(5, 0)
+        self.octet(0).click()
+        self.press("Home", "BackSpace")
+        self.assertEqual(self.octet(0).text, "A1")
+        self.assert_caret(0, 0)
+
+    def test_arrow_keys(self):
+        self.fill()
+        self.octet(2).click()
+        self.press("Home", "Left")
+        self.assert_caret(1, 2)
+        self.press("Left")
+        self.assert_caret(1, 1)
+        self.press("Right", "Right")
+        self.assert_caret(2, 0)
+        self.press("ctrl+Right")
+        self.assert_selected(3)
+        self.press("ctrl+Left", "ctrl+Left")
+        self.assert_selected(1)
+        # Shift marks within the box.
+        self.press("End", "shift+Left", "shift+Left", "shift+Left")
+        self.assert_selected(1)
+        # The ends of the row.
+        self.octet(0).click()
+        self.press("Home", "Left", "ctrl+Left")
+        self.assert_focus(0)
+        self.octet(5).click()
+        self.press("End", "Right", "ctrl+Right")
+        self.assert_focus(5)
+        self.assertEqual(self.octets, FULL)
+
+    def test_a_single_digit_is_padded_when_its_box_is_left(self):
+        self.type("7")
+        self.assertEqual(self.octet(0).text, "7")
+        self.press("Tab")
+        self.assertEqual(self.octet(0).text, "07")
+        self.type("8")
+        self.octet(3).click()
+        self.assertEqual(self.octets[:3], ["07", "08", "00"])
+        self.type("9")
+        self.press("Right")
+        self.assertEqual(self.octet(3).text, "09")
+        self.assert_caret(4, 0)
+
+    def test_change_now_needs_six_full_boxes(self):
+        self.assertFalse(self.change_now.enabled)
+        self.type("a1b2c3d4e5f")
+        self.assertFalse(self.change_now.enabled)
+        self.press("Return")
+        self.window.expect_windows(self.window.title)
+        self.type("6")
+        self.assertTrue(self.change_now.enabled)
+        self.octet(3).click()
+        self.press("End", "BackSpace")
+        self.assertFalse(self.change_now.enabled)
+        self.press("Tab")
+        self.assertEqual(self.octet(3).text, "0D")
+        self.assertTrue(self.change_now.enabled)
+        # The Enter key presses it from wherever one types.
+        for number in (0, 5):
+            self.octet(number).click()
+            self.press("Return")
+            self.window.expect_box("Change MAC Address ?").press("Cancel")
+            self.assert_focus(number)
+        # Opened again it is empty, and back to the restart.
+        self.window.check(RESTART).click()
+        self.press("Escape", "ctrl+m")
+        self.assert_octets(EMPTY, 0)
+        self.assertFalse(self.change_now.enabled)
+        self.assertEqual(self.vendor.text, "")
+        self.assertTrue(self.window.check(RESTART).checked)
+
+    def test_a_click_selects_the_octet_and_a_digit_replaces_what_is_selected(self):
+        self.fill()
+        self.octet(1).click()
+        self.assert_selected(1)
+        self.type("7")
+        self.assertEqual(self.octet(1).text, "7")
+        self.assert_caret(1, 1)
+        self.type("8")
+        self.assertEqual(self.octet(1).text, "78")
+        self.assert_selected(2)
+        # Half of an octet: the focus stays.
+        self.octet(4).click()
+        self.press("End", "shift+Left")
+        self.type("9")
+        self.assertEqual(self.octet(4).text, "E9")
+        self.assert_caret(4, 2)
+
+
+class Clipboard(PanelTest):
+    def copy(self, text):
+        """Puts a text on the clipboard; the vendor box is empty then and its list closed."""
+        self.vendor.enter(text)
+        self.press("ctrl+a", "ctrl+x", "Escape")
+        self.assertEqual(self.vendor.text, "")
+
+    def test_a_whole_address_fills_the_row_from_any_box(self):
+        forms = {
+            "ctrl+v": "00-0c-29-4f-8e-35",
+            "shift+Insert": " 00:0C:29:4F:8E:35 ",
+        }
+        for chord, text in forms.items():
+            with self.subTest(chord):
+                self.press("Escape", "ctrl+m")
+                self.copy(text)
+                self.octet(2).click()
+                self.press(chord)
+                self.assertEqual(self.octets, ["00", "0C", "29", "4F", "8E", "35"])
+                self.assert_caret(5, 2)
+                self.assertTrue(self.change_now.enabled)
+                self.assertIn("VMware", self.vendor.text)
+        self.copy("a1b2.c3d4.e5f6")
+        self.octet(5).click(button=3)
+        self.window.popup().item("Paste").choose()
+        self.assertEqual(self.octets, FULL)
+
+    def test_one_octet_goes_into_its_box(self):
+        self.fill()
+        self.copy("7e")
+        self.octet(4).click()
+        self.press("ctrl+v")
+        self.assertEqual(self.octets, [*FULL[:4], "7E", "F6"])
+        self.assert_caret(4, 2)
+
+    def test_rubbish_changes_nothing(self):
+        self.fill()
+        for text in ("hello", "zz", "00-0c-29-4f-8e", "00:0c:29:4f:8e:3g", "02-00-00-00-10-01 (Original)", "abc"):
+            with self.subTest(text):
+                self.copy(text)
+                # A search begins when a later box is entered and no vendor is shown.
+                self.octet(1).click()
+                self.press("ctrl+v", "shift+Insert")
+                self.assertEqual(self.octets, FULL)
+        # The X way: what is selected is pasted by the middle button.
+        self.vendor.enter("zy")
+        self.press("ctrl+a")
+        self.octet(1).click(button=2)
+        self.assertEqual(self.octets, FULL)
+
+    def test_an_octet_can_be_copied_and_cut(self):
+        self.fill()
+        self.octet(1).click()
+        self.press("ctrl+c")
+        self.octet(4).click()
+        self.press("ctrl+v")
+        self.assertEqual(self.octets, ["A1", "B2", "C3", "D4", "B2", "F6"])
+        self.octet(5).click()
+        self.press("ctrl+x")
+        self.assertEqual(self.octet(5).text, "")
+        self.assertFalse(self.change_now.enabled)
+
+
+class Vendors(PanelTest):
+    """With a vendor list of the test's own."""
+
+    NAMES = ["Acme Networks", "Beta Works", "Gamma Networks", "Delta Networks", "Acme Radio"]
+    PREFIXES = ["00AA01", "00BB02", "00CC03", "00DD04", "00AA01"]
+
+    def prepare(self):
+        folder = self.copy_programs()
+        (folder / "VendorNumbers.log").write_bytes(vendor_bytes(*zip(self.PREFIXES, self.NAMES)))
+
+    def assert_vendor(self, index):
+        """This vendor is shown, with its prefix and random octets, and can be applied."""
+        self.assertEqual(self.vendor.text, self.NAMES[index] + "   Address: ")
+        octets = self.octets
+        self.assertEqual("".join(octets[:3]), self.PREFIXES[index])
+        for octet in octets[3:]:
+            self.assertRegex(octet, RANDOM_OCTET)
+        self.assertTrue(self.change_now.enabled)
+
+    def click_entry(self, row):
+        """Clicks on a row of the list, which shows twelve of them, and a margin."""
+        x, y, width, height = self.window.popup().root().extents
+        entry = (height - 4) // 12
+        self.desktop.move(x + width // 3, y + 2 + row * entry + entry // 2)
+        self.desktop.click()
+
+    def assert_list_shown(self, shown):
+        windows = [node for node in self.window.node.children if node.role == "window" and node.has(25)]
+        self.assertEqual(len(windows), int(shown))
+
+    def test_a_typed_prefix_shows_its_vendor(self):
+        self.type("00cc03")
+        self.assert_focus(3)
+        self.assert_vendor(2)
+        # The first record of a prefix counts.
+        self.octet(0).click()
+        self.type("00aa01")
+        self.assert_vendor(0)
+        # The rest of the address is the user's to change; nothing is searched again.
+        self.type("778899")
+        self.assert_octets(["00", "AA", "01", "77", "88", "99"], RESTART)
+        self.octet(4).click()
+        self.octet(3).click()
+        self.assert_octets(["00", "AA", "01", "77", "88", "99"], 3)
+        # Another prefix: the vendor goes away at once, and an unknown one leaves the rest.
+        self.octet(2).click()
+        self.type("7")
+        self.assertEqual(self.vendor.text, "")
+        self.press("Tab")
+        self.assertEqual(self.vendor.text, "Unknown Vendor (00-AA-07)")
+        self.assert_octets(["00", "AA", "07", "77", "88", "99"], 3)
+        # Entering the vendor box searches too.
+        self.octet(1).click()
+        self.type("bb02")
+        self.octet(2).click()
+        self.vendor.click()
+        self.assert_vendor(1)
+
+    def test_typing_narrows_the_list_and_enter_chooses(self):
+        self.vendor.click()
+        self.type("NETW")
+        self.assert_list_shown(True)
+        self.press("Down", "Return")
+        self.assert_vendor(2)
+        self.assert_list_shown(False)
+        self.assert_focus("Vendor:")
+        self.assertEqual(self.vendor.selection, (0, len(self.vendor.text)))
+        # Typing replaces the selected text and opens the list again. Words in any order.
+        self.type("works beta")
+        self.press("Return")
+        self.assert_vendor(1)
+        # A search that finds nothing chooses nothing, and does not press Change Now either.
+        self.type("nobody")
+        self.press("Return")
+        self.window.expect_windows(self.window.title)
+        self.assertEqual(self.vendor.text, "nobody")
+        self.assertEqual("".join(self.octets[:3]), self.PREFIXES[1])
+        # Up and down stop at the ends.
+        self.vendor.enter("networks")
+        self.press("Up", "Down", "Down", "Down", "Down", "Return")
+        self.assert_vendor(3)
+        # A prefix is found too.
+        self.type("00-cc-03")
+        self.press("Return")
+        self.assert_vendor(2)
+
+    def test_the_mouse_chooses_from_the_list(self):
+        self.window.button("Show the list of vendors").click()
+        self.assert_list_shown(True)
+        self.assert_focus("Vendor:")
+        self.click_entry(4)
+        self.assert_list_shown(False)
+        self.assert_vendor(4)
+        self.vendor.enter("networks")
+        self.click_entry(1)
+        self.assert_vendor(2)
+        # Room below the last match: nothing is there to be chosen.
+        self.vendor.enter("works beta")
+        self.click_entry(6)
+        self.assertEqual("".join(self.octets[:3]), self.PREFIXES[2])
+        # The button closes it as well, and so does a click elsewhere.
+        self.window.button("Show the list of vendors").click()
+        self.assert_list_shown(False)
+        self.window.button("Show the list of vendors").click()
+        self.assert_list_shown(True)
+        self.octet(0).click()
+        self.assert_list_shown(False)
+
+    def test_escape_closes_the_list_and_then_the_panel(self):
+        for opener in ("Down", "F4", "a"):
+            with self.subTest(opener):
+                self.vendor.click()
+                self.press(opener)
+                self.assert_list_shown(True)
+                self.press("Escape")
+                self.assert_list_shown(False)
+                self.assertTrue(self.panel_is_open)
+                self.press("Escape")
+                self.assertFalse(self.panel_is_open)
+                self.assert_focus("Network Connections")
+                self.open_panel()
+
+    def test_a_random_address_has_the_prefix_of_a_vendor(self):
+        for _ in range(5):
+            self.window.button("Random MAC Address").click()
+            prefix = "".join(self.octets[:3])
+            self.assertIn(prefix, self.PREFIXES)
+            shown = [index for index, name in enumerate(self.NAMES) if self.vendor.text == f"{name}   Address: "]
+            self.assertEqual([self.PREFIXES[index] for index in shown], [prefix])
+            self.assert_vendor(shown[0])
+
+
+class Keyboard(PanelTest):
+    def test_the_mnemonics_of_the_panel(self):
+        self.press("alt+v")
+        self.assert_focus("Vendor:")
+        self.press("alt+a")
+        self.assert_focus(0)
+        self.press("alt+m")
+        self.change_now.expect(enabled=True)
+        self.assertNotEqual(self.vendor.text, "")
+        self.press("alt+o")
+        self.window.expect_box("Change MAC Address ?").press("No", by_key=True)
+        self.assertEqual(self.octets, EMPTY)
+        self.assertTrue(self.panel_is_open)
+
+    def test_tab_goes_through_everything_and_back(self):
+        self.fill()
+        self.octet(0).click()
+        way = [*[f"MAC address, octet {number} of 6" for number in range(1, 7)], "Random MAC Address", "Vendor:",
+               "Show the list of vendors", RESTART, "Change Now !", "Original MAC", "Close", "Refresh", "Change MAC",
+               "Disable", "Enable DHCP", "Export", "Network Connections", "Traffic of the last two minutes",
+               "IP Address", "Gateway", "DNS Server"]
+        for name in [*way[1:], way[0]]:
+            self.press("Tab")
+            self.assert_focus(name)
+        self.press("shift+Tab")
+        self.assert_focus(way[-1])
+
+    def test_space_and_enter_work_what_has_the_focus(self):
+        self.fill()
+        self.press("space")
+        self.assertFalse(self.window.check(RESTART).checked)
+        self.press("space")
+        self.assertTrue(self.window.check(RESTART).checked)
+        self.octet(5).click()
+        self.press("Tab", "Return")
+        self.vendor.expect(text=self.vendor.text)
+        self.assert_focus("Random MAC Address")
