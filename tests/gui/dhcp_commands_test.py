@@ -125,7 +125,7 @@ class Dhcp(MainWindowTest):
         self.expect_box(*RELEASED, press="OK")
         self.desktop.press("alt+n")
         self.expect_box(*RENEW, press="Yes")
-        box = self.window.expect_box("Orvella Corvane")
+        box = self.expect_message()
         self.assertRegex(box.text, r"^DLL : IphlpApi\.dll\n\nError Code : \d+\nAPI: IPRenewAddress\n")
         box.press("OK")
         self.assert_commands("Disable DHCP", leased=True)

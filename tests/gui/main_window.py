@@ -9,7 +9,7 @@ import signal
 from Xlib import X, display
 from Xlib.ext import xtest
 
-from desktop import SHOWING, NotNow
+from desktop import ACTIVE, SHOWING, NotNow
 from window import TITLE, WindowTest
 from world import wait_for
 
@@ -120,6 +120,15 @@ class MainWindowTest(WindowTest):
         box = self.window.expect_box(title)
         self.assertEqual(box.text, text.replace("\r\n", "\n"))
         box.press(press, by_key)
+
+    def expect_message(self):
+        """Waits for a message box with the program's name as its title, which is the main window's title too."""
+        def look():
+            nodes = self.window.node.children
+            if not any(node.role == "alert" and node.has(ACTIVE) for node in nodes):
+                raise NotNow(f"there are {[node.role for node in nodes]}")
+        self.window.patiently(look, "a message box")
+        return self.window.expect_box(TITLE)
 
     def expect_last_box(self, title, text, code):
         """Waits for the box that is the program's last; it ends with this code when OK is pressed."""

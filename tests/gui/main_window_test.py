@@ -151,7 +151,7 @@ class Selection(MainWindowTest):
                         self.window.menu("File", "Refresh").choose, lambda: self.desktop.press("alt+r")):
             # What was done last changes in between, so that it can be seen that it is set again.
             self.desktop.press("F1")
-            self.window.expect_box(TITLE).press("OK")
+            self.expect_message().press("OK")
             self.assertNotEqual(self.facts["Done last"], READ_ANEW)
             refresh()
             self.expect_fact("Done last", READ_ANEW)

@@ -156,7 +156,7 @@ class Actions(MainWindowTest):
     def test_a_failed_action_says_so(self):
         self.veth("lan0", mac=OWN)
         self.open_window("-n", "lan0", "-rl", wait=False)
-        box = self.window.expect_box("Orvella Corvane")
+        box = self.expect_message()
         self.assertRegex(box.text, r"^DLL : IphlpApi\.dll\n\nError Code : \d+\nAPI: IPReleaseAddress\nError Description : ")
         box.press("OK")
         self.expect_box("IP Release Attempt Failed - Orvella Corvane v4",
