@@ -30,6 +30,7 @@ class WindowApp : public wxApp {
         // No window here waits for idle moments; asking each of them costs time at every event.
         wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
         wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
+        DropLayoutMessages();
         EndWhenDisplayIsLost(
             "nicx-window: the display has gone away; the program ends. What it had reported as done is done.",
             kExitRunTimeError);

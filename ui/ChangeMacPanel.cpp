@@ -38,7 +38,7 @@ ChangeMacPanel::ChangeMacPanel(wxWindow* parent)
     grid->AddGrowableCol(1);
     auto* const addressLabel = new wxStaticText(this, wxID_ANY, "New MAC &Address:");
     grid->Add(addressLabel, 0, wxALIGN_CENTER_VERTICAL);
-    grid->Add(MakeBoxes(), 0, wxEXPAND);
+    grid->Add(MakeBoxes());
     auto* const vendorLabel = new wxStaticText(this, wxID_ANY, "&Vendor:");
     grid->Add(vendorLabel, 0, wxALIGN_CENTER_VERTICAL);
     vendorBox_ = std::make_unique<VendorBox>(this);
@@ -79,12 +79,7 @@ wxSizer* ChangeMacPanel::MakeBoxes() {
         boxes_[static_cast<std::size_t>(box)] = text;
         row->Add(text);
     }
-    command8_ = MakeButton("Random &MAC Address", "random");
-    command8_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { vendor_->RandomAddress(); });
-    auto* const line = new wxWrapSizer(wxHORIZONTAL, wxREMOVE_LEADING_SPACES);
-    line->Add(row, 0, wxALIGN_CENTER_VERTICAL | wxRIGHT, 2 * kGap);
-    line->Add(command8_, 0, wxALIGN_CENTER_VERTICAL);
-    return line;
+    return row;
 }
 
 wxButton* ChangeMacPanel::MakeButton(const char* label, const char* icon) {
@@ -96,33 +91,43 @@ wxButton* ChangeMacPanel::MakeButton(const char* label, const char* icon) {
 wxSizer* ChangeMacPanel::MakeButtons() {
     command9_ = MakeButton("Change Now !", "apply");
     command10_ = MakeButton("&Original MAC", "original_mac");
+    command8_ = MakeButton("Random &MAC Address", "random");
     auto* const close = new wxButton(this, wxID_ANY, "Close");
     command9_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnChangeNow(); });
     command10_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnOriginalMac(); });
+    command8_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { vendor_->RandomAddress(); });
     close->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Close(); });
     auto* const row = new wxWrapSizer(wxHORIZONTAL, wxREMOVE_LEADING_SPACES);
-    for (wxButton* const button : {command9_, command10_, close}) {
+    for (wxButton* const button : {command9_, command10_, command8_, close}) {
         row->Add(button, 0, wxRIGHT | wxBOTTOM, kGap);
     }
     return row;
 }
 
+bool ChangeMacPanel::HandleArrow(int box, const wxKeyEvent& event) {
+    const int key = event.GetKeyCode();
+    if (key != WXK_LEFT && key != WXK_RIGHT) return false;
+    return entry_->KeyDown(box, key == WXK_LEFT ? BoxKey::kLeft : BoxKey::kRight, event.ShiftDown(),
+                           event.ControlDown());
+}
+
+bool ChangeMacPanel::HandleCharacter(int box, const wxKeyEvent& event, int character) {
+    const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
+    if (!typed || event.ControlDown() || event.AltDown()) return false;
+    entry_->KeyPress(box, character);
+    return true;
+}
+
 void ChangeMacPanel::BindBox(int box) {
     wxTextCtrl& text = Box(box);
-    text.Bind(wxEVT_CHAR, [this, box](wxKeyEvent& event) {
-        const int character = event.GetUnicodeKey();
-        const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
-        if (typed && !event.ControlDown() && !event.AltDown()) {
-            entry_->KeyPress(box, character);
-        } else {
-            event.Skip();
-        }
-    });
+    // Keys are taken before the toolkit's input method sees them, which deletes a selected text before it
+    // asks whether the character is wanted.
     text.Bind(wxEVT_KEY_DOWN, [this, box](wxKeyEvent& event) {
-        const int key = event.GetKeyCode();
-        const bool arrow = key == WXK_LEFT || key == WXK_RIGHT;
-        const BoxKey boxKey = key == WXK_LEFT ? BoxKey::kLeft : BoxKey::kRight;
-        if (!arrow || !entry_->KeyDown(box, boxKey, event.ShiftDown(), event.ControlDown())) event.Skip();
+        if (!HandleArrow(box, event) && !HandleCharacter(box, event, TypedCharacter(event))) event.Skip();
+    });
+    // What an input method has composed.
+    text.Bind(wxEVT_CHAR, [this, box](wxKeyEvent& event) {
+        if (!HandleCharacter(box, event, event.GetUnicodeKey())) event.Skip();
     });
     text.Bind(wxEVT_TEXT, [this, box](wxCommandEvent&) { entry_->Changed(box); });
     text.Bind(wxEVT_TEXT_PASTE, [this, box](wxClipboardTextEvent&) { entry_->Pasted(box, ClipboardText()); });
@@ -141,8 +146,12 @@ void ChangeMacPanel::BindBox(int box) {
     });
 }
 
+void ChangeMacPanel::ShowConnection(const std::string& name) {
+    heading_->SetLabelText(Wx("Change MAC Address Of '" + name + "'"));
+}
+
 void ChangeMacPanel::Open(const std::string& connectionName) {
-    heading_->SetLabelText(Wx("Change MAC Address Of '" + connectionName + "'"));
+    ShowConnection(connectionName);
     OpenChangeMac(*this, *vendorBox_, *this);
 }
 

@@ -37,6 +37,8 @@ class ChangeMacPanel : public wxPanel, public MacBoxesView, public ChangeMacView
 
     /// Opens the panel for a connection.
     void Open(const std::string& connectionName);
+    /// Another connection was selected: its address is the one that would be changed.
+    void ShowConnection(const std::string& name);
     void Close();
     [[nodiscard]] bool IsOpen() const { return IsShown(); }
     /// Escape: closes the vendor list when it is open, else the panel.
@@ -63,6 +65,9 @@ class ChangeMacPanel : public wxPanel, public MacBoxesView, public ChangeMacView
     wxSizer* MakeButtons();
     wxButton* MakeButton(const char* label, const char* icon);
     void BindBox(int box);
+    /// Whether the key was one for the entry rules.
+    bool HandleArrow(int box, const wxKeyEvent& event);
+    bool HandleCharacter(int box, const wxKeyEvent& event, int character);
     [[nodiscard]] wxTextCtrl& Box(int box) const { return *boxes_.at(static_cast<std::size_t>(box)); }
 
     wxStaticText* heading_;

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include <wx/event.h>
 #include <wx/stattext.h>
 #include <wx/window.h>
 
@@ -12,6 +13,10 @@ namespace corvane {
 /// called when the toolkit has been started.
 void EndWhenDisplayIsLost(const std::string& words, int exitCode);
 
+/// Keeps the desktop library's complaints about layouts before the first size off standard error; all other
+/// messages go there.
+void DropLayoutMessages();
+
 /// Ties a label to the control that was made right after it: Alt and the label's mnemonic move the focus
 /// there, and the label's text is the control's accessible name.
 void LabelFor(const wxStaticText* label, wxWindow* control);
@@ -19,9 +24,13 @@ void LabelFor(const wxStaticText* label, wxWindow* control);
 /// Names a control that has no label of its own for those who cannot see it.
 void SetAccessibleName(wxWindow* control, const wxString& name);
 
-/// Gives a scrolling control plain scroll bars, which take room only when they are needed. Those that fade in and
-/// out over the content cost as much at the start as the control itself.
+/// Gives a scrolling control plain scroll bars, which take room only when they are needed. Those that fade in
+/// and out over the content cost as much at the start as the control itself.
 void UsePlainScrollBars(wxWindow* control);
+
+/// The character of a key that is down, with Shift and the like taken into account; 8 for backspace, 0 for a
+/// key that types nothing.
+int TypedCharacter(const wxKeyEvent& down);
 
 /// While one lives, no key, click or scroll reaches any window, and those that come are dropped; windows go
 /// on painting.

@@ -30,22 +30,35 @@ void FillList(RowList* list, const std::string& header, const std::vector<Detail
 }  // namespace
 
 DetailsPanel::DetailsPanel(wxWindow* parent)
-    : wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL | wxVSCROLL) {
+    : wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                       wxTAB_TRAVERSAL | wxVSCROLL | wxHSCROLL) {
     title_ = new wxStaticText(this, wxID_ANY, "");
     title_->SetFont(title_->GetFont().Bold());
     left_ = new wxBoxSizer(wxVERTICAL);
     left_->Add(MakeConnection(), 0, wxEXPAND);
     left_->Add(MakeTraffic(), 1, wxEXPAND | wxTOP, 2 * kGap);
 
-    auto* const columns = new wxBoxSizer(wxHORIZONTAL);
-    columns->Add(left_, 1, wxEXPAND | wxRIGHT, 3 * kGap);
-    columns->Add(MakeTcpip(), 1, wxEXPAND);
+    columns_ = new wxBoxSizer(wxHORIZONTAL);
+    columns_->Add(left_, 6, wxEXPAND | wxRIGHT, 3 * kGap);
+    columns_->Add(MakeTcpip(), 5, wxEXPAND);
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(title_, 0, wxEXPAND | wxALL, kGap);
-    sizer->Add(columns, 1, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, kGap);
+    sizer->Add(columns_, 1, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, kGap);
     SetSizer(sizer);
-    SetScrollRate(0, GetCharHeight());
+    SetScrollRate(GetCharWidth(), GetCharHeight());
     UsePlainScrollBars(this);
+    Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        event.Skip();
+        Arrange();
+    });
+}
+
+void DetailsPanel::Arrange() {
+    // Side by side where there is room, else one below the other.
+    columns_->SetOrientation(wxHORIZONTAL);
+    if (columns_->CalcMin().x + 2 * kGap > GetClientSize().x) columns_->SetOrientation(wxVERTICAL);
+    FitInside();
+    Layout();
 }
 
 FactText* DetailsPanel::AddFact(wxFlexGridSizer* grid, const char* label, const char* name) {
@@ -144,10 +157,7 @@ ChangeMacPanel& DetailsPanel::ChangeMac() {
     fChangeMAC_ = new ChangeMacPanel(this);
     // Below the facts, above the traffic.
     left_->Insert(1, fChangeMAC_, 0, wxEXPAND | wxTOP, 2 * kGap);
-    fChangeMAC_->OnLayout = [this] {
-        FitInside();
-        Layout();
-    };
+    fChangeMAC_->OnLayout = [this] { Arrange(); };
     return *fChangeMAC_;
 }
 

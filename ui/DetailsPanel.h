@@ -9,6 +9,7 @@
 #include "ui/logic/Details.h"
 #include "ui/logic/Traffic.h"
 
+class wxBoxSizer;
 class wxFlexGridSizer;
 class wxStaticText;
 
@@ -39,6 +40,8 @@ class DetailsPanel : public wxScrolledWindow {
     /// A fact with its label in front of it; `name` is the accessible name where the label does not say
     /// enough.
     FactText* AddFact(wxFlexGridSizer* grid, const char* label, const char* name = "");
+    /// Lays the two columns out for the width that there is.
+    void Arrange();
     wxSizer* MakeConnection();
     wxSizer* MakeTraffic();
     wxSizer* MakeTcpip();
@@ -62,6 +65,7 @@ class DetailsPanel : public wxScrolledWindow {
     FactText* labLeaseObtained_ = nullptr;
     FactText* labLeaseExpires_ = nullptr;
     TrafficGraph* graph_ = nullptr;
+    wxBoxSizer* columns_ = nullptr;
     wxSizer* left_ = nullptr;
     ChangeMacPanel* fChangeMAC_ = nullptr;
     RowList* listIP_ = nullptr;

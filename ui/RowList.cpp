@@ -102,12 +102,14 @@ void RowList::SetTitle(std::size_t column, const std::string& title) {
 }
 
 void RowList::SelectRow(std::size_t row) {
-    if (SelectedRow() == row) return;
-    quiet_ = true;
     const wxDataViewItem item = model_->GetItem(static_cast<unsigned>(row));
+    const bool selected = SelectedRow() == row;
+    // Also when it is selected: the arrow keys go on from the current row, which removed rows can have parted
+    // from the selected one.
+    quiet_ = true;
     SetCurrentItem(item);
     Select(item);
-    EnsureVisible(item);
+    if (!selected) EnsureVisible(item);
     quiet_ = false;
 }
 

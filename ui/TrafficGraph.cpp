@@ -74,6 +74,8 @@ double DrawKey(wxGraphicsContext& context, const wxString& text, const wxPen& pe
 
 TrafficGraph::TrafficGraph(wxWindow* parent) : wxPanel(parent) {
     SetBackgroundStyle(wxBG_STYLE_PAINT);
+    // There is nothing to do in it with keys.
+    SetCanFocus(false);
     SetMinSize(wxSize(GetCharWidth() * 30, GetCharHeight() * 6));
     SetAccessibleName(this, "Traffic of the last two minutes");
     SetToolTip("Rates of the last two minutes: received (area) and sent (dashed line)");

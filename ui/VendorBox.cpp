@@ -1,5 +1,7 @@
 #include "ui/VendorBox.h"
 
+#include <utility>
+
 #include <wx/bmpbuttn.h>
 #include <wx/sizer.h>
 #include <wx/textctrl.h>
@@ -32,10 +34,15 @@ VendorBox::VendorBox(wxWindow* parent)
     });
     edit_->Bind(wxEVT_KILL_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
-        if (event.GetWindow() != button_) CloseList();
+        CloseList();
+    });
+    // The button takes the focus and so closes the list before it is pressed.
+    button_->Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent& event) {
+        event.Skip();
+        closes_ = ListShown();
     });
     button_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
-        const bool open = !ListShown();
+        const bool open = !std::exchange(closes_, false) && !ListShown();
         edit_->SetFocus();
         edit_->SelectAll();
         if (open) {

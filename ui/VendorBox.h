@@ -51,6 +51,7 @@ class VendorBox : public VendorBoxView {
     wxBitmapButton* button_;
     VendorDropDown* list_ = nullptr;  ///< Made when it is opened for the first time.
     std::optional<std::size_t> chosen_;
+    bool closes_ = false;  ///< The button is being pressed while the list is open.
 };
 
 }  // namespace corvane

@@ -51,6 +51,19 @@ BoxAnswer Answer(int id) {
 /// The first line of a text.
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find_first_of("\r\n")); }
 
+/// Paints and lets timers run.
+void RunPaintEvents() {
+    static constexpr long kPainting = wxEVT_CATEGORY_UI | wxEVT_CATEGORY_TIMER;
+    if (wxEventLoopBase* const active = wxEventLoopBase::GetActive()) {
+        active->YieldFor(kPainting);
+        return;
+    }
+    // Before the main loop runs.
+    wxGUIEventLoop loop;
+    const wxEventLoopActivator activate(&loop);
+    loop.YieldFor(kPainting);
+}
+
 }  // namespace
 
 WindowSeat::WindowSeat() = default;
@@ -106,9 +119,19 @@ frmSplash& WindowSeat::Splash() {
     return *splash_;
 }
 
-void WindowSeat::ShowSplash() { Splash().Show(); }
+void WindowSeat::ShowSplash() {
+    // A window that is gone before it was painted is only a flicker. A display that paints nothing is not
+    // waited for.
+    static constexpr auto kPatience = std::chrono::milliseconds(100);
+    Splash().Show();
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    while (!Splash().Painted() && std::chrono::steady_clock::now() < deadline) RunPaintEvents();
+}
 void WindowSeat::SplashSystem(const std::string& text) { Splash().SetSystem(Wx(text)); }
-void WindowSeat::SplashStatus(const std::string& text) { Splash().SetStatus(Wx(text)); }
+void WindowSeat::SplashStatus(const std::string& text) {
+    Splash().SetStatus(Wx(text));
+    splashChanged_ = true;
+}
 void WindowSeat::SplashProgress(const std::string& text) { Splash().SetProgress(Wx(text)); }
 
 void WindowSeat::UnloadSplash() {
@@ -118,23 +141,16 @@ void WindowSeat::UnloadSplash() {
 }
 
 void WindowSeat::LetEventsRun() {
-    // Nobody can see the splash window change more often than this, and loading is not to wait for its
-    // painting.
-    static constexpr auto kSplashInterval = std::chrono::milliseconds(40);
-    if (window_ == nullptr) {
+    // Nobody can see the progress change more often than this, and loading is not to wait for its painting.
+    static constexpr auto kProgressInterval = std::chrono::milliseconds(40);
+    if (splash_ != nullptr && window_ == nullptr) {
         const auto now = std::chrono::steady_clock::now();
-        if (now - lastSplashPainting_ < kSplashInterval) return;
+        if (!splashChanged_ && now - lastSplashPainting_ < kProgressInterval) return;
         lastSplashPainting_ = now;
+        splashChanged_ = false;
+        splash_->Update();
     }
-    static constexpr long kPainting = wxEVT_CATEGORY_UI | wxEVT_CATEGORY_TIMER;
-    if (wxEventLoopBase* const active = wxEventLoopBase::GetActive()) {
-        active->YieldFor(kPainting);
-        return;
-    }
-    // Before the main loop runs.
-    wxGUIEventLoop loop;
-    const wxEventLoopActivator activate(&loop);
-    loop.YieldFor(kPainting);
+    RunPaintEvents();
 }
 
 void WindowSeat::Refresh() {

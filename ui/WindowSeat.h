@@ -50,6 +50,7 @@ class WindowSeat : public Seat {
     frmMain* window_ = nullptr;
     frmSplash* splash_ = nullptr;
     std::chrono::steady_clock::time_point lastSplashPainting_;
+    bool splashChanged_ = false;  ///< More than its progress.
 };
 
 /// The system's clock, except that a sleep holds keys and clicks back and goes on painting.

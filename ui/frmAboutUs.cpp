@@ -22,7 +22,7 @@ constexpr int kGap = 10;
 
 /// A label that looks and works like a link; opened by `open`, so that every page goes the same way.
 wxWindow* Link(wxWindow* parent, const wxString& label, void (*open)()) {
-    auto* const link = new wxGenericHyperlinkCtrl(parent, wxID_ANY, label, label);
+    auto* const link = new wxHyperlinkCtrl(parent, wxID_ANY, label, label);
     link->Bind(wxEVT_HYPERLINK, [open](wxHyperlinkEvent&) { open(); });
     return link;
 }
@@ -32,6 +32,8 @@ class PictureBox : public wxPanel {
  public:
     explicit PictureBox(wxWindow* parent) : wxPanel(parent) {
         SetBackgroundStyle(wxBG_STYLE_PAINT);
+        // The link below it does the same for the keyboard.
+        SetCanFocus(false);
         SetMinSize(ProgramPicture::Size(*this));
         SetCursor(wxCursor(wxCURSOR_HAND));
         SetToolTip("Open the maker's web site");

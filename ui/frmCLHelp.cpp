@@ -19,6 +19,8 @@ frmCLHelp::frmCLHelp(const std::string& text)
     usage->SetFont(
         wxFont(wxFontInfo(usage->GetFont().GetFractionalPointSize()).Family(wxFONTFAMILY_TELETYPE)));
     usage->SetMinSize(wxSize(GetCharWidth() * 70, GetCharHeight() * 18));
+    usage->SetInsertionPoint(0);
+    usage->ShowPosition(0);
     SetAccessibleName(usage, "Command line options");
     auto* const ok = new wxButton(this, wxID_OK, "&OK");
     auto* const sizer = new wxBoxSizer(wxVERTICAL);

@@ -72,7 +72,10 @@ frmMain::frmMain(ProgramFacts facts)
         if (!settle_.IsRunning()) settle_.StartOnce(kSettleMilliseconds);
     });
     // After the window is on the screen: an icon in the tray is not what the user waits for.
-    CallAfter([this] { tray_ = frmTray::Make(*this); });
+    CallAfter([this] {
+        tray_ = frmTray::Make(*this);
+        ShowInTray();
+    });
 }
 
 frmMain::~frmMain() = default;
@@ -238,6 +241,12 @@ void frmMain::ApplyDetails() {
     }
     fDetails_->Fill(details_);
     UpdateCommands();
+    ShowInTray();
+    if (nic != nullptr && fDetails_->ChangeMacIsOpen()) fDetails_->ChangeMac().ShowConnection(nic->Name);
+}
+
+void frmMain::ShowInTray() {
+    const NicInfo* const nic = SelectedNic();
     if (tray_ && nic != nullptr) tray_->ShowConnection(nic->Name, nic->Mac);
 }
 

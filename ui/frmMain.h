@@ -64,6 +64,7 @@ class frmMain : public wxFrame, private ConnectionListView {
     void Run(const std::function<void()>& command);
 
     void ApplyDetails();
+    void ShowInTray();
     void UpdateCommands();
     void OpenChangeMacPanel(std::size_t adapter);
     void BindChangeMac(ChangeMacPanel& panel);

@@ -30,6 +30,7 @@ void frmSplash::Set(wxString& label, const wxString& text) {
 }
 
 void frmSplash::OnPaint() {
+    painted_ = true;
     wxAutoBufferedPaintDC dc(this);
     picture_.Draw(dc, *this);
     dc.SetFont(GetFont());

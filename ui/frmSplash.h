@@ -12,6 +12,9 @@ class frmSplash : public wxFrame {
  public:
     frmSplash();
 
+    /// Whether it has been seen: painted at least once.
+    [[nodiscard]] bool Painted() const { return painted_; }
+
     void SetSystem(const wxString& text);
     void SetStatus(const wxString& text);
     void SetProgress(const wxString& text);
@@ -24,6 +27,7 @@ class frmSplash : public wxFrame {
     wxString labSystem_;
     wxString labStatus_;
     wxString labProgress_;
+    bool painted_ = false;
 };
 
 }  // namespace corvane

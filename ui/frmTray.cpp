@@ -29,7 +29,13 @@ frmTray::frmTray(frmMain& window) : window_(window), tip_(TrayTip("")) {
         frames_[i] = Icon(kNames[i], kIconSize).GetIcon(wxSize(kIconSize, kIconSize));
     }
     SetIcon(frames_[0], Wx(tip_));
-    Bind(wxEVT_TASKBAR_LEFT_DOWN, [this](wxTaskBarIconEvent&) { ShowOrHide(); });
+    // The click itself may take the focus from the window.
+    static constexpr int kClickMilliseconds = 500;
+    window_.Bind(wxEVT_ACTIVATE, [this](wxActivateEvent& event) {
+        event.Skip();
+        if (!event.GetActive()) lately_.StartOnce(kClickMilliseconds);
+    });
+    Bind(wxEVT_TASKBAR_LEFT_UP, [this](wxTaskBarIconEvent&) { ShowOrHide(); });
     timer2_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
         if (active_ == TrayFrame::kIdle) return;
         ShowFrame(active_);
@@ -70,7 +76,8 @@ wxMenu* frmTray::CreatePopupMenu() {
 }
 
 void frmTray::ShowOrHide() {
-    if (TrayClick(window_.IsShown(), window_.IsIconized(), window_.IsActive()) == TrayAction::kHide) {
+    if (TrayClick(window_.IsShown(), window_.IsIconized(), window_.IsActive() || lately_.IsRunning()) ==
+        TrayAction::kHide) {
         window_.Hide();
         return;
     }

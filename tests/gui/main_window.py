@@ -115,11 +115,18 @@ class MainWindowTest(WindowTest):
         self.expect_fact("Connection Name:", choice)
         return choice
 
-    def expect_box(self, title, text, press, by_key=False):
-        """Waits for a box of exactly this text and presses one of its buttons."""
+    def expect_box(self, title, text, press, by_key=False, kind=None):
+        """Waits for a box of exactly this text and presses one of its buttons. Without `kind`, its icon is that of a
+        question, or of an information when there is only OK."""
         box = self.window.expect_box(title)
-        self.assertEqual(box.text, text.replace("\r\n", "\n"))
+        self.assertEqual(box.text, text)
+        self.assertEqual(box.buttons, ["OK"] if press == "OK" else ["No", "Cancel", "Yes"])
+        self.assertEqual(self.kind(box), kind or ("Information" if press == "OK" else "Question"))
         box.press(press, by_key)
+
+    def kind(self, box):
+        """What a box is to a screen reader: "Question", "Error" ... after its icon."""
+        return self.window.patiently(lambda: box.root().name, box.what)
 
     def expect_message(self):
         """Waits for a message box with the program's name as its title, which is the main window's title too."""
@@ -130,11 +137,10 @@ class MainWindowTest(WindowTest):
         self.window.patiently(look, "a message box")
         return self.window.expect_box(TITLE)
 
-    def expect_last_box(self, title, text, code):
+    def expect_last_box(self, title, text, code, kind="Error"):
         """Waits for the box that is the program's last; it ends with this code when OK is pressed."""
         box = self.window.expect_box(title)
-        self.assertEqual(box.text, text.replace("\r\n", "\n"))
-        self.assertEqual(box.buttons, ["OK"])
+        self.assertEqual((box.text, box.buttons, self.kind(box)), (text, ["OK"], kind))
         box.button("OK").click()
         self.assertEqual(self.window.wait_exit(), code, self.window.err)
 

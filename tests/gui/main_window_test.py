@@ -276,7 +276,7 @@ class Commands(MainWindowTest):
         self.desktop.screen.press("ctrl+e")
         os.kill(self.window.pid, 18)
         self.expect_box("Connection Cound Not Be Enabled", "Network connection could not be enabled or probably is taking "
-                        "some time. Please try again.", press="OK")
+                        "some time. Please try again.", press="OK", kind="Error")
 
     def test_menus_by_keys(self):
         self.open_window(environment=self.opener())

@@ -140,7 +140,7 @@ class Actions(MainWindowTest):
         self.assertFalse(self.is_up("lan0"))
         box.press("OK")
         self.expect_last_box("Done - Orvella Corvane v4", "Done! Command line parameter(s) were applied to 'lan0' network "
-                             "connection successfully.", code=0)
+                             "connection successfully.", code=0, kind="Information")
 
     def test_a_silent_action_shows_nothing(self):
         self.veth("lan0", mac=OWN)
@@ -160,9 +160,9 @@ class Actions(MainWindowTest):
         self.assertRegex(box.text, r"^DLL : IphlpApi\.dll\n\nError Code : \d+\nAPI: IPReleaseAddress\nError Description : ")
         box.press("OK")
         self.expect_box("IP Release Attempt Failed - Orvella Corvane v4",
-                        "ERROR ! IP Release operation on network connection 'lan0' failed.", press="OK")
+                        "ERROR ! IP Release operation on network connection 'lan0' failed.", press="OK", kind="Error")
         self.expect_last_box("Done - Orvella Corvane v4", "Done! Command line parameter(s) were applied to 'lan0' network "
-                             "connection successfully.", code=1)
+                             "connection successfully.", code=1, kind="Information")
 
 
 class Nicx(MainWindowTest):

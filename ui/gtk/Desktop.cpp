@@ -1,6 +1,7 @@
 #include "ui/Desktop.h"
 
 #include <cstdio>
+#include <string_view>
 
 #include <atk/atk.h>
 #include <gtk/gtk.h>
@@ -39,6 +40,21 @@ GtkWidget* FocusWidget(wxWindow* window) {
     return widget;
 }
 
+/// The toolkit lays windows out once before it knows their size, and GTK finds that there is no room. Nothing
+/// comes of it, so nobody need read it.
+bool IsLayoutMessage(std::string_view message) {
+    return message.starts_with("gtk_distribute_natural_allocation: assertion 'extra_space >= 0'") ||
+           message.starts_with("gtk_box_gadget_distribute: assertion 'size >= 0'");
+}
+
+GLogWriterOutput WriteMessage(GLogLevelFlags level, const GLogField* fields, gsize count, gpointer data) {
+    for (gsize i = 0; i < count; ++i) {
+        if (std::string_view(fields[i].key) != "MESSAGE") continue;
+        if (IsLayoutMessage(static_cast<const char*>(fields[i].value))) return G_LOG_WRITER_HANDLED;
+    }
+    return g_log_writer_default(level, fields, count, data);
+}
+
 /// A label's mnemonic moves the focus and does nothing else: a text box would otherwise press the default
 /// button.
 gboolean OnMnemonic(GtkWidget* widget, gboolean, gpointer) {
@@ -59,6 +75,8 @@ void EndWhenDisplayIsLost(const std::string& words, int exitCode) {
 #endif
 }
 
+void DropLayoutMessages() { g_log_set_writer_func(WriteMessage, nullptr, nullptr); }
+
 void LabelFor(const wxStaticText* label, wxWindow* control) {
     // The toolkit ties a label's mnemonic to the control that follows it in the tab order.
     g_signal_connect(FocusWidget(control), "mnemonic-activate", G_CALLBACK(OnMnemonic), nullptr);
@@ -74,6 +92,10 @@ void UsePlainScrollBars(wxWindow* control) {
     if (GTK_IS_SCROLLED_WINDOW(control->m_widget)) {
         gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(control->m_widget), FALSE);
     }
+}
+
+int TypedCharacter(const wxKeyEvent& down) {
+    return static_cast<int>(gdk_keyval_to_unicode(static_cast<guint>(down.GetRawKeyCode())));
 }
 
 InputHold::InputHold() {

@@ -7,12 +7,19 @@
 
 namespace corvane {
 
+namespace {
+
+/// What is left of a text where there is no room for all of it.
+constexpr int kLeastCharacters = 12;
+
+}  // namespace
+
 FactText::FactText(wxWindow* parent, const std::string& name)
     : wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
                    wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END) {
     gtk_label_set_selectable(GTK_LABEL(m_widget), TRUE);
     SetAccessibleName(this, Wx(name));
-    SetMinSize(wxSize(-1, GetCharHeight() + 2));
+    SetMinSize(wxSize(GetCharWidth() * kLeastCharacters, GetCharHeight() + 2));
 }
 
 void FactText::SetText(const std::string& text) {
