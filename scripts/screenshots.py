@@ -19,7 +19,7 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path[:0] = [str(ROOT / "tests/netns"), str(ROOT / "tests/gui")]
 
-from Xlib import X
+from Xlib import X, error
 
 import desktop as gui
 from world import BIN, FAR, DhcpServer, World, end_with_parent, ip, wait_for
@@ -136,15 +136,16 @@ class Pictures(World):
         def windows():
             return {self.screen.title(window): window for window in self.screen.windows()}
 
-        def look():
-            if LOADING in (before := windows()):
+        def loading():
+            """Takes a picture; false when the main window is there."""
+            before = windows()
+            if LOADING in before:
                 size = before[LOADING].get_geometry()
                 image = before[LOADING].get_image(0, 0, size.width, size.height, X.ZPixmap, 0xFFFFFFFF)
                 # The main window comes to lie over it.
                 if TITLE not in windows():
                     pictures.append((f"{size.width}x{size.height}", image.data))
-            if TITLE not in before:
-                raise gui.NotNow("it is loading")
+            return TITLE not in before
 
         def step():
             program.send_signal(signal.SIGSTOP)
@@ -154,12 +155,16 @@ class Pictures(World):
             try:
                 # It paints every 40 milliseconds at most.
                 time.sleep(0.05)
-                look()
+                return loading()
+            except error.XError:
+                return True  # The window went away while it was looked at.
             finally:
                 rescue.cancel()
                 program.send_signal(signal.SIGCONT)
 
-        gui.patiently(step, "the main window")
+        while step():
+            time.sleep(0.001)
+            self.assertIsNone(program.poll(), "the program has ended")
         program.kill()
         program.wait()
         size, pixels = pictures[-1]

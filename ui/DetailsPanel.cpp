@@ -53,6 +53,19 @@ DetailsPanel::DetailsPanel(wxWindow* parent)
     });
 }
 
+void DetailsPanel::ShowChild(const wxWindow& child) {
+    const wxRect area(CalcUnscrolledPosition(child.GetPosition()), child.GetSize());
+    int unit = 0;
+    GetScrollPixelsPerUnit(nullptr, &unit);
+    const int top = CalcUnscrolledPosition(wxPoint(0, 0)).y;
+    const int height = GetClientSize().y;
+    if (area.GetTop() < top || area.height >= height) {
+        Scroll(-1, area.GetTop() / unit);
+    } else if (area.GetBottom() > top + height) {
+        Scroll(-1, (area.GetBottom() - height) / unit + 1);
+    }
+}
+
 void DetailsPanel::Arrange() {
     // Side by side where there is room, else one below the other.
     columns_->SetOrientation(wxHORIZONTAL);
@@ -102,6 +115,8 @@ RowList* DetailsPanel::AddList(wxSizer* sizer, const char* name, const char* sec
     if (*second != '\0') columns.push_back({second, 16});
     auto* const list = new RowList(this, name, columns, false);
     list->SetVisibleRows(rows);
+    // The toolkit scrolls to every other control that gets the focus.
+    list->OnFocus = [this, list] { ShowChild(*list); };
     sizer->Add(list, rows, wxEXPAND | wxTOP, kGap);
     return list;
 }

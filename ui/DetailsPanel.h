@@ -42,6 +42,8 @@ class DetailsPanel : public wxScrolledWindow {
     FactText* AddFact(wxFlexGridSizer* grid, const char* label, const char* name = "");
     /// Lays the two columns out for the width that there is.
     void Arrange();
+    /// Scrolls a control into view.
+    void ShowChild(const wxWindow& child);
     wxSizer* MakeConnection();
     wxSizer* MakeTraffic();
     wxSizer* MakeTcpip();

@@ -1,6 +1,5 @@
 #include "ui/RowList.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "ui/Desktop.h"
@@ -43,6 +42,10 @@ RowList::RowList(wxWindow* parent, const std::string& name, const std::vector<Li
     AddColumns(columns, withIcons);
     SetAccessibleName(this, Wx(name));
     UsePlainScrollBars(this);
+    GetMainWindow()->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
+        event.Skip();
+        if (OnFocus) OnFocus();
+    });
     Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [this](wxDataViewEvent& event) {
         event.Skip();
         const std::optional<std::size_t> row = SelectedRow();
@@ -68,11 +71,22 @@ void RowList::AddColumns(const std::vector<ListColumn>& columns, bool withIcons)
 
 void RowList::SetRows(std::vector<ListRow> rows) {
     quiet_ = true;
-    const std::size_t kept = std::min(rows_.size(), rows.size());
-    while (rows_.size() > rows.size()) {
+    if (std::exchange(appended_, false)) {
         rows_.pop_back();
         model_->RowDeleted(static_cast<unsigned>(rows_.size()));
     }
+    if (rows.size() < rows_.size()) {
+        // The toolkit loses the current row when rows go from under it, so it begins anew.
+        rows_ = std::move(rows);
+        model_->Reset(static_cast<unsigned>(rows_.size()));
+    } else {
+        ReplaceAndAdd(std::move(rows));
+    }
+    quiet_ = false;
+}
+
+void RowList::ReplaceAndAdd(std::vector<ListRow> rows) {
+    const std::size_t kept = rows_.size();
     for (std::size_t i = 0; i < kept; ++i) {
         if (rows_[i] == rows[i]) continue;
         rows_[i] = std::move(rows[i]);
@@ -82,12 +96,12 @@ void RowList::SetRows(std::vector<ListRow> rows) {
         rows_.push_back(std::move(rows[i]));
         model_->RowAppended();
     }
-    quiet_ = false;
 }
 
 void RowList::AppendRow(ListRow row) {
     rows_.push_back(std::move(row));
     model_->RowAppended();
+    appended_ = true;
 }
 
 void RowList::SetText(std::size_t row, std::size_t column, const std::string& text) {

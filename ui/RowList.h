@@ -33,6 +33,7 @@ class RowList : public wxDataViewCtrl {
 
     /// Replaces all rows; repaints only those that differ. The selection is not kept: select again.
     void SetRows(std::vector<ListRow> rows);
+    /// Adds a row for the time until SetRows.
     void AppendRow(ListRow row);
     void SetText(std::size_t row, std::size_t column, const std::string& text);
     void SetTitle(std::size_t column, const std::string& title);
@@ -45,6 +46,9 @@ class RowList : public wxDataViewCtrl {
     /// Called when the user selects a row.
     std::function<void(std::size_t row)> OnSelect;
 
+    /// Called when the list gets the focus.
+    std::function<void()> OnFocus;
+
     /// Height that shows `rows` rows and the titles.
     void SetVisibleRows(int rows);
 
@@ -54,6 +58,8 @@ class RowList : public wxDataViewCtrl {
  private:
     class Model;
 
+    /// For at least as many rows as there are.
+    void ReplaceAndAdd(std::vector<ListRow> rows);
     void AddColumns(const std::vector<ListColumn>& columns, bool withIcons);
     const wxBitmapBundle& IconOf(const std::string& name);
 
@@ -61,6 +67,7 @@ class RowList : public wxDataViewCtrl {
     std::map<std::string, wxBitmapBundle> icons_;
     wxObjectDataPtr<Model> model_;
     bool quiet_ = false;
+    bool appended_ = false;  ///< The last row is AppendRow's.
 };
 
 }  // namespace corvane

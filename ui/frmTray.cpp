@@ -29,12 +29,6 @@ frmTray::frmTray(frmMain& window) : window_(window), tip_(TrayTip("")) {
         frames_[i] = Icon(kNames[i], kIconSize).GetIcon(wxSize(kIconSize, kIconSize));
     }
     SetIcon(frames_[0], Wx(tip_));
-    // The click itself may take the focus from the window.
-    static constexpr int kClickMilliseconds = 500;
-    window_.Bind(wxEVT_ACTIVATE, [this](wxActivateEvent& event) {
-        event.Skip();
-        if (!event.GetActive()) lately_.StartOnce(kClickMilliseconds);
-    });
     Bind(wxEVT_TASKBAR_LEFT_UP, [this](wxTaskBarIconEvent&) { ShowOrHide(); });
     timer2_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
         if (active_ == TrayFrame::kIdle) return;

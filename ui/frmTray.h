@@ -39,7 +39,6 @@ class frmTray : private wxTaskBarIcon {
     std::array<wxIcon, 4> frames_;  ///< One for each TrayFrame.
     TrayFrame shown_ = TrayFrame::kIdle;
     TrayFrame active_ = TrayFrame::kIdle;  ///< Of the latest tick.
-    wxTimer lately_;                       ///< Runs for a moment after the window was active.
     wxTimer timer2_;                       ///< Lights the lamps of the latest tick up.
     wxTimer timer3_;                       ///< Puts them out again, so that lasting traffic blinks.
 };

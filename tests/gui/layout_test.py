@@ -169,7 +169,7 @@ class Layout(MainWindowTest):
     def test_large_fonts_as_small_as_it_gets(self):
         self.open_with_links(environment=LARGE_FONTS)
         self.resize(560, 420)
-        self.assert_usable()
+        self.assert_everything_can_be_seen()
 
     def test_the_panel_for_another_address_in_a_small_window(self):
         self.open_with_links()

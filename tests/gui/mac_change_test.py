@@ -3,7 +3,7 @@ enabling a connection."""
 
 from Xlib import X
 
-from desktop import NotNow, patiently
+from desktop import SHOWING, NotNow, patiently
 from window import RESTART, TITLE, WindowTest
 from world import REG_SZ, wait_for
 
@@ -98,6 +98,9 @@ class Restart(ChangeTest):
         self.connections.click_row("eth0", times=2)
         self.window.button("Disable").click()
         self.window.close()
+        self.assertEqual(self.connections.choice, "lan1")
+        self.assertEqual([node.role for node in self.window.node.children if node.role == "window" and node.has(SHOWING)],
+                         [], "a menu is open")
         self.assert_repainted()
         # On a slow machine the wait may be over by now.
         self.assertIn(self.window.windows, ([TITLE], [TITLE, DONE]))

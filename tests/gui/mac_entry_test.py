@@ -1,5 +1,6 @@
 """Typing another MAC address into the panel of the main window: keys, clicks, the clipboard, the vendor box."""
 
+from desktop import SHOWING
 from window import LIST, OCTETS, RESTART, WindowTest, octet_name
 from world import vendor_bytes
 
@@ -309,7 +310,7 @@ class Vendors(PanelTest):
         self.desktop.click()
 
     def assert_list_shown(self, shown):
-        windows = [node for node in self.window.node.children if node.role == "window" and node.has(25)]
+        windows = [node for node in self.window.node.children if node.role == "window" and node.has(SHOWING)]
         self.assertEqual(len(windows), int(shown))
 
     def test_a_typed_prefix_shows_its_vendor(self):

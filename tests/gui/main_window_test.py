@@ -198,6 +198,9 @@ class Commands(MainWindowTest):
         # And the other way round.
         for control in reversed(ring):
             self.desktop.press("shift+Tab")
+            if self.window.focus is None:
+                # The column headers of a list, where the toolkit stops on the way back.
+                self.desktop.press("shift+Tab")
             self.assertEqual(self.window.focus, control)
 
     def test_buttons_have_mnemonics_of_their_own(self):

@@ -69,15 +69,11 @@ TEST(TrayFrame, AWrappedCounterIsTrafficToo) {
     EXPECT_EQ(TrayFrameFor({-1, -1}), TrayFrame::kBoth);
 }
 
-TEST(TrayClick, HidesTheActiveWindowOnly) {
-    EXPECT_EQ(TrayClick(true, false, true), TrayAction::kHide);
-    EXPECT_EQ(TrayClick(true, false, false), TrayAction::kShow);
-    EXPECT_EQ(TrayClick(true, true, true), TrayAction::kShow);
-    EXPECT_EQ(TrayClick(true, true, false), TrayAction::kShow);
-    EXPECT_EQ(TrayClick(false, false, true), TrayAction::kShow);
-    EXPECT_EQ(TrayClick(false, false, false), TrayAction::kShow);
-    EXPECT_EQ(TrayClick(false, true, true), TrayAction::kShow);
-    EXPECT_EQ(TrayClick(false, true, false), TrayAction::kShow);
+TEST(TrayClick, HidesAWindowThatCanBeSeen) {
+    EXPECT_EQ(TrayClick(true, false), TrayAction::kHide);
+    EXPECT_EQ(TrayClick(true, true), TrayAction::kShow);
+    EXPECT_EQ(TrayClick(false, false), TrayAction::kShow);
+    EXPECT_EQ(TrayClick(false, true), TrayAction::kShow);
 }
 
 }  // namespace

@@ -32,8 +32,8 @@ TrayFrame TrayFrameFor(const TrafficRates& rates) {
     return receiving ? TrayFrame::kReceiving : TrayFrame::kIdle;
 }
 
-TrayAction TrayClick(bool shown, bool minimized, bool active) {
-    return shown && !minimized && active ? TrayAction::kHide : TrayAction::kShow;
+TrayAction TrayClick(bool shown, bool minimized) {
+    return shown && !minimized ? TrayAction::kHide : TrayAction::kShow;
 }
 
 }  // namespace corvane

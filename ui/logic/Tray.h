@@ -24,9 +24,9 @@ enum class TrayFrame { kIdle, kSending, kReceiving, kBoth };
 /// The frame for the rates of the latest tick. A negative rate is traffic too: the counter wrapped.
 TrayFrame TrayFrameFor(const TrafficRates& rates);
 
-/// What a click on the icon does with the main window: a hidden or minimized one is shown, one behind others
-/// is raised, and the active one is hidden.
+/// What a click on the icon does with the main window: a hidden or minimized one is shown, any other is
+/// hidden.
 enum class TrayAction { kShow, kHide };
-TrayAction TrayClick(bool shown, bool minimized, bool active);
+TrayAction TrayClick(bool shown, bool minimized);
 
 }  // namespace corvane
