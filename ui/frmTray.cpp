@@ -70,8 +70,7 @@ wxMenu* frmTray::CreatePopupMenu() {
 }
 
 void frmTray::ShowOrHide() {
-    if (TrayClick(window_.IsShown(), window_.IsIconized(), window_.IsActive() || lately_.IsRunning()) ==
-        TrayAction::kHide) {
+    if (TrayClick(window_.IsShown(), window_.IsIconized()) == TrayAction::kHide) {
         window_.Hide();
         return;
     }

@@ -8,7 +8,7 @@ from window import LIST
 
 PARTS = (*LEAVES, *TABLES)
 LARGE_FONTS = {"GDK_DPI_SCALE": "2"}
-WHEEL_UP, WHEEL_DOWN = 4, 5
+WHEEL_UP, WHEEL_DOWN, WHEEL_LEFT, WHEEL_RIGHT = 4, 5, 6, 7
 
 
 class Area(NamedTuple):
@@ -32,6 +32,15 @@ class Part(NamedTuple):
     name: tuple
     area: Area
     seen: Area
+
+
+def reach(intervals):
+    """How far the intervals, each a start and a length, go on from 0 without a gap."""
+    end = 0
+    for start, length in sorted(intervals):
+        if start <= end:
+            end = max(end, start + length)
+    return end
 
 
 class Layout(MainWindowTest):
@@ -90,24 +99,28 @@ class Layout(MainWindowTest):
     def assert_everything_can_be_seen(self):
         """Turns the wheel on the details from one end to the other; every part of every control comes into sight."""
         pane = Area(*self.details_pane())
+        self.assertFalse(pane.empty, "there is no room for the details")
         # On the margin, where nothing takes the wheel for itself.
         self.desktop.move(pane.x + 3, pane.y + pane.height // 2)
-        for parts in self.turn_wheel(WHEEL_UP):
-            pass
-        covered = {name: [] for name in parts}
-        for parts in self.turn_wheel(WHEEL_DOWN):
-            self.assert_no_overlap(parts)
-            for name, part in parts.items():
-                if not part.seen.empty:
-                    self.assertEqual(part.seen.width, part.area.width, f"{part} is cut off at its side")
-                    top = part.seen.y - part.area.y
-                    covered[name].append((top, top + part.seen.height))
+        self.turn_to_end(WHEEL_LEFT)
+        parts = self.turn_to_end(WHEEL_UP)
+        columns, rows = ({name: [] for name in parts} for _ in range(2))
+        for _ in self.turn_wheel(WHEEL_RIGHT):
+            for parts in self.turn_wheel(WHEEL_DOWN):
+                self.assert_no_overlap(parts)
+                for name, part in parts.items():
+                    if not part.seen.empty:
+                        columns[name].append((part.seen.x - part.area.x, part.seen.width))
+                        rows[name].append((part.seen.y - part.area.y, part.seen.height))
+            self.turn_to_end(WHEEL_UP)
         for name, part in parts.items():
-            reached = 0
-            for top, bottom in sorted(covered[name]):
-                self.assertLessEqual(top, reached, f"{part} is never to be seen from {reached} to {top}")
-                reached = max(reached, bottom)
-            self.assertEqual(reached, part.area.height, f"{part} cannot be scrolled into sight")
+            self.assertEqual(reach(columns[name]), part.area.width, f"{part} is cut off at its side")
+            self.assertEqual(reach(rows[name]), part.area.height, f"{part} cannot be scrolled into sight")
+
+    def turn_to_end(self, direction):
+        for parts in self.turn_wheel(direction):
+            pass
+        return parts
 
     def turn_wheel(self, direction):
         """Turns the wheel where the pointer is until nothing moves any more. Gives the controls after each step."""
