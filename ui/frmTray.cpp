@@ -29,7 +29,7 @@ frmTray::frmTray(frmMain& window) : window_(window), tip_(TrayTip("")) {
         frames_[i] = Icon(kNames[i], kIconSize).GetIcon(wxSize(kIconSize, kIconSize));
     }
     SetIcon(frames_[0], Wx(tip_));
-    Bind(wxEVT_TASKBAR_LEFT_UP, [this](wxTaskBarIconEvent&) { ShowOrHide(); });
+    Bind(wxEVT_TASKBAR_LEFT_DOWN, [this](wxTaskBarIconEvent&) { ShowOrHide(); });
     timer2_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
         if (active_ == TrayFrame::kIdle) return;
         ShowFrame(active_);

@@ -3,8 +3,8 @@
 from main_window import OWN, MainWindowTest
 from world import FAR, REG_DWORD, REG_MULTI_SZ, DhcpServer, ip, multi, wait_for
 
-RESTART = ("Restart Network Connection ?", "You must restart network connection to apply changes. Do you want to enable and "
-           "disable network connection now ?")
+RESTART = ("Restart Network Connection ?", "You must restart network connection to apply changes. Do you want to enable "
+           "and disable network connection now ?")
 RESTARTED = ("Network Connection Restarted", "Network connection restarted successfully.")
 NOTE = ("NOTE: Orvella Corvane will not respond till the operation is complete or a time out has occured during this "
         "operation.")
@@ -52,8 +52,8 @@ class Dhcp(MainWindowTest):
 
     def assert_commands(self, caption, leased):
         self.assertEqual(self.window.buttons[3:6], [caption, "Release IP", "Renew IP"])
-        self.assertEqual(self.window.menu("TCP/IP").items, [(caption, True), ("Release IP", leased), ("Renew IP", leased),
-                                                            ("Interface Metric", True)])
+        self.assertEqual(self.window.menu("TCP/IP").items, [(caption, True), ("Release IP", leased),
+                                                            ("Renew IP", leased), ("Interface Metric", True)])
         self.assertEqual([self.window.button(name).enabled for name in ("Release IP", "Renew IP")], [leased, leased])
 
     def test_it_is_turned_on_with_a_restart(self):

@@ -1,7 +1,5 @@
 """The help page, the maker's pages and the about box."""
 
-import shutil
-
 from main_window import OPENED, MainWindowTest, system_description
 
 ABOUT = "About Orvella Corvane"
@@ -37,8 +35,8 @@ class Pages(MainWindowTest):
 
     def expect_refusal(self, target, reason):
         box = self.expect_message()
-        self.assertEqual(box.text, f"Error! Could not open '{target}'.\n\nDescription: {reason}\n\nPlease open it by hand: "
-                                   f"start your web browser and enter '{target}'.")
+        self.assertEqual(box.text, f"Error! Could not open '{target}'.\n\nDescription: {reason}\n\nPlease open it by "
+                                   f"hand: start your web browser and enter '{target}'.")
         self.assertEqual(box.buttons, ["OK"])
         box.press("OK")
 
@@ -53,8 +51,8 @@ class Pages(MainWindowTest):
         # Only what the program itself needs is found.
         self.open_window(environment={"PATH": "/run/nothing"})
         self.desktop.press("F1")
-        self.expect_refusal(f"{self.programs}/help.html", "xdg-open could not be started: No such file or directory; install "
-                                                          "the package xdg-utils")
+        self.expect_refusal(f"{self.programs}/help.html", "xdg-open could not be started: No such file or directory; "
+                                                          "install the package xdg-utils")
 
     def test_a_program_that_goes_on_running_holds_nothing_up(self):
         self.open_window(environment=self.opener('echo "$1" >>/run/opened; exec sleep 1000'))

@@ -130,7 +130,7 @@ class Live(MainWindowTest):
                 batch.write_text("".join(f"link delete {name}\n" for name in names))
                 ip("-batch", str(batch))
         self.expect_fact("Number of connections", "51 connections")
-        self.assertCountEqual(self.connections.names, [link["ifname"] for link in ip_json("link") if link["ifname"] != "lo"])
+        self.assertCountEqual(["lo", *self.connections.names], [link["ifname"] for link in ip_json("link")])
         self.assertEqual(self.selected(), "lan0")
         self.window.expect_windows(self.window.title)
 

@@ -1,5 +1,5 @@
-"""What several files of tests look at in the main window, and what stands around it: the programs that open pages, files
-that are held back, pictures of windows."""
+"""What several files of tests look at in the main window, and what stands around it: the program that opens pages,
+files that are held back, pictures of windows."""
 
 import fcntl
 import os

@@ -1,11 +1,10 @@
 """The list of connections, the details of the selected one, and the ways to the commands: menus, buttons and keys."""
 
 import os
-import re
+import signal
 
 from main_window import OWN, OWN_TEXT, MainWindowTest
-from window import TITLE
-from world import FAR, ip
+from world import ip
 
 CONNECTIONS = "Network Connections"
 LISTS = ("IP Address", "Gateway", "DNS Server")
@@ -112,10 +111,12 @@ class Contents(MainWindowTest):
         self.open_window()
         self.assertEqual(self.connections.rows, [("NIC Not Found", "", "", " ", " ")])
         self.expect_facts({"Network Connection Details": "Network Connection Details", "Connection Name:": "",
-                           "Received:": "0 Bytes", "Receiving Rate:": "0 Bytes/s", "Number of connections": "0 connections"})
+                           "Received:": "0 Bytes", "Receiving Rate:": "0 Bytes/s",
+                           "Number of connections": "0 connections"})
         self.assertEqual([self.headers(name) for name in LISTS],
                          [["IP Address (0)", "Subnet Mask"], ["Gateway (0)", "Metric"], ["DNS Server (0)"]])
-        self.assertEqual([name for name in self.window.buttons if self.window.button(name).enabled], ["Refresh", "Export"])
+        self.assertEqual([name for name in self.window.buttons if self.window.button(name).enabled],
+                         ["Refresh", "Export"])
         self.assertEqual(self.window.menu("Connection").items,
                          [("Change MAC Address", False), ("Enable Network Connection", False)])
         self.assertEqual(self.window.menu("TCP/IP").items, [("Enable DHCP", False), ("Release IP", False),
@@ -164,7 +165,7 @@ class Selection(MainWindowTest):
 class Commands(MainWindowTest):
     """Each command by each way to it. What they do is told elsewhere."""
 
-    MENUS = {"File": [("Refresh", True), ("Export Text Report As ...", True), ("Exit", True)],
+    MENUS = {"File": [("Refresh", True), (EXPORT, True), ("Exit", True)],
              "Connection": [("Change MAC Address", True), ("Disable Network Connection", True)],
              "TCP/IP": [("Enable DHCP", True), ("Release IP", False), ("Renew IP", False), ("Interface Metric", True)],
              "Help": [("Help", True), ("Orvella Website", True), ("About Us", True)]}
@@ -241,7 +242,8 @@ class Commands(MainWindowTest):
                 self.desktop.press("Escape")
         # A click with the right button selects.
         self.connections.click_row("lan1", button=3)
-        self.assertEqual(self.window.popup().items, [("Change MAC Address", True), ("Enable Network Connection", True)])
+        self.assertEqual(self.window.popup().items,
+                         [("Change MAC Address", True), ("Enable Network Connection", True)])
         self.desktop.press("Escape")
         self.assertEqual(self.selected(), "lan1")
 
@@ -253,7 +255,7 @@ class Commands(MainWindowTest):
                  ("enabled", self.window.button("Enable").click))
         for state, command in steps:
             command()
-            self.connections.expect_row("lan0", None, None, state.title().removesuffix("d").removesuffix("e") + "ing ...")
+            self.connections.expect_row("lan0", None, None, f"{state.title().removesuffix('ed')}ing ...")
             self.expect_box(f"Connection {state.title()}", f"Network connection {state} successfully.", press="OK")
             self.assertEqual(self.is_up("lan0"), state == "enabled")
             self.expect_fact("Link Status:", "Up, Operational" if state == "enabled" else "Disabled")
@@ -274,17 +276,17 @@ class Commands(MainWindowTest):
         self.open_window()
         self.choose("lan1")
         # Taken up from outside at the same moment: there is no such command for it any more.
-        os.kill(self.window.pid, 19)
+        os.kill(self.window.pid, signal.SIGSTOP)
         ip("link", "set", "lan1", "up")
         self.desktop.screen.press("ctrl+e")
-        os.kill(self.window.pid, 18)
-        self.expect_box("Connection Cound Not Be Enabled", "Network connection could not be enabled or probably is taking "
-                        "some time. Please try again.", press="OK", kind="Error")
+        os.kill(self.window.pid, signal.SIGCONT)
+        self.expect_box("Connection Cound Not Be Enabled", "Network connection could not be enabled or probably is "
+                        "taking some time. Please try again.", press="OK", kind="Error")
 
     def test_menus_by_keys(self):
         self.open_window(environment=self.opener())
-        for keys, page in ((("alt+h", "w"), "https://orvella.example/"), (("alt+h", "h"), f"{self.programs}/help.html")):
-            self.desktop.press(*keys)
+        for key, page in (("w", "https://orvella.example/"), ("h", f"{self.programs}/help.html")):
+            self.desktop.press("alt+h", key)
             self.expect_opened(page)
         self.desktop.press("alt+f", "r")
         self.expect_fact("Done last", READ_ANEW)
@@ -300,7 +302,7 @@ class Commands(MainWindowTest):
                 self.open_window()
                 way()
                 self.assertEqual(self.window.wait_exit(), 0)
-                self.assertEqual(re.sub(r"\s", "", self.window.err), "")
+                self.assertEqual(self.window.err.strip(), "")
 
     def exit_by_menu(self):
         self.window.menu("File", "Exit").choose()

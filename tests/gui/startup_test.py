@@ -1,4 +1,4 @@
-"""From the start of the program to its window: the splash window, the options, and what ends before there is a window."""
+"""From the start of the program to its window: the splash window, the options, and what ends it before."""
 
 import os
 import pty
@@ -118,8 +118,8 @@ class Options(MainWindowTest):
                 self.open_window(wait=False)
                 box = self.window.expect_box("ERROR")
                 first, _, description, _, last = box.text.split("\n")
-                self.assertEqual(first, "ERROR! This may be caused due to invalid command line parameters. Please check "
-                                        "command line paramaters if passed.")
+                self.assertEqual(first, "ERROR! This may be caused due to invalid command line parameters. Please "
+                                        "check command line paramaters if passed.")
                 self.assertIn(f"The {what} {folder}/{name} cannot be read", description)
                 self.assertRegex(description, r"^Description: .* \(53\)$")
                 self.assertEqual(last, "Click OK to Quit")
@@ -131,6 +131,10 @@ class Options(MainWindowTest):
 class Actions(MainWindowTest):
     """Actions given to the window program: boxes, but no window."""
 
+    def expect_done(self, code):
+        self.expect_last_box("Done - Orvella Corvane v4", "Done! Command line parameter(s) were applied to 'lan0' "
+                             "network connection successfully.", code, kind="Information")
+
     def test_an_action_is_carried_out_with_boxes_only(self):
         self.veth("lan0", mac=OWN)
         self.open_window("-n", "lan0", "-di", wait=False)
@@ -139,8 +143,7 @@ class Actions(MainWindowTest):
         self.window.expect_windows(box.title)
         self.assertFalse(self.is_up("lan0"))
         box.press("OK")
-        self.expect_last_box("Done - Orvella Corvane v4", "Done! Command line parameter(s) were applied to 'lan0' network "
-                             "connection successfully.", code=0, kind="Information")
+        self.expect_done(code=0)
 
     def test_a_silent_action_shows_nothing(self):
         self.veth("lan0", mac=OWN)
@@ -150,19 +153,19 @@ class Actions(MainWindowTest):
         self.assertFalse(self.is_up("lan0"))
         self.assertEqual(diary.shown(), 0)
         self.open_window("-n", "none", "-di", wait=False)
-        self.expect_last_box("NIC Not Found- Orvella Corvane v4", "ERROR! Network connection 'none' was not found.", code=3)
+        self.expect_last_box("NIC Not Found- Orvella Corvane v4", "ERROR! Network connection 'none' was not found.",
+                             code=3)
         self.assertEqual(diary.shown(), 1)
 
     def test_a_failed_action_says_so(self):
         self.veth("lan0", mac=OWN)
         self.open_window("-n", "lan0", "-rl", wait=False)
         box = self.expect_message()
-        self.assertRegex(box.text, r"^DLL : IphlpApi\.dll\n\nError Code : \d+\nAPI: IPReleaseAddress\nError Description : ")
+        self.assertRegex(box.text, r"^DLL : IphlpApi\.dll\n\nError Code : \d+\nAPI: IPReleaseAddress\n")
         box.press("OK")
         self.expect_box("IP Release Attempt Failed - Orvella Corvane v4",
                         "ERROR ! IP Release operation on network connection 'lan0' failed.", press="OK", kind="Error")
-        self.expect_last_box("Done - Orvella Corvane v4", "Done! Command line parameter(s) were applied to 'lan0' network "
-                             "connection successfully.", code=1, kind="Information")
+        self.expect_done(code=1)
 
 
 class Nicx(MainWindowTest):

@@ -41,11 +41,12 @@ class Tips:
 
 
 class TrayTest(MainWindowTest):
-    def open_with_tray(self, opener=None):
+    def open_with_tray(self, script=""):
         self.desktop = Desktop(self)
         self.desktop.start_tray()
         self.tips = Tips(self.desktop.bus)
-        self.window = self.desktop.start(self.programs / "nicx-window", title=TITLE, environment=opener or self.opener())
+        opener = self.opener(script) if script else self.opener()
+        self.window = self.desktop.start(self.programs / "nicx-window", title=TITLE, environment=opener)
         self.main_window = self.x_window()
         self.icon()
 
@@ -212,7 +213,7 @@ class Menu(TrayTest):
         self.assertEqual(self.window.wait_exit(), 0)
 
     def test_while_the_window_is_hidden(self):
-        self.open_with_tray(opener=self.opener("exit 1"))
+        self.open_with_tray(script="exit 1")
         self.window.click_tray()
         self.window.expect_windows()
         self.choose_from_menu("About Us")

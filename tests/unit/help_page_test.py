@@ -91,7 +91,7 @@ def literals(*patterns):
             if match[1] is not None:
                 joined = (joined or "") + match[1]
             elif match[2] is None and joined is not None:
-                yield re.sub(r"\\(.)", lambda escape: {"n": "\n", "r": "\r", "t": "\t"}.get(escape[1], escape[1]), joined)
+                yield re.sub(r"\\(.)", lambda escape: ESCAPES.get(escape[1], escape[1]), joined)
                 joined = None
 
 
