@@ -3,8 +3,8 @@
 from main_window import OWN, MainWindowTest
 from world import FAR, REG_DWORD, REG_MULTI_SZ, DhcpServer, ip, multi, wait_for
 
-RESTART = ("Restart Network Connection ?", "You must restart network connection to apply changes. Do you want to enable "
-           "and disable network connection now ?")
+RESTART = ("Restart Network Connection ?", "You must restart network connection to apply changes. Do you want to "
+           "enable and disable network connection now ?")
 RESTARTED = ("Network Connection Restarted", "Network connection restarted successfully.")
 NOTE = ("NOTE: Orvella Corvane will not respond till the operation is complete or a time out has occured during this "
         "operation.")

@@ -4,9 +4,9 @@ import pathlib
 import socket
 import subprocess
 
-from desktop import NotNow
 from main_window import OWN, OWN_TEXT, MainWindowTest, picture
-from world import FAR, end_with_parent, ip, ip_json
+from waiting import NotNow, end_with_parent
+from world import FAR, ip, ip_json
 
 GRAPH = "Traffic of the last two minutes"
 # Colours of the curves of what is received and what is sent.

@@ -9,7 +9,8 @@ import signal
 from Xlib import X, display
 from Xlib.ext import xtest
 
-from desktop import ACTIVE, SHOWING, NotNow
+from controls import ACTIVE, SHOWING
+from waiting import NotNow
 from window import TITLE, WindowTest
 from world import wait_for
 

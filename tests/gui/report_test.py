@@ -4,8 +4,9 @@ import pathlib
 import re
 import subprocess
 
-from desktop import SHOWING, NotNow
+from controls import SHOWING
 from main_window import OWN, MainWindowTest
+from waiting import NotNow
 from world import ip
 
 EXPORT = "Export Text Report As ..."
@@ -133,7 +134,7 @@ class Report(MainWindowTest):
         self.mount_read_only(FOLDER)
         self.open_window()
         for name in ("report.txt", "new.txt"):
-            dialog = self.export_to(FOLDER / name)
+            self.export_to(FOLDER / name)
             if name == "report.txt":
                 self.answer("Replace")
             self.expect_refusal(FOLDER / name, "Read-only file system")

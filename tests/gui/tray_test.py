@@ -6,10 +6,12 @@ from gi.repository import GLib
 from Xlib import X
 from Xlib.protocol.event import ClientMessage
 
-from desktop import Desktop, Node, NotNow
+from controls import Node
+from desktop import Desktop
 from main_window import OWN, OWN_TEXT, MainWindowTest, picture
+from waiting import NotNow, end_with_parent
 from window import TITLE
-from world import FAR, end_with_parent, ip
+from world import FAR, ip
 
 ABOUT = "About Orvella Corvane"
 ICONIC_STATE = 3
@@ -177,7 +179,7 @@ class ShowAndHide(TrayTest):
                 raise NotNow("it is not")
         self.window.patiently(look, f"the window is {'shown' if shown else 'minimized'}")
 
-    def test_a_click_raises_a_window_behind_another(self):
+    def test_a_window_behind_another_is_hidden_and_comes_to_the_front(self):
         self.open_with_tray()
         screen = self.desktop.screen
         other = screen.root.create_window(100, 100, 300, 300, 0, X.CopyFromParent)
@@ -190,6 +192,8 @@ class ShowAndHide(TrayTest):
                     raise NotNow("it is not active")
             self.window.patiently(look, "the active window")
         expect_active(other)
+        self.window.click_tray()
+        self.window.expect_windows()
         self.window.click_tray()
         expect_active(self.main_window)
         self.window.expect_windows(TITLE)

@@ -24,6 +24,7 @@ TITLE = "Orvella Corvane"
 LIST = "Network Connections"
 RESTART = "Automatically Restart Network Connection To Apply Changes"
 OCTETS = 6
+EMPTY = [""] * OCTETS
 
 
 def octet_name(number):
@@ -71,7 +72,7 @@ class WindowTest(World):
 
     def open_window(self, *arguments, title=TITLE, user=None, **options):
         """Starts the window program and waits until its main window has the keys. Gives the application, which is a
-        Part: the main window. With another title it is a box at start-up that is waited for; with wait=False nothing."""
+        Part: the main window. With wait=False nothing is waited for."""
         if user is not None:
             options.update(user=user, group=user, extra_groups=[])
         self.desktop = self.desktop or Desktop(self)
@@ -79,8 +80,8 @@ class WindowTest(World):
         return self.window
 
     def expect_box(self, title, text=None):
-        """Waits for a box and, when a text is given, asserts that it has it. Unlike Application.expect_box it also finds
-        one that has the main window's title."""
+        """Waits for a box and, when a text is given, asserts that it has it. Unlike Application.expect_box it also
+        finds one that has the main window's title."""
         def look():
             if not any(node.has(MODAL) and node.has(ACTIVE) for node in self.window.node.children):
                 raise NotNow(f"no box is open; the windows are {self.window.windows}")
@@ -151,3 +152,43 @@ class WindowTest(World):
         """The control of this name, or the box of the octet of this number, has the keyboard focus."""
         focus = self.window.focus
         self.assertEqual(focus and focus[1], octet_name(name) if isinstance(name, int) else name)
+
+
+class PanelTest(WindowTest):
+    """Base of the test cases that begin in the open panel of a connection."""
+
+    def setUp(self):
+        super().setUp()
+        self.veth("eth0", "10.1.0.2/24", mac="02:00:00:00:10:01")
+        self.prepare()
+        self.open_window()
+        self.open_panel("eth0")
+
+    def prepare(self):
+        """What comes before the start of the window."""
+
+    def press(self, *chords):
+        self.desktop.press(*chords)
+
+    def type(self, text):
+        self.desktop.type(text)
+
+    @property
+    def change_now(self):
+        return self.window.button("Change Now !")
+
+    def assert_octets(self, octets, focus):
+        self.assertEqual(self.octets, octets)
+        self.assert_focus(focus)
+
+    def assert_caret(self, number, position):
+        """The box has the focus, the caret is here and nothing is selected."""
+        self.assert_focus(number)
+        box = self.octet(number)
+        self.assertEqual((box.caret, box.selection), (position, (position, position)))
+
+    def assert_selected(self, number):
+        """The box has the focus and its whole text is selected."""
+        self.assert_focus(number)
+        box = self.octet(number)
+        self.assertEqual(box.selection, (0, len(box.text)))
