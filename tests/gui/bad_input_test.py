@@ -16,8 +16,9 @@ QUESTION = "Change MAC Address ?"
 DONE = "MAC Address Changed Successfully"
 RUN_TIME_ERROR = 4
 
-ERROR_START = ("ERROR! This may be caused due to invalid command line parameters. Please check command line paramaters if "
-               "passed.\n\nDescription: ")
+ERROR_START = ("ERROR! This may be caused due to invalid command line parameters. Please check command line paramaters "
+               "if passed.\n\nDescription: ")
+SHELL_ERROR = "Error! There was an error while accessing shell32.dll\n\nDescription: "
 GOOD_VENDORS = vendor_bytes(("000C29", "First"), ("00A0C9", "Second"))
 TWO_DIMENSIONS = preset_bytes(("office", 8, "", None, None, None, None, None)).replace(
     b"office\x08\0\0\0\0", b"office\x08\0\0\x02\0")
@@ -54,8 +55,8 @@ class Connections(WindowTest):
         ip("link", "delete", "lan1")
         self.change(TYPED)
         box = self.expect_box("Error! Cannot Write Registry")
-        self.assertTrue(box.text.startswith("Error while writing in windows registry.\n\nRegistry Path: "
-                                            "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Class\\"), box.text)
+        self.assertTrue(box.text.startswith("Error while writing in windows registry.\n\nRegistry Path: HKEY_LOCAL_MACHINE"
+                                            "\\SYSTEM\\CurrentControlSet\\Control\\Class\\"), box.text)
         self.assertIn("Error: (2) Bad Key Name", box.text)
         box.press("OK")
         # The panel keeps what was typed; the list follows as soon as the panel is closed.
@@ -76,8 +77,8 @@ class Connections(WindowTest):
         box = self.expect_box("Unable To Locate Network Connection",
                               "Error! Could not locate network connection 'lan1' to be enabled/disabled. Please, "
                               "enable/disable your network connection manually. This may happen if the 'Network "
-                              "Connections' or 'Network and dial-up connections' folder is not found by Orvella Corvane."
-                              "\n\nDo you want to manually browse and set the network connection folder in control "
+                              "Connections' or 'Network and dial-up connections' folder is not found by Orvella "
+                              "Corvane.\n\nDo you want to manually browse and set the network connection folder in control "
                               "pannel ?")
         box.press("No")
         # Only the number of attempts counts.
@@ -120,9 +121,8 @@ class Connections(WindowTest):
         self.open_window()
         self.open_panel("lan1")
         self.change("01005e000001")
-        self.expect_box(TITLE, "Error! There was an error while accessing shell32.dll\n\nDescription: 'lan1': MAC address "
-                               "'01005E000001' cannot be used: it is a multicast address (the first octet is odd); the "
-                               "original address was given back").press("OK")
+        self.expect_box(TITLE, f"{SHELL_ERROR}'lan1': MAC address '01005E000001' cannot be used: it is a multicast address "
+                               "(the first octet is odd); the original address was given back").press("OK")
         self.expect_box(DONE).press("OK")
         self.expect_fact("MAC Address:", "02-00-00-00-10-02 (Inactive, 01-00-5E-00-00-01)")
         self.connections.expect_row("lan1", "No", "02-00-00-00-10-02", *LIVE)
@@ -144,8 +144,7 @@ class Connections(WindowTest):
         self.assertTrue(self.panel_is_open)
         self.desktop.press("Escape", "ctrl+e")
         box = self.expect_box(TITLE)
-        self.assertTrue(box.text.startswith("Error! There was an error while accessing shell32.dll\n\nDescription: 'lan1'"),
-                        box.text)
+        self.assertTrue(box.text.startswith(f"{SHELL_ERROR}'lan1'"), box.text)
         self.assertIn("Access is denied", box.text)
         box.press("OK")
         self.expect_box("Connection Cound Not Be Disabled", "Network connection could not be disabled or probably is "

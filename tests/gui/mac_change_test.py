@@ -32,6 +32,13 @@ def question(name, address, restart=True):
     return f"Are you sure to change MAC address of network connection '{name}' to '{address}' ?\n\n{NOTES[restart]}"
 
 
+def saved(name):
+    """Title and text of the box after a change without a restart."""
+    return ("MAC Address Changes Saved Successfully",
+            "MAC Address changes were saved successfully. You must manually disable and enable the network adapter "
+            f"'{name}', or reboot your system to apply the changes.")
+
+
 class ChangeTest(WindowTest):
     def setUp(self):
         super().setUp()
@@ -136,9 +143,7 @@ class WithoutRestart(ChangeTest):
         self.desktop.type(TYPED)
         self.desktop.press("Return")
         self.ask(QUESTION, question("lan1", SHOWN, restart=False), "Yes")
-        self.ask("MAC Address Changes Saved Successfully",
-                 "MAC Address changes were saved successfully. You must manually disable and enable the network adapter "
-                 "'lan1', or reboot your system to apply the changes.", "OK")
+        self.ask(*saved("lan1"), "OK")
         self.assertFalse(self.panel_is_open)
         self.assert_focus("Network Connections")
         self.assert_up("lan1", SECOND, ["10.2.0.2/24"])
@@ -213,9 +218,9 @@ class NotChanged(ChangeTest):
         self.open_panel("br0")
         self.desktop.type(TYPED)
         refusal = ("Cannot Change MAC Address Of Network Bridge",
-                   "MAC Address of windows Network Bridge cannot be changed. Network Bridge will use original MAC address "
-                   "(assigned by the manufacturer) of the first network adapter added in the bridge, with the first octet "
-                   "of MAC address as value 0x02")
+                   "MAC Address of windows Network Bridge cannot be changed. Network Bridge will use original MAC "
+                   "address (assigned by the manufacturer) of the first network adapter added in the bridge, with the "
+                   "first octet of MAC address as value 0x02")
         self.window.button("Change Now !").click()
         self.ask(*refusal, "OK")
         self.assertTrue(self.panel_is_open)
@@ -230,9 +235,7 @@ class NotChanged(ChangeTest):
         self.window.check(RESTART).click()
         self.window.button("Original MAC").click()
         self.ask(QUESTION, question("eth0", "ORIGINAL MAC ADDRESS ASSIGNED BY MANUFACTURER", restart=False), "Yes")
-        self.ask("MAC Address Changes Saved Successfully",
-                 "MAC Address changes were saved successfully. You must manually disable and enable the network adapter "
-                 "'eth0', or reboot your system to apply the changes.", "OK")
+        self.ask(*saved("eth0"), "OK")
         self.expect_fact("MAC Address:", "02-00-00-00-10-01 (Original)")
         self.assert_up("eth0", OWN, ["10.1.0.2/24"])
         self.assertNotIn("NetworkAddress", self.driver("eth0"))
