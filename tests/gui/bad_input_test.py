@@ -55,8 +55,8 @@ class Connections(WindowTest):
         ip("link", "delete", "lan1")
         self.change(TYPED)
         box = self.expect_box("Error! Cannot Write Registry")
-        self.assertTrue(box.text.startswith("Error while writing in windows registry.\n\nRegistry Path: HKEY_LOCAL_MACHINE"
-                                            "\\SYSTEM\\CurrentControlSet\\Control\\Class\\"), box.text)
+        self.assertTrue(box.text.startswith("Error while writing in windows registry.\n\nRegistry Path: HKEY_LOCAL_"
+                                            "MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Class\\"), box.text)
         self.assertIn("Error: (2) Bad Key Name", box.text)
         box.press("OK")
         # The panel keeps what was typed; the list follows as soon as the panel is closed.
@@ -78,8 +78,8 @@ class Connections(WindowTest):
                               "Error! Could not locate network connection 'lan1' to be enabled/disabled. Please, "
                               "enable/disable your network connection manually. This may happen if the 'Network "
                               "Connections' or 'Network and dial-up connections' folder is not found by Orvella "
-                              "Corvane.\n\nDo you want to manually browse and set the network connection folder in control "
-                              "pannel ?")
+                              "Corvane.\n\nDo you want to manually browse and set the network connection folder in "
+                              "control pannel ?")
         box.press("No")
         # Only the number of attempts counts.
         self.expect_box(DONE).press("OK")
@@ -121,8 +121,8 @@ class Connections(WindowTest):
         self.open_window()
         self.open_panel("lan1")
         self.change("01005e000001")
-        self.expect_box(TITLE, f"{SHELL_ERROR}'lan1': MAC address '01005E000001' cannot be used: it is a multicast address "
-                               "(the first octet is odd); the original address was given back").press("OK")
+        self.expect_box(TITLE, f"{SHELL_ERROR}'lan1': MAC address '01005E000001' cannot be used: it is a multicast "
+                               "address (the first octet is odd); the original address was given back").press("OK")
         self.expect_box(DONE).press("OK")
         self.expect_fact("MAC Address:", "02-00-00-00-10-02 (Inactive, 01-00-5E-00-00-01)")
         self.connections.expect_row("lan1", "No", "02-00-00-00-10-02", *LIVE)

@@ -2,7 +2,7 @@
 random addresses."""
 
 from desktop import SHOWING
-from window import PanelTest
+from window import RESTART, PanelTest
 from world import vendor_bytes
 
 RANDOM_OCTET = r"^[0-9]{2}$"
