@@ -16,6 +16,9 @@ inline constexpr std::uint8_t kPresetIp = 8;
 inline constexpr std::uint8_t kPresetGateway = 16;
 inline constexpr std::uint8_t kPresetDns = 32;
 
+/// Metric text of a gateway that gets its metric from the connection; it counts as 0, which means automatic.
+inline constexpr char kAutomaticMetric[] = "Automatic";
+
 /// A list of texts that tells "never sized" (no dimension in the file) from "sized to nothing". A list that
 /// is not allocated has no items. Made with items it is allocated; `Items` may be used freely once
 /// `Allocated` is true.

@@ -1,4 +1,4 @@
-#include "startup/Advice.h"
+#include "presets/Advice.h"
 #include "tests/unit/CoreSupport.h"
 
 namespace corvane {
@@ -14,7 +14,7 @@ using testing::StartsWith;
 std::vector<std::string> Of(const PresetRecord& record, bool dhcpEnabled = false) {
     NicInfo nic = NicRecord(kFirstId, "Office", "0003");
     nic.DhcpEnabled = dhcpEnabled;
-    return Advice(nic, record);
+    return Advice(nic, record, "-h was not given; give -h to keep it");
 }
 
 PresetRecord Mac(const std::string& text) {

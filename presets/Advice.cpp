@@ -1,4 +1,4 @@
-#include "startup/Advice.h"
+#include "presets/Advice.h"
 
 #include <optional>
 
@@ -21,25 +21,8 @@ void AdviseMac(const std::string& text, Sentences& advice) {
                      "; give another one");
 }
 
-void AdviseAddress(const char* what, const std::string& text, Sentences& advice) {
-    const std::optional<Ipv4Bytes> address = ParseIpv4(text);
-    const std::string reason =
-        address ? HostAddressRefusal(*address) : "it is not four numbers 0 to 255 joined by '.'";
-    if (reason.empty()) return;
-    advice.push_back(std::string(what) + " '" + text +
-                     "' is stored as typed but cannot take effect: " + reason);
-}
-
-void AdviseMask(const std::string& text, Sentences& advice) {
-    const std::optional<Ipv4Bytes> mask = ParseIpv4(text);
-    if (mask && PrefixFromMask(*mask).value_or(0) != 0) return;
-    advice.push_back(
-        "subnet mask '" + text +
-        "' is stored as typed but cannot take effect: a mask is one bits followed by zero bits, such as "
-        "255.255.255.0");
-}
-
 void AdviseMetric(const std::string& text, Sentences& advice) {
+    if (text == kAutomaticMetric) return;
     const bool digitsOnly = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
     if (digitsOnly && NumericValue(text) <= 4294967295.0) return;
     advice.push_back("metric '" + text +
@@ -72,14 +55,31 @@ void AdviseGateways(const PresetRecord& record, Sentences& advice) {
 
 }  // namespace
 
-Sentences Advice(const NicInfo& nic, const PresetRecord& record) {
+void AdviseAddress(const char* what, const std::string& text, Sentences& advice) {
+    const std::optional<Ipv4Bytes> address = ParseIpv4(text);
+    const std::string reason =
+        address ? HostAddressRefusal(*address) : "it is not four numbers 0 to 255 joined by '.'";
+    if (reason.empty()) return;
+    advice.push_back(std::string(what) + " '" + text +
+                     "' is stored as typed but cannot take effect: " + reason);
+}
+
+void AdviseMask(const std::string& text, Sentences& advice) {
+    const std::optional<Ipv4Bytes> mask = ParseIpv4(text);
+    if (mask && PrefixFromMask(*mask).value_or(0) != 0) return;
+    advice.push_back(
+        "subnet mask '" + text +
+        "' is stored as typed but cannot take effect: a mask is one bits followed by zero bits, such as "
+        "255.255.255.0");
+}
+
+Sentences Advice(const NicInfo& nic, const PresetRecord& record, const std::string& dhcpReason) {
     Sentences advice;
     if ((record.Flags & kPresetMac) != 0 && (record.Flags & kPresetRandomMac) == 0)
         AdviseMac(record.Mac, advice);
     if ((record.Flags & kPresetDhcp) == 0) {
         if (nic.DhcpEnabled && record.Flags != 0) {
-            advice.push_back("DHCP is turned off on '" + nic.Name +
-                             "' because -h was not given; give -h to keep it");
+            advice.push_back("DHCP is turned off on '" + nic.Name + "' because " + dhcpReason);
         }
         if ((record.Flags & kPresetIp) != 0) {
             for (const std::string& address : record.IpAddresses.Items)
