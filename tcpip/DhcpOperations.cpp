@@ -1,28 +1,17 @@
 #include "tcpip/DhcpOperations.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <limits>
 
 #include "inventory/NicInfo.h"
-#include "mac/RestartConnection.h"
 #include "platform/IphlpApi.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "tcpip/InterfaceKey.h"
+#include "tcpip/Metric.h"
+#include "tcpip/OfferRestart.h"
 
 namespace corvane {
 
 namespace {
-
-/// What was written takes effect when the connection starts anew. Shows the new settings whatever the answer.
-void OfferRestart(const std::string& name, const std::string& title, const std::string& question) {
-    if (UserSaysYes(title, question) && RestartConnection(name, false, false)) {
-        ShowInformation("Network Connection Restarted", "Network connection restarted successfully.");
-    }
-    CurrentSeat().Refresh();
-}
 
 /// The words and the call that differ between giving back and renewing.
 struct LeaseCommand {
@@ -52,19 +41,12 @@ void Run(const LeaseCommand& command, std::size_t adapter) {
     CurrentSeat().Refresh();
 }
 
-std::uint32_t MetricFrom(const std::string& text) {
-    static constexpr double kLargest = std::numeric_limits<std::uint32_t>::max();
-    return static_cast<std::uint32_t>(std::clamp(std::nearbyint(NumericValue(text)), 0.0, kLargest));
-}
-
 }  // namespace
 
 void SwitchDhcp(std::size_t adapter, bool enable) {
-    // A copy: the restart may read the adapters anew.
-    const std::string name = Nics.at(adapter).Name;
     const auto write = [&](const InterfaceKey& key) { key.SwitchDhcpAndReset(enable); };
     if (!RunOnKey(InterfaceKey(adapter), write, ReportWrite)) return;
-    OfferRestart(name, "Restart Network Connection ?",
+    OfferRestart(adapter, "Restart Network Connection ?",
                  "You must restart network connection to apply changes. Do you want to enable and disable "
                  "network connection now ?");
 }
@@ -81,13 +63,11 @@ void RenewLease(std::size_t adapter) {
 
 void SetInterfaceMetric(std::size_t adapter) {
     static constexpr char kValue[] = "InterfaceMetric";
-    // A copy: the restart may read the adapters anew.
-    const std::string name = Nics.at(adapter).Name;
     const std::string answer =
         CurrentSeat()
             .AskText("Enter Interface Metric",
-                     "Enter New Interface Metric For Network Connection '" + name + "' Below:" + kCrLf +
-                         kCrLf + "NOTE: For Automatic Metric, Enter Value 0 (Zero)",
+                     "Enter New Interface Metric For Network Connection '" + Nics.at(adapter).Name +
+                         "' Below:" + kCrLf + kCrLf + "NOTE: For Automatic Metric, Enter Value 0 (Zero)",
                      "")
             .value_or("");
     if (answer.empty()) return;
@@ -99,13 +79,7 @@ void SetInterfaceMetric(std::size_t adapter) {
         }
     };
     if (!RunOnKey(InterfaceKey(adapter), write, ReportWrite)) return;
-    OfferRestart(name, "Restart Network Connection Now ?",
-                 std::string("You must restart the selected network connection in order to apply Interface "
-                             "Metric changes") +
-                     kCrLf + kCrLf + "Are you sure to restart network connection '" + name + "' now ?" +
-                     kCrLf + kCrLf +
-                     "WARNING : There will be loss of network connectivity while the network connection "
-                     "restarts.");
+    OfferRestartTo("apply Interface Metric changes", adapter);
 }
 
 }  // namespace corvane

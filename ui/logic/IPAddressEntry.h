@@ -70,10 +70,10 @@ class IPAddressEntry {
     void FocusGained(int box);
     void FocusLost(int box);
 
-    /// A text is pasted into a box. A whole dotted quad (blanks, tabs and line ends around it do not count)
-    /// fills all four boxes and moves the focus to the last one, its text selected by that. Up to three digits
-    /// replace the selection, or go in at the caret, where there is room for them. Anything else beeps and
-    /// changes nothing.
+    /// A text is pasted into a box. A whole dotted quad fills all four boxes and moves the focus to the last
+    /// one, its text selected. Up to three digits replace the selection, or go in at the caret, where there
+    /// is room for them. Blanks, tabs and line ends around it do not count. Anything else beeps and changes
+    /// nothing.
     void Pasted(int box, const std::string& text);
 
  private:

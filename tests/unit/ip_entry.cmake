@@ -1,0 +1,5 @@
+corvane_test(NAME ip_entry_test
+    SOURCES
+        unit/IPAddressEntryMovesTest.cpp
+        unit/IPAddressEntryTest.cpp
+        unit/IPAddressEntryTypingTest.cpp)
