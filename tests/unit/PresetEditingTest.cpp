@@ -183,8 +183,7 @@ TEST_F(PresetEditingTest, NameOfAPresetFillsTheEditor) {
     editor.Type("Office");
     EXPECT_THAT(editor.Ticks(), ElementsAre("ckCPMAC", "ckCPIP", "ckCPGateway", "ckCPDNS"));
     EXPECT_THAT(editor.Octets(), ElementsAre("00", "0C", "29", "12", "AB", "FF"));
-    EXPECT_EQ(editor.listIP.rows,
-              (Rows{{"192.168.1.10", "255.255.255.0", 0}, {"10.0.0.7", "255.0.0.0", 1}}));
+    EXPECT_EQ(editor.listIP.rows, (Rows{{"192.168.1.10", "255.255.255.0", 0}, {"10.0.0.7", "255.0.0.0", 1}}));
     EXPECT_EQ(editor.listGateway.rows, (Rows{{"192.168.1.1", "20", 0}}));
     EXPECT_EQ(editor.listDNS.rows, (Rows{{"192.168.1.1", "", 0}, {"9.9.9.9", "", 1}}));
     EXPECT_EQ(editor.listIP.header, "IP Address (2)");
