@@ -43,11 +43,16 @@ bool Reachable(const std::string& gateway, const PresetRecord& record) {
 }
 
 void AdviseGateways(const PresetRecord& record, Sentences& advice) {
-    for (const std::string& gateway : record.Gateways.Items) AdviseAddress("gateway", gateway, advice);
-    for (const std::string& metric : record.GatewayMetrics.Items) AdviseMetric(metric, advice);
+    // A preset without any has one empty text.
+    for (const std::string& gateway : record.Gateways.Items) {
+        if (!gateway.empty()) AdviseAddress("gateway", gateway, advice);
+    }
+    for (const std::string& metric : record.GatewayMetrics.Items) {
+        if (!record.Gateways.Items.front().empty()) AdviseMetric(metric, advice);
+    }
     if ((record.Flags & kPresetIp) == 0) return;
     for (const std::string& gateway : record.Gateways.Items) {
-        if (Reachable(gateway, record)) continue;
+        if (gateway.empty() || Reachable(gateway, record)) continue;
         advice.push_back("gateway '" + gateway +
                          "' is in the network of none of the given addresses: it cannot take effect");
     }
@@ -89,7 +94,9 @@ Sentences Advice(const NicInfo& nic, const PresetRecord& record, const std::stri
         if ((record.Flags & kPresetGateway) != 0) AdviseGateways(record, advice);
     }
     if ((record.Flags & kPresetDns) != 0) {
-        for (const std::string& server : record.DnsServers.Items) AdviseAddress("DNS server", server, advice);
+        for (const std::string& server : record.DnsServers.Items) {
+            if (!server.empty()) AdviseAddress("DNS server", server, advice);
+        }
     }
     return advice;
 }

@@ -2,7 +2,6 @@
 
 #include <wx/button.h>
 #include <wx/checkbox.h>
-#include <wx/clipbrd.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
@@ -11,6 +10,7 @@
 
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
+#include "ui/MacBoxRow.h"
 #include "ui/VendorBox.h"
 #include "ui/WxText.h"
 
@@ -19,13 +19,6 @@ namespace corvane {
 namespace {
 
 constexpr int kGap = 6;
-
-std::string ClipboardText() {
-    wxTextDataObject data;
-    const wxClipboardLocker locker;
-    if (!locker || !wxTheClipboard->GetData(data)) return {};
-    return Utf8(data.GetText());
-}
 
 }  // namespace
 
@@ -38,7 +31,8 @@ ChangeMacPanel::ChangeMacPanel(wxWindow* parent)
     grid->AddGrowableCol(1);
     auto* const addressLabel = new wxStaticText(this, wxID_ANY, "New MAC &Address:");
     grid->Add(addressLabel, 0, wxALIGN_CENTER_VERTICAL);
-    grid->Add(MakeBoxes());
+    boxes_ = std::make_unique<MacBoxRow>(this, 0);
+    grid->Add(boxes_->MakeSizer(this));
     auto* const vendorLabel = new wxStaticText(this, wxID_ANY, "&Vendor:");
     grid->Add(vendorLabel, 0, wxALIGN_CENTER_VERTICAL);
     vendorBox_ = std::make_unique<VendorBox>(this);
@@ -54,32 +48,17 @@ ChangeMacPanel::ChangeMacPanel(wxWindow* parent)
     sizer->Add(MakeButtons(), 0, wxEXPAND);
     SetSizer(sizer);
 
-    LabelFor(addressLabel, boxes_.front());
-    for (int box = 0; box < kOctets; ++box) {
-        SetAccessibleName(&Box(box), wxString::Format("MAC address, octet %d of %d", box + 1, kOctets));
-        BindBox(box);
-    }
+    FocusByMnemonic(&boxes_->Box(0));
+    boxes_->Bind(*entry_);
     LabelFor(vendorLabel, vendorBox_->Edit());
     vendorBox_->OnChoice = [this](std::size_t chosen) { vendor_->Choose(chosen); };
     vendorBox_->OnFocus = [this] { vendor_->LookUpTypedVendor(); };
     Hide();
 }
 
-ChangeMacPanel::~ChangeMacPanel() = default;
-
-wxSizer* ChangeMacPanel::MakeBoxes() {
-    auto* const row = new wxBoxSizer(wxHORIZONTAL);
-    for (int box = 0; box < kOctets; ++box) {
-        if (box > 0) row->Add(new wxStaticText(this, wxID_ANY, "-"), 0, wxALIGN_CENTER | wxLEFT | wxRIGHT, 2);
-        auto* const text = new wxTextCtrl(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxTE_CENTRE);
-        text->SetMaxLength(2);
-        text->SetFont(
-            wxFont(wxFontInfo(text->GetFont().GetFractionalPointSize()).Family(wxFONTFAMILY_TELETYPE)));
-        text->SetInitialSize(text->GetSizeFromTextSize(text->GetTextExtent("MM").x));
-        boxes_[static_cast<std::size_t>(box)] = text;
-        row->Add(text);
-    }
-    return row;
+ChangeMacPanel::~ChangeMacPanel() {
+    // The boxes report a lost focus to the rules even now.
+    DestroyChildren();
 }
 
 wxButton* ChangeMacPanel::MakeButton(const char* label, const char* icon) {
@@ -104,48 +83,6 @@ wxSizer* ChangeMacPanel::MakeButtons() {
     return row;
 }
 
-bool ChangeMacPanel::HandleArrow(int box, const wxKeyEvent& event) {
-    const int key = event.GetKeyCode();
-    if (key != WXK_LEFT && key != WXK_RIGHT) return false;
-    return entry_->KeyDown(box, key == WXK_LEFT ? BoxKey::kLeft : BoxKey::kRight, event.ShiftDown(),
-                           event.ControlDown());
-}
-
-bool ChangeMacPanel::HandleCharacter(int box, const wxKeyEvent& event, int character) {
-    const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
-    if (!typed || event.ControlDown() || event.AltDown()) return false;
-    entry_->KeyPress(box, character);
-    return true;
-}
-
-void ChangeMacPanel::BindBox(int box) {
-    wxTextCtrl& text = Box(box);
-    // Keys are taken before the toolkit's input method sees them, which deletes a selected text before it
-    // asks whether the character is wanted.
-    text.Bind(wxEVT_KEY_DOWN, [this, box](wxKeyEvent& event) {
-        if (!HandleArrow(box, event) && !HandleCharacter(box, event, TypedCharacter(event))) event.Skip();
-    });
-    // What an input method has composed.
-    text.Bind(wxEVT_CHAR, [this, box](wxKeyEvent& event) {
-        if (!HandleCharacter(box, event, event.GetUnicodeKey())) event.Skip();
-    });
-    text.Bind(wxEVT_TEXT, [this, box](wxCommandEvent&) { entry_->Changed(box); });
-    text.Bind(wxEVT_TEXT_PASTE, [this, box](wxClipboardTextEvent&) { entry_->Pasted(box, ClipboardText()); });
-    text.Bind(wxEVT_LEFT_UP, [this, box](wxMouseEvent& event) {
-        event.Skip();
-        // After the box itself is done with the click.
-        CallAfter([this, box] { entry_->Clicked(box); });
-    });
-    text.Bind(wxEVT_SET_FOCUS, [this, box](wxFocusEvent& event) {
-        event.Skip();
-        entry_->FocusGained(box);
-    });
-    text.Bind(wxEVT_KILL_FOCUS, [this, box](wxFocusEvent& event) {
-        event.Skip();
-        entry_->FocusLost(box);
-    });
-}
-
 void ChangeMacPanel::ShowConnection(const std::string& name) {
     heading_->SetLabelText(Wx("Change MAC Address Of '" + name + "'"));
 }
@@ -161,31 +98,11 @@ void ChangeMacPanel::Escape() {
     if (!vendorBox_->CloseList()) Close();
 }
 
-std::string ChangeMacPanel::Text(int box) const { return Utf8(Box(box).GetValue()); }
-
-void ChangeMacPanel::SetText(int box, const std::string& text) {
-    if (Text(box) == text) return;
-    Box(box).ChangeValue(Wx(text));
-    entry_->Changed(box);
-}
-
-TextSelection ChangeMacPanel::Selection(int box) const {
-    long from = 0;
-    long to = 0;
-    Box(box).GetSelection(&from, &to);
-    if (from == to) return {static_cast<int>(Box(box).GetInsertionPoint()), 0};
-    return {static_cast<int>(from), static_cast<int>(to - from)};
-}
-
-void ChangeMacPanel::Select(int box, TextSelection selection) {
-    if (selection.length == 0) {
-        Box(box).SetInsertionPoint(selection.start);
-    } else {
-        Box(box).SetSelection(selection.start, selection.start + selection.length);
-    }
-}
-
-void ChangeMacPanel::Focus(int box) { Box(box).SetFocus(); }
+std::string ChangeMacPanel::Text(int box) const { return boxes_->Text(box); }
+void ChangeMacPanel::SetText(int box, const std::string& text) { boxes_->SetText(box, text); }
+TextSelection ChangeMacPanel::Selection(int box) const { return boxes_->Selection(box); }
+void ChangeMacPanel::Select(int box, TextSelection selection) { boxes_->Select(box, selection); }
+void ChangeMacPanel::Focus(int box) { boxes_->Focus(box); }
 void ChangeMacPanel::FocusCheck1() { check1_->SetFocus(); }
 void ChangeMacPanel::EnableCommand9(bool enable) { command9_->Enable(enable); }
 void ChangeMacPanel::Beep() { wxBell(); }

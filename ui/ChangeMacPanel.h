@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,18 +12,15 @@
 class wxButton;
 class wxCheckBox;
 class wxStaticText;
-class wxTextCtrl;
 
 /// `fChangeMAC`: the octet boxes, the vendor box and the buttons that change an address.
 namespace corvane {
 
+class MacBoxRow;
 class VendorBox;
 
 class ChangeMacPanel : public wxPanel, public MacBoxesView, public ChangeMacView {
  public:
-    /// Number of octet boxes in one row.
-    static constexpr int kOctets = 6;
-
     explicit ChangeMacPanel(wxWindow* parent);
     ~ChangeMacPanel() override;
 
@@ -61,17 +57,11 @@ class ChangeMacPanel : public wxPanel, public MacBoxesView, public ChangeMacView
     void ShowPanel(bool show) override;
 
  private:
-    wxSizer* MakeBoxes();
     wxSizer* MakeButtons();
     wxButton* MakeButton(const char* label, const char* icon);
-    void BindBox(int box);
-    /// Whether the key was one for the entry rules.
-    bool HandleArrow(int box, const wxKeyEvent& event);
-    bool HandleCharacter(int box, const wxKeyEvent& event, int character);
-    [[nodiscard]] wxTextCtrl& Box(int box) const { return *boxes_.at(static_cast<std::size_t>(box)); }
 
     wxStaticText* heading_;
-    std::array<wxTextCtrl*, kOctets> boxes_{};
+    std::unique_ptr<MacBoxRow> boxes_;
     std::unique_ptr<VendorBox> vendorBox_;
     wxCheckBox* check1_ = nullptr;
     wxButton* command9_ = nullptr;

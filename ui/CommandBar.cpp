@@ -22,7 +22,7 @@ CommandBar::CommandBar(wxWindow* parent)
     : wxPanel(parent), row_(new wxWrapSizer(wxHORIZONTAL, wxREMOVE_LEADING_SPACES)) {
     const Details cleared;
     SetSizer(row_);
-    Add(mnuRefresh, "&Refresh", "refresh", "Read the connections anew (F5)");
+    refresh_ = Add(mnuRefresh, "&Refresh", "refresh", "Read the connections anew (F5)");
     changeMac_ = Add(mnuChangeMAC, "Chan&ge MAC", "change_mac", "Change the MAC address (Ctrl+M)");
     enable_ = Add(mnuEnable, cleared.enableButton, "enable", "Enable or disable the connection (Ctrl+E)");
     command7_ = Add(mnuEnableDHCP, cleared.mnuEnableDHCP, "dhcp", "Switch DHCP on or off (Ctrl+D)");
@@ -51,6 +51,7 @@ void CommandBar::Update(const Details& details, const CommandStates& states) {
     Layout();
 }
 
+void CommandBar::EnableRefresh(bool enable) { refresh_->Enable(enable); }
 void CommandBar::EnableDhcpButton(bool enable) { command7_->Enable(enable); }
 
 }  // namespace corvane

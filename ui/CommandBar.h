@@ -19,12 +19,14 @@ class CommandBar : public wxPanel {
 
     /// Captions and what can be pressed, for the selected connection.
     void Update(const Details& details, const CommandStates& states);
+    void EnableRefresh(bool enable);
     void EnableDhcpButton(bool enable);
 
  private:
     wxButton* Add(int id, const std::string& caption, const std::string& icon, const char* tip);
 
     wxSizer* row_;
+    wxButton* refresh_;
     wxButton* changeMac_;
     wxButton* enable_;
     wxButton* command7_;  ///< DHCP on or off.

@@ -21,8 +21,15 @@ void DropLayoutMessages();
 /// there, and the label's text is the control's accessible name.
 void LabelFor(const wxStaticText* label, wxWindow* control);
 
+/// A mnemonic of a label moves the focus to the control and does nothing else. For controls that have another
+/// accessible name than their label's text.
+void FocusByMnemonic(wxWindow* control);
+
 /// Names a control that has no label of its own for those who cannot see it.
 void SetAccessibleName(wxWindow* control, const wxString& name);
+
+/// Leaves of a text box only its text: what it lies on draws the frame. Its size follows its text size.
+void DropFrame(wxWindow* box);
 
 /// Gives a scrolling control plain scroll bars, which take room only when they are needed. Those that fade in
 /// and out over the content cost as much at the start as the control itself.

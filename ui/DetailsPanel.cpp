@@ -1,12 +1,15 @@
 #include "ui/DetailsPanel.h"
 
+#include <algorithm>
+
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 
 #include "ui/ChangeMacPanel.h"
 #include "ui/Desktop.h"
-#include "ui/FactText.h"
-#include "ui/RowList.h"
+#include "ui/Facts.h"
+#include "ui/PresetsPanel.h"
+#include "ui/TcpipPanel.h"
 #include "ui/TrafficGraph.h"
 #include "ui/WxText.h"
 
@@ -15,17 +18,6 @@ namespace corvane {
 namespace {
 
 constexpr int kGap = 6;
-
-void FillList(RowList* list, const std::string& header, const std::vector<DetailsRow>& rows,
-              bool withSubItem) {
-    list->SetTitle(0, header);
-    std::vector<ListRow> shown;
-    shown.reserve(rows.size());
-    for (const DetailsRow& row : rows) {
-        shown.push_back({withSubItem ? std::vector{row.text, row.subItem} : std::vector{row.text}, ""});
-    }
-    list->SetRows(std::move(shown));
-}
 
 }  // namespace
 
@@ -36,11 +28,22 @@ DetailsPanel::DetailsPanel(wxWindow* parent)
     title_->SetFont(title_->GetFont().Bold());
     left_ = new wxBoxSizer(wxVERTICAL);
     left_->Add(MakeConnection(), 0, wxEXPAND);
-    left_->Add(MakeTraffic(), 1, wxEXPAND | wxTOP, 2 * kGap);
+    left_->Add(MakeTraffic(), 0, wxEXPAND | wxTOP, 2 * kGap);
+    presets_ = new PresetsPanel(this);
+    left_->Add(presets_, 0, wxEXPAND | wxTOP, kGap);
+    tcpip_ = new TcpipPanel(this);
+    tcpip_->OnLayout = [this] { Arrange(); };
+    // Lists do not tell of their focus as other controls do.
+    presets_->OnListFocus = [this](const wxWindow& list) { ShowChild(list); };
+    tcpip_->OnShow = [this](const wxWindow& window) { ShowChild(window); };
+    Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
+        event.Skip();
+        if (event.GetWindow() != this) ShowChild(*event.GetWindow());
+    });
 
     columns_ = new wxBoxSizer(wxHORIZONTAL);
-    columns_->Add(left_, 6, wxEXPAND | wxRIGHT, 3 * kGap);
-    columns_->Add(MakeTcpip(), 5, wxEXPAND);
+    columns_->Add(left_, 6, wxRIGHT, 3 * kGap);
+    columns_->Add(tcpip_, 5, wxEXPAND);
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(title_, 0, wxEXPAND | wxALL, kGap);
     sizer->Add(columns_, 1, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, kGap);
@@ -54,7 +57,8 @@ DetailsPanel::DetailsPanel(wxWindow* parent)
 }
 
 void DetailsPanel::ShowChild(const wxWindow& child) {
-    const wxRect area(CalcUnscrolledPosition(child.GetPosition()), child.GetSize());
+    const wxPoint position = ScreenToClient(child.GetScreenPosition());
+    const wxRect area(CalcUnscrolledPosition(position), child.GetSize());
     int unit = 0;
     GetScrollPixelsPerUnit(nullptr, &unit);
     const int top = CalcUnscrolledPosition(wxPoint(0, 0)).y;
@@ -70,28 +74,26 @@ void DetailsPanel::Arrange() {
     // Side by side where there is room, else one below the other.
     columns_->SetOrientation(wxHORIZONTAL);
     if (columns_->CalcMin().x + 2 * kGap > GetClientSize().x) columns_->SetOrientation(wxVERTICAL);
+    // The graph takes what is left of the height.
+    const int graph = graph_->GetMinSize().y;
+    const int room = GetClientSize().y - left_->CalcMin().y - title_->GetSize().y - 3 * kGap;
+    const int height = std::clamp(graph + room, GetCharHeight() * 5, GetCharHeight() * 10);
+    graph_->SetMinSize(wxSize(graph_->GetMinSize().x, height));
     FitInside();
     Layout();
-}
-
-FactText* DetailsPanel::AddFact(wxFlexGridSizer* grid, const char* label, const char* name) {
-    grid->Add(new wxStaticText(this, wxID_ANY, label), 0, wxALIGN_CENTER_VERTICAL);
-    auto* const fact = new FactText(this, *name == '\0' ? label : name);
-    grid->Add(fact, 1, wxEXPAND);
-    return fact;
 }
 
 wxSizer* DetailsPanel::MakeConnection() {
     auto* const grid = new wxFlexGridSizer(2, 1, 2 * kGap);
     grid->AddGrowableCol(1);
-    txtConnName_ = AddFact(grid, "Connection Name:");
-    txtDevName_ = AddFact(grid, "Device Name:");
-    txtHardID_ = AddFact(grid, "Hardware ID:");
-    txtConfigID_ = AddFact(grid, "Configuration ID:");
-    txtMAC_ = AddFact(grid, "MAC Address:");
-    txtManufac_ = AddFact(grid, "Manufacturer:");
-    labStatus_ = AddFact(grid, "Link Status:");
-    labSpeed_ = AddFact(grid, "Speed:");
+    txtConnName_ = AddFact(this, grid, "Connection Name:");
+    txtDevName_ = AddFact(this, grid, "Device Name:");
+    txtHardID_ = AddFact(this, grid, "Hardware ID:");
+    txtConfigID_ = AddFact(this, grid, "Configuration ID:");
+    txtMAC_ = AddFact(this, grid, "MAC Address:");
+    txtManufac_ = AddFact(this, grid, "Manufacturer:");
+    labStatus_ = AddFact(this, grid, "Link Status:");
+    labSpeed_ = AddFact(this, grid, "Speed:");
     return grid;
 }
 
@@ -99,10 +101,10 @@ wxSizer* DetailsPanel::MakeTraffic() {
     auto* const grid = new wxFlexGridSizer(4, 1, 2 * kGap);
     grid->AddGrowableCol(1, 2);
     grid->AddGrowableCol(3, 1);
-    labRecv_ = AddFact(grid, "Received:");
-    labRecvSpeed_ = AddFact(grid, "Rate:", "Receiving Rate:");
-    labSent_ = AddFact(grid, "Sent:");
-    labSentSpeed_ = AddFact(grid, "Rate:", "Sending Rate:");
+    labRecv_ = AddFact(this, grid, "Received:");
+    labRecvSpeed_ = AddFact(this, grid, "Rate:", "Receiving Rate:");
+    labSent_ = AddFact(this, grid, "Sent:");
+    labSentSpeed_ = AddFact(this, grid, "Rate:", "Sending Rate:");
     graph_ = new TrafficGraph(this);
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(grid, 0, wxEXPAND);
@@ -110,33 +112,7 @@ wxSizer* DetailsPanel::MakeTraffic() {
     return sizer;
 }
 
-RowList* DetailsPanel::AddList(wxSizer* sizer, const char* name, const char* second, int rows) {
-    std::vector<ListColumn> columns{{name, 18}};
-    if (*second != '\0') columns.push_back({second, 16});
-    auto* const list = new RowList(this, name, columns, false);
-    list->SetVisibleRows(rows);
-    // The toolkit scrolls to every other control that gets the focus.
-    list->OnFocus = [this, list] { ShowChild(*list); };
-    sizer->Add(list, rows, wxEXPAND | wxTOP, kGap);
-    return list;
-}
-
-wxSizer* DetailsPanel::MakeTcpip() {
-    auto* const grid = new wxFlexGridSizer(2, 1, 2 * kGap);
-    grid->AddGrowableCol(1);
-    labTCPIP_ = AddFact(grid, "TCP/IP:");
-    labDHCP_ = AddFact(grid, "DHCP:");
-    labLeaseObtained_ = AddFact(grid, "Lease Obtained:");
-    labLeaseExpires_ = AddFact(grid, "Lease Expires:");
-    auto* const sizer = new wxBoxSizer(wxVERTICAL);
-    sizer->Add(grid, 0, wxEXPAND);
-    listIP_ = AddList(sizer, "IP Address", "Subnet Mask", 3);
-    listGateway_ = AddList(sizer, "Gateway", "Metric", 2);
-    listDNS_ = AddList(sizer, "DNS Server", "", 2);
-    return sizer;
-}
-
-void DetailsPanel::Fill(const Details& details) {
+void DetailsPanel::Fill(const Details& details, bool sameConnection) {
     title_->SetLabelText(Wx(details.title));
     txtConnName_->SetText(details.txtConnName);
     txtDevName_->SetText(details.txtDevName);
@@ -146,14 +122,8 @@ void DetailsPanel::Fill(const Details& details) {
     txtManufac_->SetText(details.txtManufac);
     labStatus_->SetText(details.labStatus);
     labSpeed_->SetText(details.labSpeed);
-    labTCPIP_->SetText(details.labTCPIP);
-    labDHCP_->SetText(details.labDHCP);
-    labLeaseObtained_->SetText(details.labLeaseObtained);
-    labLeaseExpires_->SetText(details.labLeaseExpires);
     FillTraffic({details.labSent, details.labRecv, details.labSentSpeed, details.labRecvSpeed});
-    FillList(listIP_, details.headerIP, details.ListIP, true);
-    FillList(listGateway_, details.headerGateway, details.ListGateway, true);
-    FillList(listDNS_, details.headerDNS, details.ListDNS, false);
+    tcpip_->Fill(details, sameConnection);
 }
 
 void DetailsPanel::FillTraffic(const TrafficTexts& texts) {
@@ -166,6 +136,19 @@ void DetailsPanel::FillTraffic(const TrafficTexts& texts) {
 void DetailsPanel::AddToGraph(const TrafficRates& rates) { graph_->Add(rates); }
 
 bool DetailsPanel::ChangeMacIsOpen() const { return fChangeMAC_ != nullptr && fChangeMAC_->IsOpen(); }
+
+bool DetailsPanel::Entering() const {
+    return ChangeMacIsOpen() || tcpip_->PanelIsOpen() || tcpip_->EditsPreset();
+}
+
+bool DetailsPanel::Escape() {
+    const wxWindow* const focused = FindFocus();
+    const bool macFirst = ChangeMacIsOpen() && fChangeMAC_->IsDescendant(const_cast<wxWindow*>(focused));
+    if (!macFirst && tcpip_->Escape()) return true;
+    if (!ChangeMacIsOpen()) return false;
+    fChangeMAC_->Escape();
+    return true;
+}
 
 ChangeMacPanel& DetailsPanel::ChangeMac() {
     if (fChangeMAC_ != nullptr) return *fChangeMAC_;

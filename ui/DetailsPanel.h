@@ -19,14 +19,16 @@ namespace corvane {
 
 class ChangeMacPanel;
 class FactText;
-class RowList;
+class PresetsPanel;
+class TcpipPanel;
 class TrafficGraph;
 
 class DetailsPanel : public wxScrolledWindow {
  public:
     explicit DetailsPanel(wxWindow* parent);
 
-    void Fill(const Details& details);
+    /// Another connection's addresses lose their selection.
+    void Fill(const Details& details, bool sameConnection);
     void FillTraffic(const TrafficTexts& texts);
     void AddToGraph(const TrafficRates& rates);
     /// Another connection is shown: the picture begins anew.
@@ -35,19 +37,22 @@ class DetailsPanel : public wxScrolledWindow {
     /// Makes the panel when it is asked for the first time.
     ChangeMacPanel& ChangeMac();
     [[nodiscard]] bool ChangeMacIsOpen() const;
+    TcpipPanel& Tcpip() { return *tcpip_; }
+    PresetsPanel& Presets() { return *presets_; }
+    /// Whether something is being entered: a refresh would come in the way.
+    [[nodiscard]] bool Entering() const;
+    /// Closes the entry panel that has the focus, else one that is open. False when there is none.
+    bool Escape();
 
  private:
-    /// A fact with its label in front of it; `name` is the accessible name where the label does not say
-    /// enough.
-    FactText* AddFact(wxFlexGridSizer* grid, const char* label, const char* name = "");
     /// Lays the two columns out for the width that there is.
     void Arrange();
-    /// Scrolls a control into view.
+    /// Scrolls a control into view, or as much of it from its top as there is room for.
     void ShowChild(const wxWindow& child);
+    /// The toolkit would scroll to the large panel that a control lies in.
+    bool ShouldScrollToChildOnFocus(wxWindow*) override { return false; }
     wxSizer* MakeConnection();
     wxSizer* MakeTraffic();
-    wxSizer* MakeTcpip();
-    RowList* AddList(wxSizer* sizer, const char* name, const char* second, int rows);
 
     wxStaticText* title_ = nullptr;
     FactText* txtConnName_ = nullptr;
@@ -62,17 +67,12 @@ class DetailsPanel : public wxScrolledWindow {
     FactText* labRecv_ = nullptr;
     FactText* labSentSpeed_ = nullptr;
     FactText* labRecvSpeed_ = nullptr;
-    FactText* labTCPIP_ = nullptr;
-    FactText* labDHCP_ = nullptr;
-    FactText* labLeaseObtained_ = nullptr;
-    FactText* labLeaseExpires_ = nullptr;
     TrafficGraph* graph_ = nullptr;
     wxBoxSizer* columns_ = nullptr;
     wxSizer* left_ = nullptr;
     ChangeMacPanel* fChangeMAC_ = nullptr;
-    RowList* listIP_ = nullptr;
-    RowList* listGateway_ = nullptr;
-    RowList* listDNS_ = nullptr;
+    TcpipPanel* tcpip_ = nullptr;
+    PresetsPanel* presets_ = nullptr;
 };
 
 }  // namespace corvane

@@ -32,7 +32,26 @@ wxMenuBar* MakeMainMenu() {
     tcpip->Append(mnuReleaseIP, "Re&lease IP\tCtrl+L", "Give the DHCP lease back");
     tcpip->Append(mnuRenewIP, "Re&new IP\tCtrl+R", "Renew the DHCP lease");
     tcpip->AppendSeparator();
+    tcpip->Append(mnuAddIPAddress, "&Add IP Address", "Give the selected connection an IP address more");
+    tcpip->Append(mnuRemoveIPAddress, "&Remove IP Address", "Remove the selected IP address");
+    tcpip->AppendSeparator();
+    tcpip->Append(mnuAddGateway, "Add &Gateway", "Give the selected connection a gateway more");
+    tcpip->Append(mnuRemoveGateway, "Remo&ve Gateway", "Remove the selected gateway");
+    tcpip->AppendSeparator();
+    tcpip->Append(mnuAddDNSServer, "Add &DNS Server", "Give the selected connection a DNS server more");
+    tcpip->Append(mnuRemoveDNSServer, "Remove DN&S Server", "Remove the selected DNS server");
+    tcpip->Append(mnuDNSServerUp, "DNS Server &Up", "Ask the selected DNS server earlier");
+    tcpip->Append(mnuDNSServerDown, "DNS Server Do&wn", "Ask the selected DNS server later");
+    tcpip->AppendSeparator();
     tcpip->Append(mnuInterfaceMetric, "&Interface Metric", "Set the metric of the selected connection");
+
+    auto* const presets = new wxMenu;
+    presets->Append(mnuCreatePreset, "&Create / Edit Configuration Preset\tCtrl+T",
+                    "Save settings under a name, or change a preset");
+    presets->AppendSeparator();
+    presets->Append(mnuApplyPreset, "&Apply Preset", "Apply the selected preset to the selected connection");
+    presets->Append(mnuEditPreset, "&Edit Preset", "Change the selected preset");
+    presets->Append(mnuDeletePreset, "&Delete Preset", "Delete the selected preset");
 
     auto* const help = new wxMenu;
     help->Append(mnuShowHelp, "&Help\tF1", "Open the help page");
@@ -45,6 +64,7 @@ wxMenuBar* MakeMainMenu() {
     bar->Append(file, "&File");
     bar->Append(connection, "&Connection");
     bar->Append(tcpip, "&TCP/IP");
+    bar->Append(presets, "Pre&sets");
     bar->Append(help, "&Help");
     return bar;
 }

@@ -19,7 +19,19 @@ enum MainCommand : int {
     mnuEnableDHCP,
     mnuReleaseIP,
     mnuRenewIP,
+    mnuAddIPAddress,
+    mnuRemoveIPAddress,
+    mnuAddGateway,
+    mnuRemoveGateway,
+    mnuAddDNSServer,
+    mnuRemoveDNSServer,
+    mnuDNSServerUp,
+    mnuDNSServerDown,
     mnuInterfaceMetric,
+    mnuCreatePreset,
+    mnuApplyPreset,
+    mnuEditPreset,
+    mnuDeletePreset,
     mnuShowHelp,
     mnuOrvellaWebsite,
     mnuCheckUpdates,
@@ -30,6 +42,11 @@ enum MainCommand : int {
     mnuRAboutUs,
     mnuRExit
 };
+
+/// The commands of the lists of addresses, gateways and DNS servers, in the menu's order.
+inline constexpr MainCommand kListCommands[] = {mnuAddIPAddress,  mnuRemoveIPAddress, mnuAddGateway,
+                                                mnuRemoveGateway, mnuAddDNSServer,    mnuRemoveDNSServer,
+                                                mnuDNSServerUp,   mnuDNSServerDown};
 
 wxMenuBar* MakeMainMenu();
 

@@ -134,8 +134,10 @@ std::optional<std::size_t> RowList::SelectedRow() const {
 }
 
 void RowList::SetVisibleRows(int rows) {
-    const int rowHeight = GetCharHeight() * 3 / 2;
-    SetMinSize(wxSize(-1, rowHeight * (rows + 1)));
+    // A row and the titles with the room that the toolkit gives them.
+    const int row = GetCharHeight() + FromDIP(4);
+    const int titles = GetCharHeight() + FromDIP(10);
+    SetMinSize(wxSize(-1, row * rows + titles));
 }
 
 const wxBitmapBundle& RowList::IconOf(const std::string& name) {

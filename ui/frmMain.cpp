@@ -22,7 +22,9 @@
 #include "ui/FactText.h"
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
+#include "ui/PresetsPanel.h"
 #include "ui/RowList.h"
+#include "ui/TcpipPanel.h"
 #include "ui/VendorBox.h"
 #include "ui/WxText.h"
 #include "ui/frmAboutUs.h"
@@ -38,6 +40,8 @@ namespace {
 constexpr int kGap = 6;
 /// Events of one change come in groups; a refresh waits for the rest of the group.
 constexpr int kSettleMilliseconds = 200;
+/// The list's part of the height.
+constexpr double kListShare = 0.25;
 /// What is wanted and the least, in pixels at the normal scale.
 const wxSize kWantedSize(1120, 840);
 const wxSize kLeastSize(560, 420);
@@ -85,17 +89,16 @@ void frmMain::MakeControls() {
     SetMenuBar(MakeMainMenu());
 
     commandBar_ = new CommandBar(this);
-    auto* const splitter = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-                                                wxSP_LIVE_UPDATE | wxSP_NOBORDER);
-    list_ = new RowList(splitter, "Network Connections", ListColumns(), true);
-    fDetails_ = new DetailsPanel(splitter);
-    splitter->SetMinimumPaneSize(GetCharHeight() * 5);
-    splitter->SetSashGravity(0.3);
-    splitter->SplitHorizontally(list_, fDetails_);
+    splitter_ = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                     wxSP_LIVE_UPDATE | wxSP_NOBORDER);
+    list_ = new RowList(splitter_, "Network Connections", ListColumns(), true);
+    fDetails_ = new DetailsPanel(splitter_);
+    splitter_->SetMinimumPaneSize(GetCharHeight() * 5);
+    splitter_->SplitHorizontally(list_, fDetails_);
 
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(commandBar_, 0, wxEXPAND | wxALL, kGap);
-    sizer->Add(splitter, 1, wxEXPAND);
+    sizer->Add(splitter_, 1, wxEXPAND);
     auto* const statusLine = new wxBoxSizer(wxHORIZONTAL);
     labDone_ = new FactText(this, "Done last");
     labCount_ = new FactText(this, "Number of connections");
@@ -108,7 +111,15 @@ void frmMain::MakeControls() {
     size.DecTo(wxGetClientDisplayRect().GetSize());
     SetSize(size);
     Layout();
-    splitter->SetSashPosition(GetCharHeight() * 13);
+    // The two share the height until the user moves the sash.
+    splitter_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        event.Skip();
+        if (!sashMoved_) splitter_->SetSashPosition(static_cast<int>(event.GetSize().y * kListShare));
+    });
+    splitter_->Bind(wxEVT_SPLITTER_SASH_POS_CHANGED, [this](wxSplitterEvent& event) {
+        event.Skip();
+        sashMoved_ = true;
+    });
     list_->SetFocus();
 }
 
@@ -131,6 +142,8 @@ void frmMain::BindCommands() {
         GetMenuBar()->Enable(mnuEnableDHCP, false);
         SwitchDhcp(adapter, details_.mnuEnableDHCP == kEnableDhcpCaption);
     });
+    BindTcpip();
+    BindPresets();
     BindConnectionCommand(mnuReleaseIP, ReleaseLease);
     BindConnectionCommand(mnuRenewIP, RenewLease);
     BindConnectionCommand(mnuInterfaceMetric, SetInterfaceMetric);
@@ -227,7 +240,8 @@ void frmMain::ShowDetails(const Details& details) {
 void frmMain::ApplyDetails() {
     const NicInfo* const nic = SelectedNic();
     const std::string id = nic == nullptr ? std::string() : nic->Id;
-    if (id != shownId_) {
+    const bool same = id == shownId_;
+    if (!same) {
         shownId_ = id;
         traffic_.Reset();
         trafficTexts_.reset();
@@ -239,7 +253,7 @@ void frmMain::ApplyDetails() {
         details_.labSentSpeed = trafficTexts_->labSentSpeed;
         details_.labRecvSpeed = trafficTexts_->labRecvSpeed;
     }
-    fDetails_->Fill(details_);
+    fDetails_->Fill(details_, same);
     UpdateCommands();
     ShowInTray();
     if (nic != nullptr && fDetails_->ChangeMacIsOpen()) fDetails_->ChangeMac().ShowConnection(nic->Name);
@@ -251,8 +265,15 @@ void frmMain::ShowInTray() {
 }
 
 void frmMain::UpdateCommands() {
-    const CommandStates states = StatesFor(SelectedNic());
+    TcpipPanel& tcpip = fDetails_->Tcpip();
+    PresetsPanel& presets = fDetails_->Presets();
+    const bool editing = tcpip.EditsPreset();
+    const CommandStates states = editing ? CommandStates() : StatesFor(SelectedNic());
+    const bool preset = !editing && presets.Selected().has_value();
     commandBar_->Update(details_, states);
+    commandBar_->EnableRefresh(!editing);
+    tcpip.EnableLists(states.addresses);
+    presets.EnableCommands(!editing, states.preset);
     wxMenuBar& menu = *GetMenuBar();
     menu.SetLabel(mnuEnable, Wx(details_.mnuEnable) + "\tCtrl+E");
     menu.SetLabel(mnuEnableDHCP, Wx(details_.mnuEnableDHCP) + "\tCtrl+D");
@@ -262,6 +283,16 @@ void frmMain::UpdateCommands() {
     menu.Enable(mnuReleaseIP, states.release);
     menu.Enable(mnuRenewIP, states.renew);
     menu.Enable(mnuInterfaceMetric, states.metric);
+    menu.Enable(mnuRefresh, !editing);
+    menu.Enable(mnuCreatePreset, !editing);
+    menu.Enable(mnuApplyPreset, preset && states.preset);
+    menu.Enable(mnuEditPreset, preset);
+    menu.Enable(mnuDeletePreset, preset);
+}
+
+void frmMain::UpdateListCommands() {
+    const TcpipPanel& tcpip = fDetails_->Tcpip();
+    for (const int id : kListCommands) GetMenuBar()->Enable(id, tcpip.ListCommandEnabled(id));
 }
 
 void frmMain::OnSelected(std::size_t row) {
@@ -289,8 +320,53 @@ void frmMain::BindChangeMac(ChangeMacPanel& panel) {
     };
     panel.OnClosed = [this] {
         list_->SetFocus();
-        if (!settle_.IsRunning()) settle_.StartOnce(kSettleMilliseconds);
+        RefreshSoon();
     };
+}
+
+void frmMain::RefreshSoon() {
+    if (!settle_.IsRunning()) settle_.StartOnce(kSettleMilliseconds);
+}
+
+void frmMain::BindTcpip() {
+    TcpipPanel& tcpip = fDetails_->Tcpip();
+    tcpip.Run = [this](const std::function<void()>& command) { Run(command); };
+    tcpip.Target = [this, &tcpip] { return EditingTarget{connections_.Selected(), !tcpip.EditsPreset()}; };
+    tcpip.OnClosed = [this] { RefreshSoon(); };
+    tcpip.OnEditing = [this](bool editing) { EditingPreset(editing); };
+    tcpip.OnPresets = [this] { fDetails_->Presets().RefreshList(); };
+    tcpip.OnCommands = [this] { UpdateListCommands(); };
+    tcpip.programFolder = facts_.folder;
+    for (const int id : kListCommands) BindCommand(id, [id, &tcpip] { tcpip.RunListCommand(id); });
+}
+
+void frmMain::BindPresets() {
+    PresetsPanel& presets = fDetails_->Presets();
+    presets.OnSelect = [this] { UpdateCommands(); };
+    BindCommand(mnuCreatePreset, [this] { fDetails_->Tcpip().EditPreset(""); });
+    BindCommand(mnuEditPreset, [this, &presets] {
+        if (const auto entry = presets.Selected()) fDetails_->Tcpip().EditPreset(entry->name);
+    });
+    BindCommand(mnuDeletePreset, [this, &presets] {
+        const auto entry = presets.Selected();
+        if (entry && DeletePreset(*entry, facts_.folder)) presets.RefreshList();
+    });
+    BindConnectionCommand(mnuApplyPreset, [this, &presets](std::size_t adapter) {
+        const auto entry = presets.Selected();
+        if (entry)
+            ApplySelectedPreset(*entry, adapter, [this](const std::string& text) { ShowStatus(text); });
+    });
+}
+
+void frmMain::EditingPreset(bool editing) {
+    if (editing && fDetails_->ChangeMacIsOpen()) fDetails_->ChangeMac().Close();
+    list_->Enable(!editing);
+    if (!editing) {
+        list_->SetFocus();
+        ApplyDetails();
+        RefreshSoon();
+    }
+    UpdateCommands();
 }
 
 void frmMain::ExportReport() {
@@ -325,15 +401,11 @@ void frmMain::Timer1Tick() {
 }
 
 void frmMain::RefreshForChanges() {
-    if (gate_.TakeChange(fDetails_->ChangeMacIsOpen())) RefreshConnections();
+    if (gate_.TakeChange(fDetails_->Entering())) RefreshConnections();
 }
 
 void frmMain::OnEscape(wxKeyEvent& event) {
-    if (event.GetKeyCode() == WXK_ESCAPE && fDetails_->ChangeMacIsOpen()) {
-        fDetails_->ChangeMac().Escape();
-    } else {
-        event.Skip();
-    }
+    if (event.GetKeyCode() != WXK_ESCAPE || !fDetails_->Escape()) event.Skip();
 }
 
 void frmMain::OnClose(wxCloseEvent& event) {

@@ -16,6 +16,7 @@
 
 class wxInfoBar;
 class wxMenu;
+class wxSplitterWindow;
 
 /// `frmMain`: the list of connections, the details of the selected one, and the commands.
 namespace corvane {
@@ -66,6 +67,11 @@ class frmMain : public wxFrame, private ConnectionListView {
     void ApplyDetails();
     void ShowInTray();
     void UpdateCommands();
+    void UpdateListCommands();
+    void BindTcpip();
+    void BindPresets();
+    /// The list of connections and everything else follows the preset editor.
+    void EditingPreset(bool editing);
     void OpenChangeMacPanel(std::size_t adapter);
     void BindChangeMac(ChangeMacPanel& panel);
     void ExportReport();
@@ -75,6 +81,8 @@ class frmMain : public wxFrame, private ConnectionListView {
     /// Refreshes for changes from outside, if there are any and nothing is in the way.
     void RefreshForChanges();
     void OnSelected(std::size_t row);
+    /// Something was closed that a refresh for changes from outside has waited for.
+    void RefreshSoon();
     void OnEscape(wxKeyEvent& event);
     void OnClose(wxCloseEvent& event);
     void OnThemeChanged();
@@ -89,6 +97,8 @@ class frmMain : public wxFrame, private ConnectionListView {
     std::optional<TrafficTexts> trafficTexts_;
     bool refreshing_ = false;
 
+    wxSplitterWindow* splitter_ = nullptr;
+    bool sashMoved_ = false;
     wxInfoBar* infoBar_ = nullptr;
     CommandBar* commandBar_ = nullptr;
     RowList* list_ = nullptr;

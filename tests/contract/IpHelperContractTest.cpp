@@ -195,6 +195,42 @@ TEST_P(IpHelperContract, RoutesAreMadeListedAndDeleted) {
     EXPECT_EQ(Api().DeleteIpForwardEntry(route), Win32Error::kNotFound);
 }
 
+TEST_P(IpHelperContract, MetricZeroDeletesTheRouteInForceAndAnotherMetricThatRouteOnly) {
+    std::uint32_t context = 0;
+    ASSERT_EQ(Api().AddIPAddress(kAddress, kMask, Live(), context), Win32Error::kSuccess);
+    IpForwardRow route;
+    route.ifIndex = Live();
+    // The first in the table is not the one that is looked for.
+    route.nextHop = {10, 91, 0, 2};
+    route.metric1 = 5;
+    ASSERT_EQ(Api().CreateIpForwardEntry(route), Win32Error::kSuccess);
+    route.nextHop = {10, 91, 0, 1};
+    for (const std::uint32_t metric : {30U, 10U, 20U}) {
+        route.metric1 = metric;
+        ASSERT_EQ(Api().CreateIpForwardEntry(route), Win32Error::kSuccess);
+    }
+    const auto metrics = [&] {
+        std::vector<std::uint32_t> left;
+        for (const IpForwardRow& row : LiveDefaultRoutes()) left.push_back(row.metric1);
+        std::sort(left.begin(), left.end());
+        return left;
+    };
+    using Metrics = std::vector<std::uint32_t>;
+    route.metric1 = 0;
+    EXPECT_EQ(Api().DeleteIpForwardEntry(route), Win32Error::kSuccess);
+    EXPECT_EQ(metrics(), (Metrics{5, 20, 30}));
+    route.metric1 = 10;
+    EXPECT_EQ(Api().DeleteIpForwardEntry(route), Win32Error::kNotFound);
+    route.metric1 = 30;
+    EXPECT_EQ(Api().DeleteIpForwardEntry(route), Win32Error::kSuccess);
+    EXPECT_EQ(metrics(), (Metrics{5, 20}));
+    route.metric1 = 0;
+    EXPECT_EQ(Api().DeleteIpForwardEntry(route), Win32Error::kSuccess);
+    EXPECT_EQ(metrics(), Metrics{5});
+    EXPECT_EQ(Api().DeleteIpForwardEntry(route), Win32Error::kNotFound);
+    EXPECT_EQ(metrics(), Metrics{5});
+}
+
 TEST_P(IpHelperContract, SystemTextsEndInALineBreakAndAreEmptyForUnknownNumbers) {
     EXPECT_TRUE(Api().SystemText(Win32Error::kAccessDenied).ends_with("\n"));
     EXPECT_EQ(Api().SystemText(static_cast<Win32Error>(4000000001U)), "");

@@ -85,9 +85,9 @@ Win32Error FakeIpHelper::DeleteIPAddress(std::uint32_t nteContext) {
 
 namespace {
 
-bool SameRoute(const IpForwardRow& a, const IpForwardRow& b) {
+bool SameWay(const IpForwardRow& a, const IpForwardRow& b) {
     return a.destination == b.destination && a.mask == b.mask && a.nextHop == b.nextHop &&
-           a.ifIndex == b.ifIndex && a.metric1 == b.metric1;
+           a.ifIndex == b.ifIndex;
 }
 
 }  // namespace
@@ -95,8 +95,9 @@ bool SameRoute(const IpForwardRow& a, const IpForwardRow& b) {
 Win32Error FakeIpHelper::CreateIpForwardEntry(const IpForwardRow& row) {
     diary.push_back("CreateIpForwardEntry " + std::to_string(row.ifIndex));
     if (!rows.contains(row.ifIndex)) return Win32Error::kInvalidParameter;
-    const bool present = std::any_of(routes.begin(), routes.end(),
-                                     [&](const IpForwardRow& other) { return SameRoute(row, other); });
+    const bool present = std::any_of(routes.begin(), routes.end(), [&](const IpForwardRow& other) {
+        return SameWay(row, other) && other.metric1 == row.metric1;
+    });
     if (present) return Win32Error::kObjectAlreadyExists;
     routes.push_back(row);
     return Win32Error::kSuccess;
@@ -104,9 +105,14 @@ Win32Error FakeIpHelper::CreateIpForwardEntry(const IpForwardRow& row) {
 
 Win32Error FakeIpHelper::DeleteIpForwardEntry(const IpForwardRow& row) {
     diary.push_back("DeleteIpForwardEntry " + std::to_string(row.ifIndex));
-    const std::size_t removed =
-        std::erase_if(routes, [&](const IpForwardRow& other) { return SameRoute(row, other); });
-    return removed == 0 ? Win32Error::kNotFound : Win32Error::kSuccess;
+    auto wanted = routes.end();
+    for (auto route = routes.begin(); route != routes.end(); ++route) {
+        if (!SameWay(row, *route) || (row.metric1 != 0 && route->metric1 != row.metric1)) continue;
+        if (wanted == routes.end() || route->metric1 < wanted->metric1) wanted = route;
+    }
+    if (wanted == routes.end()) return Win32Error::kNotFound;
+    routes.erase(wanted);
+    return Win32Error::kSuccess;
 }
 
 Win32Error FakeIpHelper::IpReleaseAddress(const InterfaceEntry& entry) {

@@ -71,6 +71,45 @@ TEST_F(IpHelperTest, DeletingAPrimaryAddressLeavesItsSecondaryOnes) {
     EXPECT_EQ(left, (std::vector<Ipv4Bytes>{{10, 91, 0, 6}, {10, 91, 0, 7}}));
 }
 
+TEST_F(IpHelperTest, DeletingAPrimaryAddressLeavesTheRoutesThatDoNotNeedIt) {
+    for (const char* address : {"10.91.0.5/24", "10.91.0.6/24"}) {
+        Ip(std::string("address add ") + address + " dev " + link_.Name());
+    }
+    Ip("route add default via 10.91.0.1 metric 20 proto dhcp dev " + link_.Name());
+    Ip("route add 10.50.0.0/16 via 10.91.0.2 mtu 1400 dev " + link_.Name());
+    Ip("route add 10.60.0.0/16 src 10.91.0.5 dev " + link_.Name());
+    std::uint32_t context = 0;
+    for (const IpAddrRow& row : helper_.GetIpAddrTable().rows) {
+        if (row.address == Ipv4Bytes{10, 91, 0, 5}) context = row.nteContext;
+    }
+    ASSERT_EQ(helper_.DeleteIPAddress(context), Win32Error::kSuccess);
+    EXPECT_EQ(netns::Words(Ip("route show dev " + link_.Name())),
+              netns::Words("default via 10.91.0.1 proto dhcp metric 20 "
+                           "10.50.0.0/16 via 10.91.0.2 mtu 1400 "
+                           "10.91.0.0/24 proto kernel scope link src 10.91.0.6"));
+}
+
+TEST_F(IpHelperTest, ARouteIsDeletedByItsWayWhateverItsMetricAndMaker) {
+    Ip("address add 10.91.0.5/24 dev " + link_.Name());
+    for (const char* made : {"metric 40 proto kernel", "metric 30", "metric 20 proto dhcp", "proto static"}) {
+        Ip(std::string("route append default via 10.91.0.1 dev ") + link_.Name() + " " + made);
+    }
+    Ip("route add default via 10.91.0.2 metric 10 dev " + link_.Name());
+    IpForwardRow row;
+    row.nextHop = {10, 91, 0, 1};
+    row.ifIndex = link_.Index();
+    const std::vector<std::string> left = {"default via 10.91.0.1 proto dhcp metric 20",
+                                           "default via 10.91.0.1 metric 30",
+                                           "default via 10.91.0.1 proto kernel metric 40"};
+    for (std::size_t gone = 0; gone <= left.size(); ++gone) {
+        EXPECT_EQ(helper_.DeleteIpForwardEntry(row), Win32Error::kSuccess);
+        std::string expected = "default via 10.91.0.2 metric 10";
+        for (std::size_t i = gone; i < left.size(); ++i) expected += " " + left[i];
+        EXPECT_EQ(netns::Words(Ip("route show default dev " + link_.Name())), netns::Words(expected));
+    }
+    EXPECT_EQ(helper_.DeleteIpForwardEntry(row), Win32Error::kNotFound);
+}
+
 TEST_F(IpHelperTest, SpeedAndCountersComeFromTheKernel) {
     IfRow row;
     ASSERT_EQ(helper_.GetIfEntry(link_.Index(), row), Win32Error::kSuccess);

@@ -10,6 +10,7 @@
 #include "platform/RegistryKeys.h"
 #include "platform/linux/LinkSync.h"
 #include "platform/linux/OriginalNote.h"
+#include "platform/linux/TcpipKey.h"
 
 namespace corvane {
 namespace {
@@ -138,6 +139,37 @@ TEST_F(LinkSync, AnAddressWithALifetimeMeansDhcp) {
     Sync();
     EXPECT_EQ(Tcpip("eth0", "EnableDHCP"), "\1\0\0\0"s);
     EXPECT_EQ(Tcpip("eth0", "IPAddress"), "0.0.0.0\0\0"s);
+}
+
+TEST_F(LinkSync, AnAddressThatTheProgramAddedAtRunTimeIsNotRecordedAsLongAsTheLinkLives) {
+    picture_.links = {Link(3, "eth0", kPermanent)};
+    picture_.links[0].permanent = kPermanent;
+    picture_.addresses = {Address(3, {10, 0, 0, 5})};
+    Sync();
+    const KernelAddress added = Address(3, {10, 0, 0, 6});
+    ASSERT_EQ(store_.Transact([&](RegistryStore::Editor& editor) {
+        return NoteRunTimeAddress(store_, editor, Row("eth0").id, added);
+    }),
+              Win32Error::kSuccess);
+    // A look at the kernel from before the addition does not end the note.
+    picture_.addresses = {Address(3, {10, 0, 0, 5}), Address(3, {10, 0, 0, 7})};
+    Sync();
+    picture_.addresses.push_back(added);
+    Sync();
+    EXPECT_EQ(Tcpip("eth0", "IPAddress"), "10.0.0.5\00010.0.0.7\0\0"s);
+    EXPECT_EQ(Tcpip("eth0", "SubnetMask"), "255.255.255.0\000255.255.255.0\0\0"s);
+    KernelAddress otherPrefix = added;
+    otherPrefix.prefix = 16;
+    picture_.addresses = {otherPrefix};
+    Sync();
+    EXPECT_EQ(Tcpip("eth0", "IPAddress"), "10.0.0.6\0\0"s);
+    picture_.addresses = {added};
+    Sync();
+    EXPECT_EQ(Tcpip("eth0", "IPAddress"), "0.0.0.0\0\0"s);
+    picture_.incarnationBase = "boot:2";
+    Sync();
+    EXPECT_EQ(Tcpip("eth0", "IPAddress"), "10.0.0.6\0\0"s);
+    EXPECT_EQ(Tcpip("eth0", kRunTimeAddresses), "missing");
 }
 
 TEST_F(LinkSync, WhatTheUserWroteRules) {

@@ -4,4 +4,6 @@ corvane_test(NAME backend_test NETNS
         netns/LinkControlTest.cpp
         netns/LinkSyncTest.cpp
         netns/NetnsSupport.cpp
-    LIBS corvane_backend)
+        netns/RunTimeAddressTest.cpp
+        netns/SyncedRegistryTest.cpp
+    LIBS corvane_backend corvane_fakes)

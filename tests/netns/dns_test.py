@@ -3,7 +3,7 @@
 import pathlib
 import subprocess
 
-from world import REG_SZ, RESOLV_CONF, World, ip
+from world import INTERFACES_KEY, REG_SZ, RESOLV_CONF, World, ip
 
 BEFORE = b"# kept by hand\nnameserver 192.0.2.53\noptions timeout:1\n"
 BEGIN = "# Orvella Corvane: name servers of the network connections, do not edit"
@@ -22,11 +22,44 @@ class Dns(World):
         self.veth("eth0", "10.1.0.2/24")
         self.nicx("-n", "eth0", "-d", "10.1.0.54, 10.1.0.53")
         self.assertEqual(self.tcpip("eth0")["NameServer"], (REG_SZ, b"10.1.0.54,10.1.0.53\0"))
+        expected = f"{BEGIN}\nnameserver 10.1.0.54\nnameserver 10.1.0.53\n{END}\n" + BEFORE.decode()
+        self.assertEqual(RESOLV_CONF.read_text(), expected)
+        self.restart("eth0")
+        self.assertEqual(RESOLV_CONF.read_text(), expected)
+        self.assertEqual(self.report()["eth0"]["dnsServers"], ["10.1.0.54", "10.1.0.53"])
+
+    def test_servers_are_in_force_at_once_and_without_a_restart(self):
+        self.veth("eth0", "10.1.0.2/24", mac="02:00:00:00:10:01")
+        self.veth("lan1", "10.2.0.2/24")
+        self.assertEqual(self.nicx("-n", "lan1", "-d", "10.2.0.53").err, "")
+        self.assertEqual(self.nicx("-n", "eth0", "-d", "10.1.0.54,10.1.0.53").err, "")
+        self.assertEqual(self.name_servers(), ["10.1.0.54", "10.1.0.53", "10.2.0.53", "192.0.2.53"])
+        self.nicx("-n", "eth0", "-d", "10.1.0.53,10.1.0.54")
+        self.assertEqual(self.name_servers(), ["10.1.0.53", "10.1.0.54", "10.2.0.53", "192.0.2.53"])
+        # DHCP on clears the list of the connection's own servers.
+        self.nicx("-n", "eth0", "-h")
+        self.assertEqual(self.name_servers(), ["10.2.0.53", "192.0.2.53"])
+        self.nicx("-n", "lan1", "-d")
+        self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
+        self.assert_up("eth0", "02:00:00:00:10:01", ["10.1.0.2/24"])
+
+    def test_servers_of_a_link_that_is_down_wait_for_its_start(self):
+        self.veth("eth0", "10.1.0.2/24")
+        self.nicx("-n", "eth0", "-di")
+        self.nicx("-n", "eth0", "-d", "10.1.0.53")
+        self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
+        self.nicx("-n", "eth0", "-re")
+        self.assertEqual(self.name_servers(), ["10.1.0.53", "192.0.2.53"])
+
+    def test_servers_that_the_registry_tool_writes_wait_for_the_next_start(self):
+        self.veth("eth0", "10.1.0.2/24")
+        self.report()
+        key = "HKLM\\" + INTERFACES_KEY + "\\" + self.link_row("eth0")["id"]
+        written = self.run_program("nicx-registry", "add", key, "/v", "NameServer", "/d", "10.1.0.53", "/f")
+        self.assertEqual(written.code, 0, written.err)
         self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)
         self.restart("eth0")
-        self.assertEqual(RESOLV_CONF.read_text(),
-                         f"{BEGIN}\nnameserver 10.1.0.54\nnameserver 10.1.0.53\n{END}\n" + BEFORE.decode())
-        self.assertEqual(self.report()["eth0"]["dnsServers"], ["10.1.0.54", "10.1.0.53"])
+        self.assertEqual(self.name_servers(), ["10.1.0.53", "192.0.2.53"])
 
     def test_two_links_are_merged_and_taken_away_one_by_one(self):
         self.veth("eth0", "10.1.0.2/24")
@@ -68,6 +101,9 @@ class Dns(World):
         self.veth("eth0")
         ip("link", "set", "eth0", "address", "02:00:00:00:10:01")
         self.mount_read_only(RESOLV_CONF)
+        told = self.nicx("-n", "eth0", "-d", "10.1.0.53")
+        self.assertIn("nicx: warning: /etc/resolv.conf was left as it is: Read-only file system", told.err)
+        self.assertEqual(self.tcpip("eth0")["NameServer"], (REG_SZ, b"10.1.0.53\0"))
         result = self.restart("eth0", "-d", "10.1.0.53", "-i", "10.1.0.5:255.255.255.0", code=1)
         self.assertIn("/etc/resolv.conf was left as it is: Read-only file system", result.err)
         self.assertEqual(RESOLV_CONF.read_bytes(), BEFORE)

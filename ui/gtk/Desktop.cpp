@@ -55,10 +55,9 @@ GLogWriterOutput WriteMessage(GLogLevelFlags level, const GLogField* fields, gsi
     return g_log_writer_default(level, fields, count, data);
 }
 
-/// A label's mnemonic moves the focus and does nothing else: a text box would otherwise press the default
-/// button.
-gboolean OnMnemonic(GtkWidget* widget, gboolean, gpointer) {
-    gtk_widget_grab_focus(widget);
+/// A text box would otherwise press the default button.
+gboolean OnMnemonic(GtkWidget*, gboolean, gpointer control) {
+    static_cast<wxWindow*>(control)->SetFocus();
     return TRUE;
 }
 
@@ -77,15 +76,30 @@ void EndWhenDisplayIsLost(const std::string& words, int exitCode) {
 
 void DropLayoutMessages() { g_log_set_writer_func(WriteMessage, nullptr, nullptr); }
 
-void LabelFor(const wxStaticText* label, wxWindow* control) {
+void FocusByMnemonic(wxWindow* control) {
     // The toolkit ties a label's mnemonic to the control that follows it in the tab order.
-    g_signal_connect(FocusWidget(control), "mnemonic-activate", G_CALLBACK(OnMnemonic), nullptr);
+    g_signal_connect(FocusWidget(control), "mnemonic-activate", G_CALLBACK(OnMnemonic), control);
+}
+
+void LabelFor(const wxStaticText* label, wxWindow* control) {
+    FocusByMnemonic(control);
     SetAccessibleName(control, label->GetLabelText());
 }
 
 void SetAccessibleName(wxWindow* control, const wxString& name) {
     const std::string text = Utf8(name);
     atk_object_set_name(gtk_widget_get_accessible(FocusWidget(control)), text.c_str());
+}
+
+void DropFrame(wxWindow* box) {
+    GtkCssProvider* const style = gtk_css_provider_new();
+    gtk_css_provider_load_from_data(style,
+                                    "entry, entry:focus { border: none; box-shadow: none; outline: none;"
+                                    " background: none; padding: 0 1px; min-height: 0; }",
+                                    -1, nullptr);
+    gtk_style_context_add_provider(gtk_widget_get_style_context(box->m_widget), GTK_STYLE_PROVIDER(style),
+                                   GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    g_object_unref(style);
 }
 
 void UsePlainScrollBars(wxWindow* control) {

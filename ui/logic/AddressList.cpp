@@ -37,7 +37,8 @@ void FillRows(AddressListView& list, const std::string& title, const std::vector
     list.SetHeader(title + " (" + std::to_string(rows.size()) + ")");
 }
 
-void WarnOf(const std::vector<std::string>& sentences) {
+void WarnOf(std::vector<std::string> sentences) {
+    for (std::string& sentence : sentences) sentence.replace(0, 1, ToUpper(sentence.substr(0, 1)));
     if (!sentences.empty()) CurrentSeat().Warn(Join(sentences, ". "));
 }
 

@@ -52,8 +52,8 @@ void RemoveRow(AddressListView& list, const std::string& title, std::size_t row)
 /// Fills a list with rows and the header with their number.
 void FillRows(AddressListView& list, const std::string& title, const std::vector<DetailsRow>& rows);
 
-/// Tells the user all sentences at once; nothing when there are none.
-void WarnOf(const std::vector<std::string>& sentences);
+/// Tells the user all sentences at once, each with a capital letter; nothing when there are none.
+void WarnOf(std::vector<std::string> sentences);
 
 /// The value of an entry control.
 EnteredQuad Entered(const IPAddressEntry& entry);

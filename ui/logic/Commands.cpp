@@ -9,6 +9,8 @@ CommandStates StatesFor(const NicInfo* nic) {
     states.enable = true;
     states.dhcp = nic->TcpipBound;
     states.metric = nic->TcpipBound;
+    states.addresses = nic->TcpipBound;
+    states.preset = true;
     states.release = nic->TcpipBound && nic->DhcpEnabled && nic->IfIndex != 0;
     states.renew = states.release;
     return states;

@@ -14,11 +14,14 @@ struct CommandStates {
     bool release = false;
     bool renew = false;
     bool metric = false;
+    bool addresses = false;  ///< Adding and removing addresses, gateways and DNS servers.
+    bool preset = false;     ///< Applying one.
 
     bool operator==(const CommandStates&) const = default;
 };
 
-/// The commands for a record; none of them without one. DHCP and the metric need TCP/IP; a lease can be
+/// The commands for a record; none of them without one. What
+/// belongs to TCP/IP needs TCP/IP; a lease can be
 /// released or renewed where DHCP is on and the connection enabled.
 CommandStates StatesFor(const NicInfo* nic);
 

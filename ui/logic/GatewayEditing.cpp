@@ -1,8 +1,12 @@
 #include "ui/logic/GatewayEditing.h"
 
+#include <utility>
+#include <vector>
+
 #include "inventory/NicInfo.h"
 #include "platform/Address.h"
 #include "platform/Seat.h"
+#include "presets/Advice.h"
 #include "presets/PresetRecord.h"
 
 namespace corvane {
@@ -39,6 +43,9 @@ void GatewayEditing::Add(const EditingTarget& target) {
         Done(target);
     } else if (target.adapter) {
         if (AddGateway(*target.adapter, gateway, metric, panel_.Check3())) {
+            std::vector<std::string> sentences;
+            if (panel_.Check3()) AdviseAddress("gateway", gateway.text, sentences);
+            WarnOf(std::move(sentences));
             Done(target);
             CurrentSeat().Refresh();
         } else if (const std::string reason = HostAddressRefusal(gateway.octets); !reason.empty()) {

@@ -1,0 +1,169 @@
+#include "ui/AddressListBox.h"
+
+#include <algorithm>
+
+#include <wx/bmpbuttn.h>
+#include <wx/menu.h>
+#include <wx/sizer.h>
+
+#include "ui/Desktop.h"
+#include "ui/Icons.h"
+#include "ui/RowList.h"
+#include "ui/WxText.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kGap = 4;
+
+std::vector<ListColumn> Columns(const AddressListSpec& spec) {
+    std::vector<ListColumn> columns{{spec.name, 18}};
+    if (*spec.second != '\0') columns.push_back({spec.second, 16});
+    return columns;
+}
+
+}  // namespace
+
+AddressListBox::AddressListBox(wxWindow* parent, const AddressListSpec& spec)
+    : spec_(spec),
+      list_(new RowList(parent, spec.name, Columns(spec), false)),
+      sizer_(new wxBoxSizer(wxVERTICAL)) {
+    list_->SetVisibleRows(spec.visibleRows);
+    list_->OnSelect = [this](std::size_t) { UpdateButtons(); };
+    auto* const grid = new wxGridSizer(spec.upCommand == 0 ? 1 : 2, kGap, kGap);
+    AddButton(parent, grid, spec.addCommand, "add", spec.addTip);
+    if (spec.upCommand != 0) AddButton(parent, grid, spec.upCommand, "up", "One up DNS Server priority");
+    AddButton(parent, grid, spec.removeCommand, "remove", spec.removeTip);
+    if (spec.downCommand != 0) {
+        AddButton(parent, grid, spec.downCommand, "down", "One down DNS Server priority");
+    }
+    auto* const row = new wxBoxSizer(wxHORIZONTAL);
+    row->Add(list_, 1, wxEXPAND | wxRIGHT, kGap);
+    row->Add(grid);
+    sizer_->Add(row, 1, wxEXPAND);
+    BindKeys();
+}
+
+AddressListBox::~AddressListBox() = default;
+
+wxSizer* AddressListBox::Sizer() const { return sizer_; }
+
+wxButton* AddressListBox::AddButton(wxWindow* parent, wxSizer* sizer, int command, const char* icon,
+                                    const char* tip) {
+    auto* const button = new wxBitmapButton(parent, command, Icon(icon));
+    button->SetToolTip(tip);
+    SetAccessibleName(button, tip);
+    sizer->Add(button);
+    buttons_.push_back(button);
+    return button;
+}
+
+void AddressListBox::AddPanel(EntryPanel* panel) {
+    sizer_->Add(panel, 0, wxEXPAND | wxTOP | wxBOTTOM, 2 * kGap);
+    // Right behind the list's own controls in the tab order.
+    panel->MoveAfterInTabOrder(buttons_.back());
+}
+
+int AddressListBox::CommandOf(const wxKeyEvent& event) const {
+    const int key = event.GetKeyCode();
+    if (event.AltDown()) {
+        if (key == WXK_UP) return spec_.upCommand;
+        return key == WXK_DOWN ? spec_.downCommand : 0;
+    }
+    if (event.HasAnyModifiers()) return 0;
+    if ((key >= '0' && key <= '9') || (key >= WXK_NUMPAD0 && key <= WXK_NUMPAD9)) return spec_.addCommand;
+    return key == WXK_DELETE || key == WXK_NUMPAD_DELETE ? spec_.removeCommand : 0;
+}
+
+void AddressListBox::BindKeys() {
+    list_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+        const int command = CommandOf(event);
+        if (command == 0) {
+            event.Skip();
+        } else if (CommandEnabled(command)) {
+            wxCommandEvent chosen(wxEVT_MENU, command);
+            list_->ProcessWindowEvent(chosen);
+        }
+    });
+    const auto showMenu = [this] {
+        wxMenu menu;
+        for (const wxButton* const button : buttons_) {
+            menu.Append(button->GetId(), button->GetToolTipText())->Enable(button->IsEnabled());
+        }
+        list_->PopupMenu(&menu);
+    };
+    // The mouse tells the one, the keyboard's menu key and Shift+F10 the other.
+    list_->Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [showMenu](wxDataViewEvent&) { showMenu(); });
+    list_->Bind(wxEVT_CONTEXT_MENU, [showMenu](wxContextMenuEvent&) { showMenu(); });
+}
+
+void AddressListBox::Fill(const std::vector<DetailsRow>& rows, const std::string& header,
+                          bool keepSelection) {
+    const std::optional<std::size_t> before = keepSelection ? SelectedRow() : std::nullopt;
+    const std::string text = before ? rows_[*before].text : std::string();
+    SetRows(rows);
+    SetHeader(header);
+    if (before && !rows.empty()) {
+        SelectRow(FindRow(*this, text).value_or(std::min(*before, rows.size() - 1)));
+    } else {
+        list_->UnselectAll();
+        UpdateButtons();
+    }
+}
+
+wxButton* AddressListBox::ButtonOf(int command) const {
+    const auto button = std::find_if(buttons_.begin(), buttons_.end(), [command](const wxButton* candidate) {
+        return candidate->GetId() == command;
+    });
+    return button == buttons_.end() ? nullptr : *button;
+}
+
+bool AddressListBox::CommandEnabled(int command) const {
+    const wxButton* const button = ButtonOf(command);
+    return button != nullptr && button->IsEnabled();
+}
+
+void AddressListBox::EnableCommands(bool enable) {
+    enabled_ = enable;
+    UpdateButtons();
+}
+
+void AddressListBox::UpdateButtons() {
+    const std::optional<std::size_t> row = SelectedRow();
+    for (wxButton* const button : buttons_) {
+        const int command = button->GetId();
+        bool possible = enabled_;
+        if (command != spec_.addCommand) possible = possible && row.has_value();
+        if (command == spec_.upCommand) possible = possible && *row > 0;
+        if (command == spec_.downCommand) possible = possible && *row + 1 < rows_.size();
+        button->Enable(possible);
+    }
+    if (OnCommands) OnCommands();
+}
+
+void AddressListBox::SetRows(const std::vector<DetailsRow>& rows) {
+    rows_ = rows;
+    std::vector<ListRow> shown;
+    shown.reserve(rows.size());
+    for (const DetailsRow& row : rows) {
+        shown.push_back(
+            {*spec_.second == '\0' ? std::vector{row.text} : std::vector{row.text, row.subItem}, ""});
+    }
+    list_->SetRows(std::move(shown));
+    UpdateButtons();
+}
+
+void AddressListBox::SetHeader(const std::string& text) { list_->SetTitle(0, text); }
+
+std::optional<std::size_t> AddressListBox::SelectedRow() const {
+    const std::optional<std::size_t> row = list_->SelectedRow();
+    return row && *row < rows_.size() ? row : std::nullopt;
+}
+
+void AddressListBox::SelectRow(std::size_t row) {
+    list_->SelectRow(row);
+    UpdateButtons();
+}
+
+}  // namespace corvane

@@ -1,0 +1,122 @@
+#include "ui/AddressPanels.h"
+
+#include <wx/checkbox.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+#include <wx/utils.h>
+
+#include "ui/Desktop.h"
+#include "ui/IPAddress.h"
+#include "ui/WxText.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kGap = 6;
+constexpr int kNoteCharacters = 40;
+
+/// A box for a number of up to `digits` digits, whose whole text is selected when it gets the focus.
+wxTextCtrl* MakeNumberBox(wxWindow* parent, int digits) {
+    auto* const box = new wxTextCtrl(parent, wxID_ANY);
+    const wxString widest('0', static_cast<std::size_t>(digits));
+    box->SetInitialSize(box->GetSizeFromTextSize(box->GetTextExtent(widest).x));
+    box->Bind(wxEVT_SET_FOCUS, [box](wxFocusEvent& event) {
+        event.Skip();
+        box->SelectAll();
+    });
+    return box;
+}
+
+wxSizer* Row(std::initializer_list<wxWindow*> windows) {
+    auto* const row = new wxBoxSizer(wxHORIZONTAL);
+    for (wxWindow* const window : windows) row->Add(window, 0, wxALIGN_CENTER_VERTICAL | wxRIGHT, kGap);
+    return row;
+}
+
+wxStaticText* Label(wxWindow* parent, const char* text) { return new wxStaticText(parent, wxID_ANY, text); }
+
+}  // namespace
+
+AddIPPanel::AddIPPanel(wxWindow* parent, AddressListView& listIp)
+    : EntryPanel(parent, "Enter IP Address Below", "Add IP"), editing_(*this, listIp) {
+    auto* const ipLabel = Label(this, "IP . . . . . . .");
+    ipAddress_ = corvane::IPAddress::Make(this, "IP address");
+    auto* const maskLabel = Label(this, "Mas&k . . . . .");
+    subnetMask_ = corvane::IPAddress::Make(this, "Subnet mask");
+    FocusByMnemonic(subnetMask_);
+    auto* const slash = Label(this, "/");
+    txtCIDR_ = MakeNumberBox(this, 3);
+    SetAccessibleName(txtCIDR_, "Prefix length");
+    txtCIDR_->SetToolTip("Prefix length: the number of one bits in the mask");
+    check2_ = new wxCheckBox(this, wxID_ANY, "Persistant IP Address");
+    auto* const note = Label(this,
+                             "Persistant IP address will be saved in registry and would persist across "
+                             "system reboots.");
+    note->Wrap(GetCharWidth() * kNoteCharacters);
+
+    auto* const grid = new wxFlexGridSizer(2, kGap, kGap);
+    grid->Add(ipLabel, 0, wxALIGN_CENTER_VERTICAL);
+    grid->Add(ipAddress_);
+    grid->Add(maskLabel, 0, wxALIGN_CENTER_VERTICAL);
+    grid->Add(Row({subnetMask_, slash, txtCIDR_}));
+    content_->Add(grid, 0, wxBOTTOM, kGap);
+    content_->Add(check2_, 0, wxBOTTOM, 2);
+    content_->Add(note);
+
+    subnetMask_->OnFocus = [this] { editing_.MaskFocused(); };
+    subnetMask_->Entry().Change = [this] { editing_.MaskChanged(); };
+    txtCIDR_->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
+        event.Skip();
+        editing_.CidrFocused();
+    });
+    txtCIDR_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { editing_.CidrChanged(); });
+}
+
+IPAddressEntry& AddIPPanel::IPAddress() { return ipAddress_->Entry(); }
+IPAddressEntry& AddIPPanel::SubnetMask() { return subnetMask_->Entry(); }
+void AddIPPanel::FocusIPAddress() { ipAddress_->SetFocus(); }
+std::string AddIPPanel::Cidr() const { return Utf8(txtCIDR_->GetValue()); }
+
+void AddIPPanel::SetCidr(const std::string& text) {
+    if (Cidr() != text) txtCIDR_->SetValue(Wx(text));
+}
+
+bool AddIPPanel::Check2() const { return check2_->GetValue(); }
+void AddIPPanel::Beep() { wxBell(); }
+
+AddGatewayPanel::AddGatewayPanel(wxWindow* parent, AddressListView& listGateway)
+    : EntryPanel(parent, "Enter Gateway IP Address Below", "Add Gateway"), editing_(*this, listGateway) {
+    gateway_ = corvane::IPAddress::Make(this, "Gateway");
+    auto* const label = Label(this, "Metric . . . .");
+    txtMetric_ = MakeNumberBox(this, 10);
+    LabelFor(label, txtMetric_);
+    check4_ = new wxCheckBox(this, wxID_ANY, "Auto Metric");
+    check3_ = new wxCheckBox(this, wxID_ANY, "Persistant Gateway");
+    content_->Add(gateway_, 0, wxBOTTOM, kGap);
+    content_->Add(Row({label, txtMetric_, check4_}), 0, wxBOTTOM, kGap);
+    content_->Add(check3_);
+    check4_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { OnCheck4(); });
+}
+
+IPAddressEntry& AddGatewayPanel::Gateway() { return gateway_->Entry(); }
+void AddGatewayPanel::FocusGateway() { gateway_->SetFocus(); }
+std::string AddGatewayPanel::Metric() const { return Utf8(txtMetric_->GetValue()); }
+void AddGatewayPanel::SetMetric(const std::string& text) { txtMetric_->ChangeValue(Wx(text)); }
+void AddGatewayPanel::EnableMetric(bool enable) { txtMetric_->Enable(enable); }
+void AddGatewayPanel::FocusMetric() { txtMetric_->SetFocus(); }
+bool AddGatewayPanel::Check4() const { return check4_->GetValue(); }
+void AddGatewayPanel::SetCheck4(bool ticked) { check4_->SetValue(ticked); }
+bool AddGatewayPanel::Check3() const { return check3_->GetValue(); }
+
+AddDNSPanel::AddDNSPanel(wxWindow* parent, AddressListView& listDns)
+    : EntryPanel(parent, "Enter DNS Server IP Below", "Add DNS"), editing_(*this, listDns) {
+    dnsAddress_ = corvane::IPAddress::Make(this, "DNS server");
+    content_->Add(dnsAddress_);
+}
+
+IPAddressEntry& AddDNSPanel::DNSAddress() { return dnsAddress_->Entry(); }
+void AddDNSPanel::FocusDNSAddress() { dnsAddress_->SetFocus(); }
+
+}  // namespace corvane

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "ui/EntryPanel.h"
+#include "ui/logic/DnsEditing.h"
+#include "ui/logic/GatewayEditing.h"
+#include "ui/logic/IpEditing.h"
+
+class wxCheckBox;
+class wxTextCtrl;
+
+/// The panels in which IP addresses, gateways and DNS servers are entered.
+namespace corvane {
+
+class IPAddress;
+
+/// `fAddIP`.
+class AddIPPanel : public EntryPanel, private IpPanelView {
+ public:
+    AddIPPanel(wxWindow* parent, AddressListView& listIp);
+
+    IpEditing& Editing() { return editing_; }
+
+ private:
+    void ShowPanel() override { Open(); }
+    void MakeDefault() override { EntryPanel::MakeDefault(); }
+    IPAddressEntry& IPAddress() override;
+    IPAddressEntry& SubnetMask() override;
+    void FocusIPAddress() override;
+    std::string Cidr() const override;
+    void SetCidr(const std::string& text) override;
+    bool Check2() const override;
+    void Beep() override;
+
+    corvane::IPAddress* ipAddress_;
+    corvane::IPAddress* subnetMask_;
+    wxTextCtrl* txtCIDR_;
+    wxCheckBox* check2_;
+    IpEditing editing_;
+};
+
+/// `fAddGateway`.
+class AddGatewayPanel : public EntryPanel, private GatewayPanelView {
+ public:
+    AddGatewayPanel(wxWindow* parent, AddressListView& listGateway);
+
+    GatewayEditing& Editing() { return editing_; }
+
+    /// "Auto Metric" was clicked.
+    std::function<void()> OnCheck4;
+
+ private:
+    void ShowPanel() override { Open(); }
+    void MakeDefault() override { EntryPanel::MakeDefault(); }
+    IPAddressEntry& Gateway() override;
+    void FocusGateway() override;
+    std::string Metric() const override;
+    void SetMetric(const std::string& text) override;
+    void EnableMetric(bool enable) override;
+    void FocusMetric() override;
+    bool Check4() const override;
+    void SetCheck4(bool ticked) override;
+    bool Check3() const override;
+
+    corvane::IPAddress* gateway_;
+    wxTextCtrl* txtMetric_;
+    wxCheckBox* check4_;
+    wxCheckBox* check3_;
+    GatewayEditing editing_;
+};
+
+/// `fAddDNS`.
+class AddDNSPanel : public EntryPanel, private DnsPanelView {
+ public:
+    AddDNSPanel(wxWindow* parent, AddressListView& listDns);
+
+    DnsEditing& Editing() { return editing_; }
+
+ private:
+    void ShowPanel() override { Open(); }
+    void MakeDefault() override { EntryPanel::MakeDefault(); }
+    IPAddressEntry& DNSAddress() override;
+    void FocusDNSAddress() override;
+
+    corvane::IPAddress* dnsAddress_;
+    DnsEditing editing_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,70 @@
+#include "ui/EntryPanel.h"
+
+#include <wx/button.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+
+#include "ui/Icons.h"
+#include "ui/WxText.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kGap = 6;
+
+}  // namespace
+
+EntryPanel::EntryPanel(wxWindow* parent, const std::string& caption, const std::string& addLabel)
+    : wxPanel(parent),
+      caption_(new wxStaticText(this, wxID_ANY, Wx(caption))),
+      content_(new wxBoxSizer(wxVERTICAL)),
+      add_(new wxButton(this, wxID_ANY, Wx(addLabel))),
+      close_(new wxButton(this, wxID_ANY, "Close")) {
+    caption_->SetFont(caption_->GetFont().Bold());
+    add_->SetBitmap(Icon("add"));
+    add_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnAdd(); });
+    close_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Close(); });
+    Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
+        event.Skip();
+        MakeDefault();
+    });
+    auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
+    buttons->Add(add_, 0, wxRIGHT, kGap);
+    buttons->Add(close_);
+    auto* const sizer = new wxBoxSizer(wxVERTICAL);
+    sizer->Add(caption_, 0, wxBOTTOM, kGap);
+    sizer->Add(content_, 0, wxEXPAND | wxBOTTOM, kGap);
+    sizer->Add(buttons);
+    SetSizer(sizer);
+    Hide();
+}
+
+EntryPanel::~EntryPanel() {
+    // The entry boxes report a lost focus even now.
+    DestroyChildren();
+}
+
+void EntryPanel::MakeDefault() { add_->SetDefault(); }
+
+void EntryPanel::Open() {
+    // The buttons come after the boxes in the tab order, whenever those were made.
+    add_->MoveAfterInTabOrder(GetChildren().GetLast()->GetData());
+    close_->MoveAfterInTabOrder(add_);
+    OnOpen();
+    Show();
+    OnLayout();
+}
+
+void EntryPanel::Dismiss() {
+    if (!IsShown()) return;
+    Hide();
+    OnLayout();
+}
+
+void EntryPanel::Close() {
+    Dismiss();
+    OnClosed();
+}
+
+}  // namespace corvane

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "ui/FactText.h"
+
+class wxFlexGridSizer;
+
+namespace corvane {
+
+/// A fact with its label in front of it, in a grid of two columns; `name` is the accessible name where the
+/// label does not say enough.
+FactText* AddFact(wxWindow* parent, wxFlexGridSizer* grid, const char* label, const char* name = "");
+
+}  // namespace corvane

@@ -1,0 +1,161 @@
+#include "ui/IPAddress.h"
+
+#include <utility>
+
+#include <wx/dcclient.h>
+#include <wx/renderer.h>
+#include <wx/settings.h>
+#include <wx/textctrl.h>
+#include <wx/utils.h>
+
+#include "ui/Desktop.h"
+#include "ui/TextBox.h"
+#include "ui/WxText.h"
+
+namespace corvane {
+
+namespace {
+
+/// Room between the frame and what is in it, in pixels at the normal scale.
+constexpr int kPadding = 4;
+
+/// The code of a typed character as the rules know it; 0 for what is not for them.
+int CharacterOf(const wxKeyEvent& event) {
+    const int key = event.GetKeyCode();
+    if (event.AltDown()) return 0;
+    if (event.ControlDown()) {
+        if (key < 'A' || key > 'Z') return 0;
+        // Ctrl+H is no backspace.
+        return key == 'H' ? 0 : key - 'A' + 1;
+    }
+    const int character = TypedCharacter(event);
+    const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
+    return typed ? character : 0;
+}
+
+}  // namespace
+
+wxClassInfo IPAddress::ms_classInfo(wxT("NICX.IPAddress"), &wxPanel::ms_classInfo, nullptr,
+                                    static_cast<int>(sizeof(IPAddress)),
+                                    []() -> wxObject* { return new IPAddress; });
+
+IPAddress::~IPAddress() {
+    // The boxes report a lost focus to the rules even now.
+    DestroyChildren();
+}
+
+IPAddress* IPAddress::Make(wxWindow* parent, const wxString& name) {
+    auto* const control = static_cast<IPAddress*>(wxCreateDynamicObject(kProgrammaticId));
+    control->Create(parent, name);
+    return control;
+}
+
+bool IPAddress::Create(wxWindow* parent, const wxString& name) {
+    if (!wxPanel::Create(parent)) return false;
+    for (int box = 0; box < kQuadBoxes; ++box) {
+        wxTextCtrl* const text = MakeDigitBox(this, kQuadDigits, wxTE_CENTRE | wxBORDER_NONE);
+        SetAccessibleName(text, wxString::Format("%s, octet %d of %d", name, box + 1, kQuadBoxes));
+        text1_[static_cast<std::size_t>(box)] = text;
+        DropFrame(text);
+        BindBox(box);
+    }
+    LayBoxes();
+    Bind(wxEVT_PAINT, [this](wxPaintEvent&) { OnPaint(); });
+    Bind(wxEVT_SIZE, [this](wxSizeEvent&) {
+        // The size is fixed.
+        if (GetSize() != label1_) SetSize(label1_);
+    });
+    return true;
+}
+
+void IPAddress::LayBoxes() {
+    const int padding = FromDIP(kPadding);
+    const int dot = GetTextExtent(".").x + padding;
+    int x = padding;
+    int height = 0;
+    for (wxTextCtrl* const box : text1_) {
+        const wxSize size = box->GetMinSize();
+        box->SetSize(x, padding / 2, size.x, size.y);
+        x += size.x + dot;
+        height = size.y;
+    }
+    label1_ = wxSize(x - dot + padding, height + padding);
+    SetMinSize(label1_);
+    SetMaxSize(label1_);
+    SetSize(label1_);
+}
+
+bool IPAddress::TakesKey(int box, const wxKeyEvent& event) {
+    const int key = event.GetKeyCode();
+    if (key == WXK_LEFT || key == WXK_RIGHT) {
+        return !event.AltDown() && entry_.KeyDown(box, key == WXK_LEFT ? BoxKey::kLeft : BoxKey::kRight,
+                                                  event.ShiftDown(), event.ControlDown());
+    }
+    const int character = CharacterOf(event);
+    return character != 0 && !entry_.KeyPress(box, character);
+}
+
+void IPAddress::BindBox(int box) {
+    wxTextCtrl& text = Box(box);
+    // Keys are taken before the toolkit's input method sees them, which deletes a selected text before it
+    // asks whether the character is wanted.
+    text.Bind(wxEVT_KEY_DOWN, [this, box](wxKeyEvent& event) { event.Skip(!TakesKey(box, event)); });
+    text.Bind(wxEVT_CHAR, [this, box](wxKeyEvent& event) {
+        // What an input method has composed; other characters have been asked for.
+        static constexpr int kLastAscii = 127;
+        const int character = event.GetUnicodeKey();
+        event.Skip(character <= kLastAscii || entry_.KeyPress(box, character));
+    });
+    text.Bind(wxEVT_TEXT, [this, box](wxCommandEvent&) { entry_.Changed(box); });
+    text.Bind(wxEVT_TEXT_PASTE, [this, box](wxClipboardTextEvent&) { entry_.Pasted(box, ClipboardText()); });
+    text.Bind(wxEVT_SET_FOCUS, [this, box](wxFocusEvent& event) {
+        event.Skip();
+        if (std::exchange(toldFocus_, -1) != box) entry_.FocusGained(box);
+        Refresh();
+        if (OnFocus) OnFocus();
+    });
+    text.Bind(wxEVT_KILL_FOCUS, [this, box](wxFocusEvent& event) {
+        event.Skip();
+        entry_.FocusLost(box);
+        Refresh();
+    });
+}
+
+void IPAddress::OnPaint() {
+    wxPaintDC dc(this);
+    const wxWindow* const focused = FindFocus();
+    const bool hasFocus = focused != nullptr && focused->GetParent() == this;
+    wxRendererNative::Get().DrawTextCtrl(this, dc, GetClientRect(), hasFocus ? wxCONTROL_FOCUSED : wxCONTROL_NONE);
+    dc.SetFont(GetFont());
+    dc.SetTextForeground(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
+    for (int box = 0; box + 1 < kQuadBoxes; ++box) {
+        const wxRect left = Box(box).GetRect();
+        const wxRect gap(left.GetRight() + 1, left.y, Box(box + 1).GetRect().x - left.GetRight() - 1,
+                         left.height);
+        dc.DrawLabel(".", gap, wxALIGN_CENTER);
+    }
+}
+
+void IPAddress::SetFocus() { Focus(0); }
+
+std::string IPAddress::BoxText(int box) const { return Utf8(Box(box).GetValue()); }
+
+void IPAddress::SetBoxText(int box, const std::string& text) {
+    if (BoxText(box) == text) return;
+    Box(box).ChangeValue(Wx(text));
+    entry_.Changed(box);
+}
+
+TextSelection IPAddress::Selection(int box) const { return SelectionOf(Box(box)); }
+void IPAddress::Select(int box, TextSelection selection) { SelectIn(Box(box), selection); }
+
+void IPAddress::Focus(int box) {
+    if (!Box(box).HasFocus()) toldFocus_ = box;
+    Box(box).SetFocus();
+    // The toolkit selects the whole text behind its own event.
+    entry_.FocusGained(box);
+}
+
+void IPAddress::Beep() { wxBell(); }
+
+}  // namespace corvane

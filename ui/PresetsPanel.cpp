@@ -1,0 +1,93 @@
+#include "ui/PresetsPanel.h"
+
+#include <algorithm>
+
+#include <wx/button.h>
+#include <wx/sizer.h>
+
+#include "ui/Icons.h"
+#include "ui/MainMenu.h"
+#include "ui/RowList.h"
+#include "ui/WxText.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kGap = 4;
+constexpr int kVisibleRows = 3;
+
+}  // namespace
+
+PresetsPanel::PresetsPanel(wxWindow* parent)
+    : wxPanel(parent),
+      presetsList_(new RowList(this, "Presets", {{"Presets", 30}}, false)),
+      command20_(MakeButton(mnuApplyPreset, "Appl&y", "preset_apply",
+                            "Apply the selected preset to the selected connection")),
+      edit_(MakeButton(mnuEditPreset, "Ed&it", "preset_edit", "Change the selected preset")),
+      command22_(MakeButton(mnuDeletePreset, "Delete", "preset_delete", "Delete the selected preset (Del)")) {
+    presetsList_->SetVisibleRows(kVisibleRows);
+    presetsList_->OnSelect = [this](std::size_t) { OnSelect(); };
+    presetsList_->OnFocus = [this] { OnListFocus(*presetsList_); };
+    const auto send = [this](const wxButton& button) {
+        if (!button.IsEnabled()) return;
+        wxCommandEvent chosen(wxEVT_MENU, button.GetId());
+        ProcessWindowEvent(chosen);
+    };
+    presetsList_->Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this, send](wxDataViewEvent&) { send(*edit_); });
+    presetsList_->Bind(wxEVT_CHAR_HOOK, [this, send](wxKeyEvent& event) {
+        const int key = event.GetKeyCode();
+        if ((key == WXK_DELETE || key == WXK_NUMPAD_DELETE) && !event.HasAnyModifiers()) {
+            send(*command22_);
+        } else {
+            event.Skip();
+        }
+    });
+    auto* const buttons = new wxBoxSizer(wxVERTICAL);
+    for (wxButton* const button : {command20_, edit_, command22_})
+        buttons->Add(button, 0, wxEXPAND | wxBOTTOM, kGap);
+    auto* const sizer = new wxBoxSizer(wxHORIZONTAL);
+    sizer->Add(presetsList_, 1, wxEXPAND | wxRIGHT, kGap);
+    sizer->Add(buttons);
+    SetSizer(sizer);
+    RefreshList();
+}
+
+wxButton* PresetsPanel::MakeButton(int command, const char* label, const char* icon, const char* tip) {
+    auto* const button = new wxButton(this, command, label);
+    button->SetBitmap(Icon(icon));
+    button->SetToolTip(tip);
+    return button;
+}
+
+void PresetsPanel::RefreshList() {
+    const std::optional<PresetEntry> before = Selected();
+    entries_ = PresetEntries();
+    std::vector<ListRow> rows;
+    for (const PresetEntry& entry : entries_) rows.push_back({{entry.name}, ""});
+    presetsList_->SetRows(std::move(rows));
+    const auto same = std::find_if(entries_.begin(), entries_.end(), [&](const PresetEntry& entry) {
+        return before && entry.name == before->name;
+    });
+    if (same == entries_.end()) {
+        presetsList_->UnselectAll();
+    } else {
+        presetsList_->SelectRow(static_cast<std::size_t>(same - entries_.begin()));
+    }
+}
+
+std::optional<PresetEntry> PresetsPanel::Selected() const {
+    const std::optional<std::size_t> row = presetsList_->SelectedRow();
+    if (!row || *row >= entries_.size()) return std::nullopt;
+    return entries_[*row];
+}
+
+void PresetsPanel::EnableCommands(bool usable, bool applicable) {
+    const bool selected = Selected().has_value();
+    presetsList_->Enable(usable);
+    command20_->Enable(applicable && selected);
+    edit_->Enable(usable && selected);
+    command22_->Enable(usable && selected);
+}
+
+}  // namespace corvane

@@ -1,0 +1,258 @@
+#include "ui/TcpipPanel.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <wx/checkbox.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+#include "ui/AddressPanels.h"
+#include "ui/Facts.h"
+#include "ui/MainMenu.h"
+#include "ui/PresetEditor.h"
+#include "ui/RowList.h"
+#include "ui/WxText.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int kGap = 6;
+
+constexpr AddressListSpec kIpList{.name = kIpTitle,
+                                  .second = "Subnet Mask",
+                                  .visibleRows = 3,
+                                  .addCommand = mnuAddIPAddress,
+                                  .removeCommand = mnuRemoveIPAddress,
+                                  .addTip = "Add IP Address",
+                                  .removeTip = "Remove IP Address"};
+constexpr AddressListSpec kGatewayList{.name = kGatewayTitle,
+                                       .second = "Metric",
+                                       .visibleRows = 2,
+                                       .addCommand = mnuAddGateway,
+                                       .removeCommand = mnuRemoveGateway,
+                                       .addTip = "Add Gateway",
+                                       .removeTip = "Remove Gateway"};
+constexpr AddressListSpec kDnsList{.name = kDnsTitle,
+                                   .second = "",
+                                   .visibleRows = 2,
+                                   .addCommand = mnuAddDNSServer,
+                                   .removeCommand = mnuRemoveDNSServer,
+                                   .upCommand = mnuDNSServerUp,
+                                   .downCommand = mnuDNSServerDown,
+                                   .addTip = "Add DNS Server",
+                                   .removeTip = "Remove DNS Server"};
+
+}  // namespace
+
+TcpipPanel::TcpipPanel(wxWindow* parent) : wxPanel(parent) {
+    auto* const sizer = new wxBoxSizer(wxVERTICAL);
+    sizer->Add(MakeFacts(), 0, wxEXPAND);
+    SetSizer(sizer);
+    listIP_ = MakeList(kIpList);
+    listGateway_ = MakeList(kGatewayList);
+    listDNS_ = MakeList(kDnsList);
+}
+
+TcpipPanel::~TcpipPanel() {
+    // What is in it reports to the rules even now.
+    DestroyChildren();
+}
+
+wxSizer* TcpipPanel::MakeFacts() {
+    facts_ = new wxPanel(this);
+    auto* const grid = new wxFlexGridSizer(2, 1, 2 * kGap);
+    grid->AddGrowableCol(1);
+    labTCPIP_ = AddFact(facts_, grid, "TCP/IP:");
+    labDHCP_ = AddFact(facts_, grid, "DHCP:");
+    labLeaseObtained_ = AddFact(facts_, grid, "Lease Obtained:");
+    labLeaseExpires_ = AddFact(facts_, grid, "Lease Expires:");
+    facts_->SetSizer(grid);
+    auto* const sizer = new wxBoxSizer(wxVERTICAL);
+    sizer->Add(facts_, 0, wxEXPAND);
+    return sizer;
+}
+
+std::unique_ptr<AddressListBox> TcpipPanel::MakeList(const AddressListSpec& spec) {
+    auto list = std::make_unique<AddressListBox>(this, spec);
+    list->List().OnFocus = [this, &shown = list->List()] { OnShow(shown); };
+    list->OnCommands = [this] { OnCommands(); };
+    GetSizer()->Add(list->Sizer(), spec.visibleRows, wxEXPAND | wxTOP, kGap);
+    return list;
+}
+
+void TcpipPanel::Fill(const Details& details, bool sameConnection) {
+    labTCPIP_->SetText(details.labTCPIP);
+    labDHCP_->SetText(details.labDHCP);
+    labLeaseObtained_->SetText(details.labLeaseObtained);
+    labLeaseExpires_->SetText(details.labLeaseExpires);
+    if (EditsPreset()) return;
+    listIP_->Fill(details.ListIP, details.headerIP, sameConnection);
+    listGateway_->Fill(details.ListGateway, details.headerGateway, sameConnection);
+    listDNS_->Fill(details.ListDNS, details.headerDNS, sameConnection);
+}
+
+void TcpipPanel::EnableLists(bool enable) {
+    if (EditsPreset()) return;
+    for (AddressListBox* const list : {listIP_.get(), listGateway_.get(), listDNS_.get()})
+        list->EnableCommands(enable);
+}
+
+bool TcpipPanel::ListCommandEnabled(int command) const {
+    return listIP_->CommandEnabled(command) || listGateway_->CommandEnabled(command) ||
+           listDNS_->CommandEnabled(command);
+}
+
+bool TcpipPanel::RunListCommand(int command) {
+    const EditingTarget target = Target();
+    switch (command) {
+        case mnuAddIPAddress:
+            IPPanel().Editing().Open();
+            return true;
+        case mnuRemoveIPAddress:
+            IPPanel().Editing().Remove(target);
+            return true;
+        case mnuAddGateway:
+            GatewayPanel().Editing().Open();
+            return true;
+        case mnuRemoveGateway:
+            GatewayPanel().Editing().Remove(target);
+            return true;
+        case mnuAddDNSServer:
+            DNSPanel().Editing().Open();
+            return true;
+        case mnuRemoveDNSServer:
+            DNSPanel().Editing().Remove(target);
+            return true;
+        case mnuDNSServerUp:
+            DNSPanel().Editing().MoveUp(target);
+            return true;
+        case mnuDNSServerDown:
+            DNSPanel().Editing().MoveDown(target);
+            return true;
+        default:
+            return false;
+    }
+}
+
+std::vector<EntryPanel*> TcpipPanel::OpenPanels() const {
+    std::vector<EntryPanel*> open;
+    for (EntryPanel* const panel : std::initializer_list<EntryPanel*>{fAddIP_, fAddGateway_, fAddDNS_}) {
+        if (panel != nullptr && panel->IsOpen()) open.push_back(panel);
+    }
+    return open;
+}
+
+bool TcpipPanel::PanelIsOpen() const { return !OpenPanels().empty(); }
+
+bool TcpipPanel::Escape() {
+    const std::vector<EntryPanel*> open = OpenPanels();
+    for (EntryPanel* const panel : open) panel->Close();
+    return !open.empty();
+}
+
+void TcpipPanel::AddPanel(EntryPanel* panel, AddressListBox& list,
+                          std::function<void(const EditingTarget&)> add) {
+    panel->OnAdd = [this, add = std::move(add)] { Run([this, &add] { add(Target()); }); };
+    panel->OnOpen = [this, panel] {
+        for (EntryPanel* const other : OpenPanels()) {
+            if (other != panel) other->Dismiss();
+        }
+    };
+    panel->OnLayout = [this, panel] {
+        LayOut();
+        if (panel->IsOpen()) OnShow(*panel);
+    };
+    panel->OnClosed = [this, &list] {
+        list.List().SetFocus();
+        OnClosed();
+    };
+    list.AddPanel(panel);
+}
+
+AddIPPanel& TcpipPanel::IPPanel() {
+    if (fAddIP_ == nullptr) {
+        fAddIP_ = new AddIPPanel(this, *listIP_);
+        AddPanel(fAddIP_, *listIP_, [this](const EditingTarget& target) { fAddIP_->Editing().Add(target); });
+    }
+    return *fAddIP_;
+}
+
+AddGatewayPanel& TcpipPanel::GatewayPanel() {
+    if (fAddGateway_ == nullptr) {
+        fAddGateway_ = new AddGatewayPanel(this, *listGateway_);
+        fAddGateway_->OnCheck4 = [this] { fAddGateway_->Editing().Check4Clicked(Target()); };
+        AddPanel(fAddGateway_, *listGateway_,
+                 [this](const EditingTarget& target) { fAddGateway_->Editing().Add(target); });
+    }
+    return *fAddGateway_;
+}
+
+AddDNSPanel& TcpipPanel::DNSPanel() {
+    if (fAddDNS_ == nullptr) {
+        fAddDNS_ = new AddDNSPanel(this, *listDNS_);
+        AddPanel(fAddDNS_, *listDNS_,
+                 [this](const EditingTarget& target) { fAddDNS_->Editing().Add(target); });
+    }
+    return *fAddDNS_;
+}
+
+PresetEditor& TcpipPanel::Editor() {
+    if (editor_ != nullptr) return *editor_;
+    editor_ = new PresetEditor(this);
+    editor_->MoveBeforeInTabOrder(facts_);
+    GetSizer()->Prepend(editor_, 0, wxEXPAND | wxBOTTOM, kGap);
+    editor_->OnName = [this] { presets_.NameChanged(); };
+    editor_->OnCheck = [this](PresetCheck check) { presets_.Clicked(check); };
+    editor_->OnSave = [this] { Run([this] { presets_.Save(programFolder); }); };
+    editor_->OnLeave = [this] { presets_.Leave(); };
+    return *editor_;
+}
+
+void TcpipPanel::LayOut() {
+    InvalidateBestSize();
+    OnLayout();
+}
+
+void TcpipPanel::ShowEditor(bool editing) {
+    for (EntryPanel* const panel : OpenPanels()) panel->Dismiss();
+    Editor().Show(editing);
+    facts_->Show(!editing);
+    LayOut();
+    OnEditing(editing);
+}
+
+std::string TcpipPanel::PresetName() const { return Utf8(editor_->Name().GetValue()); }
+
+void TcpipPanel::SetPresetName(const std::string& name) {
+    if (PresetName() != name) editor_->Name().SetValue(Wx(name));
+}
+
+void TcpipPanel::FocusPresetName() { editor_->Name().SetFocus(); }
+
+void TcpipPanel::SelectPresetName() {
+    FocusPresetName();
+    editor_->Name().SelectAll();
+}
+
+bool TcpipPanel::Ticked(PresetCheck check) const { return editor_->Check(check).GetValue(); }
+void TcpipPanel::SetTicked(PresetCheck check, bool ticked) { editor_->Check(check).SetValue(ticked); }
+void TcpipPanel::EnableCheck(PresetCheck check, bool enable) { editor_->Check(check).Enable(enable); }
+MacBoxesView& TcpipPanel::MacBoxes() { return *editor_; }
+void TcpipPanel::EnableMacBoxes(bool enable) { editor_->EnableMacBoxes(enable); }
+
+void TcpipPanel::EnableListCommands(PresetCheck list, bool enable) {
+    const auto set = [enable](AddressListBox& box, EntryPanel* panel) {
+        box.EnableCommands(enable);
+        if (!enable && panel != nullptr) panel->Dismiss();
+    };
+    if (list == PresetCheck::ckCPIP) set(*listIP_, fAddIP_);
+    if (list == PresetCheck::ckCPGateway) set(*listGateway_, fAddGateway_);
+    if (list == PresetCheck::ckCPDNS) set(*listDNS_, fAddDNS_);
+}
+
+void TcpipPanel::RefreshPresetsList() { OnPresets(); }
+
+}  // namespace corvane

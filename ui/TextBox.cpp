@@ -1,0 +1,42 @@
+#include "ui/TextBox.h"
+
+#include <wx/clipbrd.h>
+#include <wx/textctrl.h>
+
+#include "ui/WxText.h"
+
+namespace corvane {
+
+wxTextCtrl* MakeDigitBox(wxWindow* parent, int digits, long style) {
+    auto* const box = new wxTextCtrl(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, style);
+    box->SetMaxLength(static_cast<unsigned long>(digits));
+    box->SetFont(wxFont(wxFontInfo(box->GetFont().GetFractionalPointSize()).Family(wxFONTFAMILY_TELETYPE)));
+    const wxString widest('M', static_cast<std::size_t>(digits));
+    box->SetInitialSize(box->GetSizeFromTextSize(box->GetTextExtent(widest).x));
+    return box;
+}
+
+TextSelection SelectionOf(const wxTextCtrl& box) {
+    long from = 0;
+    long to = 0;
+    box.GetSelection(&from, &to);
+    if (from == to) return {static_cast<int>(box.GetInsertionPoint()), 0};
+    return {static_cast<int>(from), static_cast<int>(to - from)};
+}
+
+void SelectIn(wxTextCtrl& box, TextSelection selection) {
+    if (selection.length == 0) {
+        box.SetInsertionPoint(selection.start);
+    } else {
+        box.SetSelection(selection.start, selection.start + selection.length);
+    }
+}
+
+std::string ClipboardText() {
+    wxTextDataObject data;
+    const wxClipboardLocker locker;
+    if (!locker || !wxTheClipboard->GetData(data)) return {};
+    return Utf8(data.GetText());
+}
+
+}  // namespace corvane

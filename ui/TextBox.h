@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "ui/logic/VendorEntry.h"
+
+class wxTextCtrl;
+class wxWindow;
+
+/// What the small entry boxes have in common.
+namespace corvane {
+
+/// A box that holds `digits` characters, in a font of equal widths.
+wxTextCtrl* MakeDigitBox(wxWindow* parent, int digits, long style);
+
+/// The selected part of a box's text, or the caret.
+TextSelection SelectionOf(const wxTextCtrl& box);
+void SelectIn(wxTextCtrl& box, TextSelection selection);
+
+/// The text on the clipboard; empty when there is none.
+std::string ClipboardText();
+
+}  // namespace corvane
