@@ -161,17 +161,25 @@ class IpHelperApi {
     /// IPv4 routes of the main table, in ascending order of destination, then metric, then next hop.
     virtual TableRead<IpForwardRow> GetIpForwardTable() = 0;
 
-    /// Adds an address to the running stack (not kept over a restart of the link). `nteContext` receives the
-    /// word that DeleteIPAddress takes. kObjectAlreadyExists when it is there already, kInvalidParameter for
-    /// an address or mask that no host may have or an unknown interface, kAccessDenied without the right.
+    /// Adds an address to the running stack: a restart of the link does not bring it back unless the registry
+    /// says so. `nteContext` receives the word that DeleteIPAddress takes. kObjectAlreadyExists when it is
+    /// there already, kInvalidParameter for an address or mask that no host may have or an unknown interface,
+    /// kAccessDenied without the right; the link then has what it had.
     virtual Win32Error AddIPAddress(const Ipv4Bytes& address, const Ipv4Bytes& mask, std::uint32_t ifIndex,
                                     std::uint32_t& nteContext) = 0;
 
-    /// Removes the address with this context; other addresses of the link stay. kInvalidParameter for an
-    /// unknown one.
+    /// Removes the address with this context; other addresses of the link stay, and so do the routes that do
+    /// not depend on it. kInvalidParameter for an unknown one.
     virtual Win32Error DeleteIPAddress(std::uint32_t nteContext) = 0;
 
+    /// Adds a route to the running stack. kObjectAlreadyExists when it is there already, with this metric;
+    /// kInvalidParameter for a mask with holes; otherwise what the system says of a next hop that it cannot
+    /// reach.
     virtual Win32Error CreateIpForwardEntry(const IpForwardRow& row) = 0;
+
+    /// Removes the route with the row's destination, mask, next hop and interface, whoever made it. Metric 0
+    /// is no part of the name: of several such routes the one with the lowest metric, the one in force, goes.
+    /// Any other metric must be the route's. kNotFound when there is none.
     virtual Win32Error DeleteIpForwardEntry(const IpForwardRow& row) = 0;
 
     /// Gives the DHCP lease back, respectively asks for it anew; returns when that is done. kNotSupported

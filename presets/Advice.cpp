@@ -47,8 +47,9 @@ void AdviseGateways(const PresetRecord& record, Sentences& advice) {
     for (const std::string& gateway : record.Gateways.Items) {
         if (!gateway.empty()) AdviseAddress("gateway", gateway, advice);
     }
-    for (const std::string& metric : record.GatewayMetrics.Items) {
-        if (!record.Gateways.Items.front().empty()) AdviseMetric(metric, advice);
+    for (std::size_t i = 0; i < record.GatewayMetrics.Items.size(); ++i) {
+        const bool unused = i < record.Gateways.Items.size() && record.Gateways.Items[i].empty();
+        if (!unused) AdviseMetric(record.GatewayMetrics.Items[i], advice);
     }
     if ((record.Flags & kPresetIp) == 0) return;
     for (const std::string& gateway : record.Gateways.Items) {

@@ -5,6 +5,8 @@
 #include <tuple>
 
 #include <linux/if.h>
+#include <linux/rtnetlink.h>
+#include <sys/socket.h>
 
 #include "platform/Address.h"
 #include "platform/linux/DhcpControl.h"
@@ -60,6 +62,72 @@ std::optional<KernelRoute> RouteOf(const IpForwardRow& row) {
     route.protocol = kStatic;
     return route;
 }
+
+/// Equal but for metric and maker.
+bool SameWay(const KernelRoute& a, const KernelRoute& b) {
+    return a.destination == b.destination && a.prefix == b.prefix && a.gateway == b.gateway &&
+           a.index == b.index;
+}
+
+bool SamePlace(const KernelAddress& a, const KernelAddress& b) {
+    return a.index == b.index && a.address == b.address && a.prefix == b.prefix;
+}
+
+/// A link's addresses and routes before one of its addresses is deleted. With a primary address the kernel
+/// takes its secondary ones away, and with the last address, be it for a moment, every route of the link.
+class BeforeDeletion {
+ public:
+    BeforeDeletion(Netlink& kernel, std::uint32_t index) : kernel_(kernel), index_(index) {}
+
+    KernelAnswer Take() {
+        KernelAnswer answer = kernel_.DumpAddresses(addresses_);
+        if (answer.Ok()) answer = kernel_.DumpRoutes(plainRoutes_);
+        if (answer.Ok()) answer = kernel_.SaveLinkState(index_, exactRoutes_);
+        std::erase_if(addresses_, [&](const KernelAddress& address) { return address.index != index_; });
+        std::erase_if(plainRoutes_, [&](const KernelRoute& route) {
+            static constexpr std::uint8_t kMadeByDhcp = 16;
+            const bool leftOut = route.prefix == 0 || route.protocol == kMadeByDhcp;
+            return route.index != index_ || !leftOut;
+        });
+        std::erase_if(exactRoutes_, [](const RawMessage& message) {
+            // The payload begins with the address family (struct rtmsg).
+            return message.type != RTM_NEWROUTE || message.payload.front() != AF_INET;
+        });
+        return answer;
+    }
+
+    /// Gives the link back what went with the address that was meant to go.
+    void RestoreBut(const KernelAddress& unwanted) {
+        std::vector<KernelAddress> left;
+        if (!kernel_.DumpAddresses(left).Ok()) return;
+        bool lost = false;
+        for (const KernelAddress& address : addresses_) {
+            const auto same = [&](const KernelAddress& other) { return SamePlace(other, address); };
+            if (same(unwanted) || std::any_of(left.begin(), left.end(), same)) continue;
+            static_cast<void>(kernel_.AddAddress(address, false));
+            lost = true;
+        }
+        if (lost) RestoreRoutes();
+    }
+
+ private:
+    /// What leads through the network of the deleted address cannot come back, and need not.
+    void RestoreRoutes() {
+        for (const RawMessage& message : exactRoutes_) static_cast<void>(kernel_.Restore(message));
+        std::vector<KernelRoute> left;
+        if (!kernel_.DumpRoutes(left).Ok()) return;
+        for (const KernelRoute& route : plainRoutes_) {
+            const bool there = std::find(left.begin(), left.end(), route) != left.end();
+            if (!there) static_cast<void>(kernel_.AddRoute(route));
+        }
+    }
+
+    Netlink& kernel_;
+    std::uint32_t index_;
+    std::vector<KernelAddress> addresses_;
+    std::vector<RawMessage> exactRoutes_;   ///< With all their attributes; default and DHCP routes left out.
+    std::vector<KernelRoute> plainRoutes_;  ///< Those.
+};
 
 }  // namespace
 
@@ -158,10 +226,27 @@ Win32Error IpHelper::AddIPAddress(const Ipv4Bytes& address, const Ipv4Bytes& mas
     wanted.index = ifIndex;
     wanted.address = address;
     wanted.prefix = *prefix;
-    const KernelAnswer answer = machine_->Kernel().AddAddress(wanted, false);
-    if (!answer.Ok()) return FromErrno(answer.errnoValue);
-    nteContext = ContextOf(wanted);
-    return Win32Error::kSuccess;
+    const Win32Error code = AddForRunTime(wanted);
+    if (Ok(code)) nteContext = ContextOf(wanted);
+    return code;
+}
+
+Win32Error IpHelper::AddForRunTime(const KernelAddress& address) {
+    Netlink& kernel = machine_->Kernel();
+    machine_->Update();
+    const LinkRow* const row = machine_->RowOfIndex(address.index);
+    if (row == nullptr) return FromErrno(kernel.AddAddress(address, false).errnoValue);
+    const std::string id = row->id;
+    bool added = false;
+    // Both or none, and nobody takes the address for the link's own in between.
+    const Win32Error code = machine_->Store().Transact([&](RegistryStore::Editor& editor) {
+        const KernelAnswer answer = kernel.AddAddress(address, false);
+        added = answer.Ok();
+        return added ? NoteRunTimeAddress(machine_->Store(), editor, id, address)
+                     : FromErrno(answer.errnoValue);
+    });
+    if (!Ok(code) && added) static_cast<void>(kernel.DeleteAddress(address));
+    return code;
 }
 
 Win32Error IpHelper::DeleteIPAddress(std::uint32_t nteContext) {
@@ -169,34 +254,35 @@ Win32Error IpHelper::DeleteIPAddress(std::uint32_t nteContext) {
         nteContext > 0xFFFF ? addresses_.end() : addresses_.find(static_cast<std::uint16_t>(nteContext));
     if (known == addresses_.end()) return Win32Error::kInvalidParameter;
     const AddressKey key = known->second;
-    Netlink& kernel = machine_->Kernel();
-    std::vector<KernelAddress> before;
-    const KernelAnswer listed = kernel.DumpAddresses(before);
-    if (!listed.Ok()) return FromErrno(listed.errnoValue);
     KernelAddress unwanted;
     unwanted.index = key.index;
     unwanted.address = key.address;
     unwanted.prefix = key.prefix;
-    const KernelAnswer answer = kernel.DeleteAddress(unwanted);
+    BeforeDeletion before(machine_->Kernel(), key.index);
+    const KernelAnswer taken = before.Take();
+    if (!taken.Ok()) return FromErrno(taken.errnoValue);
+    const KernelAnswer answer = machine_->Kernel().DeleteAddress(unwanted);
     if (!answer.Ok()) {
         const Win32Error code = FromErrno(answer.errnoValue);
         return code == Win32Error::kGenFailure ? Win32Error::kInvalidParameter : code;
     }
-    // The kernel takes the secondary addresses of a primary one away with it: those are not meant to go.
-    std::vector<KernelAddress> after;
-    static_cast<void>(kernel.DumpAddresses(after));
-    for (const KernelAddress& address : before) {
-        const auto same = [&](const KernelAddress& other) {
-            return other.index == address.index && other.address == address.address &&
-                   other.prefix == address.prefix;
-        };
-        if (address.index != key.index || same(unwanted) || std::any_of(after.begin(), after.end(), same))
-            continue;
-        static_cast<void>(kernel.AddAddress(address, false));
-    }
+    before.RestoreBut(unwanted);
+    ForgetRunTime(unwanted);
     contexts_.erase(key);
     addresses_.erase(static_cast<std::uint16_t>(nteContext));
     return Win32Error::kSuccess;
+}
+
+void IpHelper::ForgetRunTime(const KernelAddress& address) {
+    machine_->Update();
+    const LinkRow* const row = machine_->RowOfIndex(address.index);
+    if (row == nullptr || !IsRunTimeAddress(ReadRunTimeAddresses(machine_->Store(), row->id), address))
+        return;
+    const std::string id = row->id;
+    // A note that stays makes no address come back.
+    static_cast<void>(machine_->Store().Transact([&](RegistryStore::Editor& editor) {
+        return ForgetRunTimeAddress(machine_->Store(), editor, id, address);
+    }));
 }
 
 Win32Error IpHelper::CreateIpForwardEntry(const IpForwardRow& row) {
@@ -206,19 +292,17 @@ Win32Error IpHelper::CreateIpForwardEntry(const IpForwardRow& row) {
 }
 
 Win32Error IpHelper::DeleteIpForwardEntry(const IpForwardRow& row) {
-    std::optional<KernelRoute> route = RouteOf(row);
-    if (!route) return Win32Error::kInvalidParameter;
+    const std::optional<KernelRoute> wanted = RouteOf(row);
+    if (!wanted) return Win32Error::kInvalidParameter;
     // Whoever made the route: the caller names it by where it leads.
     machine_->Update();
+    const KernelRoute* found = nullptr;
     for (const KernelRoute& present : machine_->Picture().routes) {
-        if (present.destination == route->destination && present.prefix == route->prefix &&
-            present.gateway == route->gateway && present.index == route->index &&
-            present.metric == route->metric) {
-            route = present;
-            break;
-        }
+        const bool named = SameWay(present, *wanted) && (row.metric1 == 0 || present.metric == row.metric1);
+        if (named && (found == nullptr || present.metric < found->metric)) found = &present;
     }
-    return FromErrno(machine_->Kernel().DeleteRoute(*route).errnoValue);
+    const KernelRoute route = found != nullptr ? *found : *wanted;
+    return FromErrno(machine_->Kernel().DeleteRoute(route).errnoValue);
 }
 
 Win32Error IpHelper::IpReleaseAddress(const InterfaceEntry& entry) { return ReleaseDhcp(entry.index); }

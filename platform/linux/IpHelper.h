@@ -38,6 +38,11 @@ class IpHelper : public IpHelperApi {
     };
     std::uint16_t ContextOf(const KernelAddress& address);
 
+    /// Adds an address and notes in the store that it came at run time, both or none. What cannot be noted is
+    /// refused with the store's code; a store that is read-only notes it for this program only.
+    Win32Error AddForRunTime(const KernelAddress& address);
+    void ForgetRunTime(const KernelAddress& address);
+
     std::shared_ptr<Machine> machine_;
     std::unordered_map<std::uint32_t, KernelLink> fresh_;  ///< Of the last dump, not yet handed out.
     std::map<AddressKey, std::uint16_t> contexts_;         ///< Handed out by this program.

@@ -12,6 +12,7 @@
 #include <sys/file.h>
 
 #include "platform/Address.h"
+#include "platform/RegistryKeys.h"
 #include "platform/Text.h"
 #include "platform/linux/Announce.h"
 #include "platform/linux/Descriptor.h"
@@ -272,7 +273,8 @@ class Operation {
         row_.applied = overrides_ ? MacDigits(*wanted_) : std::string();
         if (!overrides_ && wanted_) ForgetOriginal(row_.incarnation);
         const Win32Error code = machine_.Store().Transact([&](RegistryStore::Editor& editor) {
-            const Win32Error forgotten = editor.SaveHeld(row_.id, {});
+            Win32Error forgotten = editor.SaveHeld(row_.id, {});
+            if (Ok(forgotten)) forgotten = editor.DeleteValue(TcpipKey(row_.id), kRunTimeAddresses);
             return Ok(forgotten) ? editor.SaveLink(row_) : forgotten;
         });
         if (!Ok(code)) Problem("the registry could not be brought up to date: " + Trim(Win32Text(code)));

@@ -18,6 +18,7 @@
 #include "platform/RegistryKeys.h"
 #include "platform/Text.h"
 #include "platform/linux/OriginalNote.h"
+#include "platform/linux/TcpipKey.h"
 
 namespace corvane {
 
@@ -90,13 +91,15 @@ struct TcpipValues {
     std::vector<std::string> metrics;
 };
 
+/// `runTime`: the addresses that are there until the next restart only.
 TcpipValues ValuesOf(const std::vector<const KernelAddress*>& addresses,
-                     const std::vector<const KernelRoute*>& routes) {
+                     const std::vector<const KernelRoute*>& routes, const std::vector<std::string>& runTime) {
     TcpipValues values;
     values.dhcp = std::any_of(addresses.begin(), addresses.end(),
                               [](const KernelAddress* address) { return address->validSeconds != kForever; });
     if (!values.dhcp) {
         for (const KernelAddress* address : addresses) {
+            if (IsRunTimeAddress(runTime, *address)) continue;
             values.addresses.push_back(DottedQuad(address->address.data()));
             values.masks.push_back(DottedQuad(MaskFromPrefix(address->prefix).data()));
         }
@@ -116,8 +119,10 @@ TcpipValues ValuesOf(const std::vector<const KernelAddress*>& addresses,
 /// One pass of bringing the store in step, inside a transaction.
 class Step {
  public:
-    Step(RegistryStore::Editor& editor, const KernelPicture& picture, const TimeZone& zone, Ethtool& ethtool)
-        : editor_(editor),
+    Step(RegistryStore& store, RegistryStore::Editor& editor, const KernelPicture& picture,
+         const TimeZone& zone, Ethtool& ethtool)
+        : store_(store),
+          editor_(editor),
           picture_(picture),
           zone_(zone),
           ethtool_(ethtool),
@@ -198,7 +203,8 @@ class Step {
     }
 
     /// A new kernel object: what was true of the former one, its virtual address among it, is not true of
-    /// this. The messages kept of the former one name an index that is another link's by now.
+    /// this, nor has it the addresses that the former one got at run time. The messages kept of the former
+    /// one name an index that is another link's by now.
     void NewIncarnation(const KernelLink& link, LinkRow& row) {
         row.permanent = PermanentDigits(link);
         const std::string current = link.address == MacBytes{} ? std::string() : MacDigits(link.address);
@@ -211,6 +217,7 @@ class Step {
         }
         row.incarnation = Incarnation(picture_, link);
         Note(editor_.SaveHeld(row.id, {}));
+        Note(editor_.DeleteValue(TcpipKey(row.id), kRunTimeAddresses));
         if (link.Up()) row.held = false;
     }
 
@@ -233,7 +240,7 @@ class Step {
         const bool live = link.Up() && !row.held;
         const std::string signature = LinkSignature(link, live, addresses, routes);
         if (firstSight || (live && row.signature != signature))
-            WriteTcpip(row.id, ValuesOf(addresses, routes));
+            WriteTcpip(row.id, ValuesOf(addresses, routes, ReadRunTimeAddresses(store_, row.id)));
         row.index = link.index;
         row.signature = signature;
     }
@@ -275,6 +282,7 @@ class Step {
         Note(editor_.SaveLink(row));
     }
 
+    RegistryStore& store_;  ///< Read as part of the transaction.
     RegistryStore::Editor& editor_;
     const KernelPicture& picture_;
     const TimeZone& zone_;
@@ -391,7 +399,7 @@ Win32Error SyncLinks(RegistryStore& store, const KernelPicture& picture, const T
     const bool hasKeys = store.ReadValue(kHkeyLocalMachine, kAdaptersKey, "").keyOpened;
     if (hasKeys && InStep(rows, picture) && ShowsZone(store, zone)) return code;
     code = store.Transact(
-        [&](RegistryStore::Editor& editor) { return Step(editor, picture, zone, ethtool).Run(); });
+        [&](RegistryStore::Editor& editor) { return Step(store, editor, picture, zone, ethtool).Run(); });
     if (!Ok(code)) return code;
     return store.LoadLinks(rows);
 }

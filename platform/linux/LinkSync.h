@@ -42,8 +42,9 @@ std::string LinkSignature(const KernelLink& link, bool live,
 ///
 /// A link seen for the first time gets keys, a stable GUID and its original address (the permanent one, else
 /// the present one). Its IPv4 set-up is recorded, and refreshed while it is up and not held, as values of the
-/// kernel's: what the user set stays. A vanished link loses its adapters key and its binding; its settings
-/// stay for when it comes back, unless there is nothing in them that the user set.
+/// kernel's, without the addresses that the program added at run time (see TcpipKey.h): what the user set
+/// stays. A vanished link loses its adapters key and its binding; its settings stay for when it comes back,
+/// unless there is nothing in them that the user set.
 Win32Error SyncLinks(RegistryStore& store, const KernelPicture& picture, const TimeZone& zone,
                      Ethtool& ethtool, std::vector<LinkRow>& rows);
 

@@ -151,6 +151,9 @@ class RegistryStore::Editor {
     virtual Win32Error SetFromUser(const std::string& subkey, const std::string& name,
                                    const RegistryValue& value) = 0;
 
+    /// Whoever set it. No error when it is not there.
+    virtual Win32Error DeleteValue(const std::string& subkey, const std::string& name) = 0;
+
     /// Replaces the messages kept for a link; an empty list forgets them.
     virtual Win32Error SaveHeld(const std::string& linkId, const std::vector<HeldMessage>& messages) = 0;
 };

@@ -1,45 +1,37 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "platform/Platform.h"
 #include "platform/linux/Machine.h"
 
 namespace corvane {
 
-/// The registry role: the store, brought in step with the kernel before each operation.
+/// The registry role: the store, brought in step with the kernel before each operation. The name servers of a
+/// link that is up are in force as soon as they are written: the resolver's configuration follows, and what
+/// keeps it from following is told through the seat, while the result is the registry's.
 class SyncedRegistry : public RegistryApi {
  public:
     explicit SyncedRegistry(std::shared_ptr<Machine> machine) : machine_(std::move(machine)) {}
 
-    RegistryRead ReadValue(RegistryRoot root, const std::string& subkey, const std::string& name) override {
-        return Current().ReadValue(root, subkey, name);
-    }
+    RegistryRead ReadValue(RegistryRoot root, const std::string& subkey, const std::string& name) override;
     Win32Error WriteValue(RegistryRoot root, const std::string& subkey, const std::string& name,
-                          const RegistryValue& value) override {
-        return Current().WriteValue(root, subkey, name, value);
-    }
-    Win32Error DeleteValue(RegistryRoot root, const std::string& subkey, const std::string& name) override {
-        return Current().DeleteValue(root, subkey, name);
-    }
-    Win32Error CreateKey(RegistryRoot root, const std::string& subkey) override {
-        return Current().CreateKey(root, subkey);
-    }
+                          const RegistryValue& value) override;
+    Win32Error DeleteValue(RegistryRoot root, const std::string& subkey, const std::string& name) override;
+    Win32Error CreateKey(RegistryRoot root, const std::string& subkey) override;
     Win32Error EnumSubkeys(RegistryRoot root, const std::string& subkey,
-                           std::vector<std::string>& names) override {
-        // A program without rights reads a private image: what others wrote since is taken over with each
-        // enumeration, that is, at the start of a refresh.
-        if (machine_->Store().ReadOnly()) machine_->Forget();
-        return Current().EnumSubkeys(root, subkey, names);
-    }
+                           std::vector<std::string>& names) override;
     void BeginReading() override { Current().BeginReading(); }
     void EndReading() override { machine_->Store().EndReading(); }
 
  private:
-    RegistryStore& Current() {
-        machine_->Update();
-        return machine_->Store();
-    }
+    RegistryStore& Current();
+
+    /// True for the value "NameServer" of the TCP/IP key of a link that is present and up.
+    bool NamesServersInForce(const std::string& subkey, const std::string& name);
+    /// The result of a write, after the resolver's configuration followed it.
+    Win32Error Followed(Win32Error written, const std::string& subkey, const std::string& name);
 
     std::shared_ptr<Machine> machine_;
 };

@@ -34,6 +34,10 @@ class TablesEditor : public RegistryStore::Editor {
         return Set(subkey, name, Terminated(value), RegistryTables::Origin::kUser);
     }
 
+    Win32Error DeleteValue(const std::string& subkey, const std::string& name) override {
+        return Forgiving(tables_.DeleteValue(subkey, name));
+    }
+
     Win32Error SaveHeld(const std::string& linkId, const std::vector<HeldMessage>& messages) override {
         return tables_.SaveHeld(linkId, messages);
     }
@@ -57,7 +61,7 @@ class TablesEditor : public RegistryStore::Editor {
             case Kind::kSetValue:
                 return Set(change.subkey, change.name, change.value, RegistryTables::Origin::kUser);
             case Kind::kDeleteValue:
-                return Forgiving(tables_.DeleteValue(change.subkey, change.name));
+                return DeleteValue(change.subkey, change.name);
         }
         return Win32Error::kInvalidParameter;
     }

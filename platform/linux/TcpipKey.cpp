@@ -52,6 +52,20 @@ void TakeAddress(const std::string& text, const std::string& maskText, std::uint
     if (!repeated) setup.addresses.push_back(wanted);
 }
 
+std::string NoteOf(const KernelAddress& address) {
+    return DottedQuad(address.address.data()) + "/" + std::to_string(address.prefix);
+}
+
+RegistryValue ListValue(const std::vector<std::string>& entries) {
+    RegistryValue value{kRegMultiSz, {}};
+    for (const std::string& entry : entries) {
+        value.data.insert(value.data.end(), entry.begin(), entry.end());
+        value.data.push_back(0);
+    }
+    value.data.push_back(0);
+    return value;
+}
+
 }  // namespace
 
 bool UsesDhcp(RegistryStore& store, const std::string& linkId) {
@@ -90,6 +104,31 @@ StaticSetup ReadStaticSetup(RegistryStore& store, const std::string& linkId, std
         setup.defaultRoutes.push_back(route);
     }
     return setup;
+}
+
+std::vector<std::string> ReadRunTimeAddresses(RegistryStore& store, const std::string& linkId) {
+    return ReadList(store, TcpipKey(linkId), kRunTimeAddresses);
+}
+
+bool IsRunTimeAddress(const std::vector<std::string>& notes, const KernelAddress& address) {
+    return std::find(notes.begin(), notes.end(), NoteOf(address)) != notes.end();
+}
+
+Win32Error NoteRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor, const std::string& linkId,
+                              const KernelAddress& address) {
+    std::vector<std::string> notes = ReadRunTimeAddresses(store, linkId);
+    if (IsRunTimeAddress(notes, address)) return Win32Error::kSuccess;
+    notes.push_back(NoteOf(address));
+    return editor.SetFromKernel(TcpipKey(linkId), kRunTimeAddresses, ListValue(notes));
+}
+
+Win32Error ForgetRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor,
+                                const std::string& linkId, const KernelAddress& address) {
+    std::vector<std::string> notes = ReadRunTimeAddresses(store, linkId);
+    std::erase(notes, NoteOf(address));
+    const std::string key = TcpipKey(linkId);
+    return notes.empty() ? editor.DeleteValue(key, kRunTimeAddresses)
+                         : editor.SetFromKernel(key, kRunTimeAddresses, ListValue(notes));
 }
 
 std::optional<std::string> ReadOverride(RegistryStore& store, const std::string& driverKey) {

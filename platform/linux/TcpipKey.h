@@ -26,6 +26,21 @@ struct StaticSetup {
 /// empty entries and repeated addresses are left out.
 StaticSetup ReadStaticSetup(RegistryStore& store, const std::string& linkId, std::uint32_t linkIndex);
 
+/// The addresses that the program added to a link's running stack: the value "RunTimeIPAddress" of its TCP/IP
+/// key, such as "10.0.0.5/24". They are no part of the set-up that the store takes over from the kernel, so
+/// that a restart does not bring them back. A note ends when the program deletes the address, when the link
+/// is enabled anew, and with the kernel's object.
+inline constexpr char kRunTimeAddresses[] = "RunTimeIPAddress";
+
+std::vector<std::string> ReadRunTimeAddresses(RegistryStore& store, const std::string& linkId);
+bool IsRunTimeAddress(const std::vector<std::string>& notes, const KernelAddress& address);
+
+/// Parts of the transaction on `store` that `editor` writes in.
+Win32Error NoteRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor, const std::string& linkId,
+                              const KernelAddress& address);
+Win32Error ForgetRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor,
+                                const std::string& linkId, const KernelAddress& address);
+
 /// The override "NetworkAddress" of a driver key: its text without NULs, or nothing when there is no value.
 std::optional<std::string> ReadOverride(RegistryStore& store, const std::string& driverKey);
 

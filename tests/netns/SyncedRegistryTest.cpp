@@ -1,4 +1,5 @@
-#include <cerrno>
+#include <cctype>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -76,15 +77,20 @@ TEST_F(SyncedRegistryTest, KeyAndNameMayBeWrittenInAnyCase) {
 }
 
 TEST_F(SyncedRegistryTest, TheNameServersOfALinkThatIsDownWaitForItsNextStart) {
+    const netns::ScopedVeth other;
+    other.BringUp();
+    machine_->Update();
+    ASSERT_EQ(Write(TcpipKey(machine_->RowOfName(other.Name())->id), "NameServer", "10.92.0.53"),
+              Win32Error::kSuccess);
     LinkControl control(machine_);
     std::string failure;
     ASSERT_TRUE(control.Disable(link_.Name(), failure)) << failure;
-    Put("here nothing may be written\n");
-    ASSERT_EQ(Write("10.91.0.53"), Win32Error::kSuccess);
-    EXPECT_EQ(Resolver(), "here nothing may be written\n");
+    // Whoever looked at it would write the other link's block anew.
     Put(kBefore);
+    ASSERT_EQ(Write("10.91.0.53"), Win32Error::kSuccess);
+    EXPECT_EQ(Resolver(), kBefore);
     ASSERT_TRUE(control.Enable(link_.Name(), failure)) << failure;
-    EXPECT_EQ(Resolver(), Block("nameserver 10.91.0.53\n") + kBefore);
+    EXPECT_EQ(Resolver(), Block("nameserver 10.91.0.53\nnameserver 10.92.0.53\n") + kBefore);
 }
 
 TEST_F(SyncedRegistryTest, OtherWritesLeaveTheResolverAlone) {
