@@ -204,5 +204,5 @@ class Layout(MainWindowTest):
         before = Area(*self.window.table(LIST).extents)
         pane = Area(*self.details_pane())
         grip = (before.x + before.width // 2, (before.y + before.height + pane.y) // 2)
-        self.drag(grip, (grip[0], grip[1] - 100))
-        self.assertEqual(Area(*self.window.table(LIST).extents).height, before.height - 100)
+        self.drag(grip, (grip[0], grip[1] + 100))
+        self.assertEqual(Area(*self.window.table(LIST).extents).height, before.height + 100)

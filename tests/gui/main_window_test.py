@@ -9,6 +9,9 @@ from world import ip
 CONNECTIONS = "Network Connections"
 LISTS = ("IP Address", "Gateway", "DNS Server")
 BUTTONS = ["Refresh", "Change MAC", "Disable", "Enable DHCP", "Release IP", "Renew IP", "Export"]
+PRESET_BUTTONS = ["Apply", "Edit", "Delete"]
+LIST_BUTTONS = ["Add IP Address", "Remove IP Address", "Add Gateway", "Remove Gateway", "Add DNS Server",
+                "One up DNS Server priority", "Remove DNS Server", "One down DNS Server priority"]
 READ_ANEW = "The connections were read anew."
 EXPORT = "Export Text Report As ..."
 
@@ -119,8 +122,10 @@ class Contents(MainWindowTest):
                          ["Refresh", "Export"])
         self.assertEqual(self.window.menu("Connection").items,
                          [("Change MAC Address", False), ("Enable Network Connection", False)])
-        self.assertEqual(self.window.menu("TCP/IP").items, [("Enable DHCP", False), ("Release IP", False),
-                                                            ("Renew IP", False), ("Interface Metric", False)])
+        self.assertEqual({enabled for _, enabled in self.window.menu("TCP/IP").items}, {False})
+        self.assertEqual(self.window.menu("Presets").items,
+                         [("Create / Edit Configuration Preset", True), ("Apply Preset", False),
+                          ("Edit Preset", False), ("Delete Preset", False)])
         self.connections.click_row(0, button=3)
         self.desktop.press("ctrl+m", "ctrl+e", "ctrl+d", "ctrl+l", "ctrl+r")
         self.assertEqual([node.role for node in self.window.node.children], ["frame"])
@@ -167,7 +172,13 @@ class Commands(MainWindowTest):
 
     MENUS = {"File": [("Refresh", True), (EXPORT, True), ("Exit", True)],
              "Connection": [("Change MAC Address", True), ("Disable Network Connection", True)],
-             "TCP/IP": [("Enable DHCP", True), ("Release IP", False), ("Renew IP", False), ("Interface Metric", True)],
+             "TCP/IP": [("Enable DHCP", True), ("Release IP", False), ("Renew IP", False),
+                        ("Add IP Address", True), ("Remove IP Address", False),
+                        ("Add Gateway", True), ("Remove Gateway", False),
+                        ("Add DNS Server", True), ("Remove DNS Server", False), ("DNS Server Up", False),
+                        ("DNS Server Down", False), ("Interface Metric", True)],
+             "Presets": [("Create / Edit Configuration Preset", True), ("Apply Preset", False), ("Edit Preset", False),
+                         ("Delete Preset", False)],
              "Help": [("Help", True), ("Orvella Website", True), ("About Us", True)]}
 
     def setUp(self):
@@ -180,7 +191,7 @@ class Commands(MainWindowTest):
         self.choose("lan0")
         for menu, items in self.MENUS.items():
             self.assertEqual(self.window.menu(menu).items, items)
-        self.assertEqual(self.window.buttons, BUTTONS)
+        self.assertEqual(self.window.buttons, [*BUTTONS, *PRESET_BUTTONS, *LIST_BUTTONS])
         self.choose("lan1")
         self.assertEqual(self.window.buttons[2], "Enable")
         self.assertEqual(self.window.menu("Connection").items[1], ("Enable Network Connection", True))
@@ -194,8 +205,8 @@ class Commands(MainWindowTest):
             self.desktop.press("Tab")
             self.assertLess(len(ring), 30, ring)
         buttons = [("push button", name) for name in BUTTONS if name not in ("Release IP", "Renew IP")]
-        lists = [("table", name) for name in (CONNECTIONS, *LISTS)]
-        self.assertEqual(ring, lists + buttons)
+        lists = [(role, name) for kind in LISTS for role, name in (("table", kind), ("push button", f"Add {kind}"))]
+        self.assertEqual(ring, [("table", CONNECTIONS), ("table", "Presets"), *lists, *buttons])
         # And the other way round.
         for control in reversed(ring):
             self.desktop.press("shift+Tab")
@@ -206,11 +217,13 @@ class Commands(MainWindowTest):
 
     def test_buttons_have_mnemonics_of_their_own(self):
         self.open_window()
-        mnemonics = [self.window.button(name).mnemonic for name in self.window.buttons]
-        self.assertEqual(len(set(mnemonics)), len(BUTTONS))
+        # The others are reached by their lists' keys.
+        named = [*BUTTONS, "Apply", "Edit"]
+        mnemonics = [self.window.button(name).mnemonic for name in named]
+        self.assertEqual(len(set(mnemonics)), len(named))
         for mnemonic in mnemonics:
             self.assertRegex(mnemonic, r"^alt\+[a-z]$")
-        self.assertFalse({"alt+f", "alt+c", "alt+t", "alt+h"} & set(mnemonics))
+        self.assertFalse({"alt+f", "alt+c", "alt+t", "alt+s", "alt+h"} & set(mnemonics))
 
     def test_the_panel_for_another_address_opens_and_closes(self):
         self.open_window()
