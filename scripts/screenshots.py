@@ -9,7 +9,9 @@ import math
 import os
 import pathlib
 import signal
+import shutil
 import socket
+import struct
 import subprocess
 import sys
 import threading
@@ -39,6 +41,23 @@ LARGEST_FILE = 120_000
 TRAFFIC_PORT = 9
 PACKET = bytes(1400)
 TICK_SECONDS = 0.05
+
+
+def preset_text(text):
+    return struct.pack("<H", len(text)) + text.encode("cp1252")
+
+
+def preset_record(name, flags, mac="", *lists):
+    """A record of presets.npf; lists that are not given have one empty text."""
+    lists = [*lists, *[[""]] * (5 - len(lists))]
+    return b"".join([preset_text(name), bytes([flags]), preset_text(mac),
+                     *(struct.pack("<HIi", 1, len(texts), 0) + b"".join(map(preset_text, texts)) for texts in lists)])
+
+
+PRESETS = [preset_record("Home", 1 | 2 | 4, "", ["0.0.0.0"], ["0.0.0.0"]),
+           preset_record("Office", 2 | 8 | 16 | 32, "8C-56-C5-FB-82-03", ["192.168.40.17"], ["255.255.255.0"],
+                         ["192.168.40.1"], ["10"], ["192.168.40.53", "192.168.40.54"]),
+           preset_record("Guest network", 1 | 2, "", ["0.0.0.0"], ["0.0.0.0"])]
 
 
 def wave(name, second):
@@ -73,6 +92,7 @@ class Pictures(World):
 
     def runTest(self):
         self.folder.mkdir(parents=True, exist_ok=True)
+        self.copy_programs_with_presets()
         self.make_network()
         self.desktop = gui.Desktop(self)
         self.screen = self.desktop.screen
@@ -83,10 +103,19 @@ class Pictures(World):
         self.desktop.start_tray()
         self.watched_traffic()
         self.vendor_list()
+        self.new_address()
+        self.preset()
         self.change_of_address()
         self.about()
         self.tray()
         self.small()
+
+    def copy_programs_with_presets(self):
+        """The presets lie beside the program, and those of the build are not for pictures."""
+        self.copy_programs()
+        for name in ("nicx-window", "help.html"):
+            shutil.copy(BIN / name, self.programs / name)
+        (self.programs / "presets.npf").write_bytes(struct.pack("<i", len(PRESETS)) + b"".join(PRESETS))
 
     # --- the network -----------------------------------------------------------------------------------------------
 
@@ -130,7 +159,7 @@ class Pictures(World):
 
     def splash(self):
         """It is gone in a moment, so the program is let run in small steps; what it showed last is kept."""
-        program = subprocess.Popen([BIN / "nicx-window"], stdin=subprocess.DEVNULL, preexec_fn=end_with_parent)
+        program = subprocess.Popen([self.programs / "nicx-window"], stdin=subprocess.DEVNULL, preexec_fn=end_with_parent)
         pictures = []
 
         def windows():
@@ -172,7 +201,7 @@ class Pictures(World):
 
     def help_options(self):
         title = "Command Line Help - Orvella Corvane v4"
-        program = self.desktop.start(BIN / "nicx-window", "-help", title=title)
+        program = self.desktop.start(self.programs / "nicx-window", "-help", title=title)
         self.keep("help-options", self.frame(program))
         program.button("OK").click()
         program.wait_exit()
@@ -191,7 +220,7 @@ class Pictures(World):
         self.keep("main", self.frame(self.window))
 
     def start_window(self, environment=None):
-        window = self.desktop.start(BIN / "nicx-window", title=TITLE, environment=environment)
+        window = self.desktop.start(self.programs / "nicx-window", title=TITLE, environment=environment)
         self.connections(window).click_row("lan1")
         return window
 
@@ -207,6 +236,23 @@ class Pictures(World):
         _, list_top, _, list_height = self.window.popup().root().extents
         self.keep("vendor-list", (left, top, width, max(height, list_top + list_height - top)))
         self.desktop.press("Escape", "Escape")
+
+    def new_address(self):
+        self.connections(self.window).click_row("lan1")
+        self.window.table("IP Address").click_row("10.78.0.12")
+        self.desktop.press("7")
+        self.desktop.type("10.78.0.13")
+        self.window.entry("Prefix length").enter("24")
+        self.window.check("Persistant IP Address").click()
+        self.keep("add-ip", self.frame(self.window))
+        self.desktop.press("Escape")
+
+    def preset(self):
+        self.window.table("Presets").click_row("Office")
+        self.window.button("Edit").click()
+        self.window.entry("Preset name").expect(text="Office")
+        self.keep("preset", self.frame(self.window))
+        self.window.button("Leave").click()
 
     def change_of_address(self):
         self.desktop.press("ctrl+m")

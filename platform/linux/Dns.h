@@ -20,9 +20,9 @@ std::vector<std::string> MergedDnsServers(RegistryStore& store, Netlink& netlink
 /// whenever a block comes into it anew is kept at `copyPath`. Written beside and renamed; in place where the
 /// file is a mount point or its folder is read-only, which is not one step for those who read it or for a
 /// crash. A symbolic link and a file that cannot be written are left alone: false with the reason and the
-/// remedy in `failure`. A missing file is made when there are servers. Nothing is written when nothing
-/// changes. Programs that do this at once wait for each other (lock file `copyPath` + ".lock", at most five
-/// seconds).
+/// remedy in `failure`, except for a link when there are no servers: nothing of the program's is in it. A
+/// missing file is made when there are servers. Nothing is written when nothing changes. Programs that do
+/// this at once wait for each other (lock file `copyPath` + ".lock", at most five seconds).
 bool UpdateResolvConf(const std::string& path, const std::string& copyPath,
                       const std::vector<std::string>& servers, std::string& failure);
 

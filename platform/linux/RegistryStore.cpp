@@ -210,16 +210,14 @@ struct RegistryStore::Impl {
     }
 
     Win32Error OpenFile() {
-        int result = file.database.Open(path, Database::Mode::kReadWrite, Patience());
-        if (result != kSqliteOk) {
-            const int unseen = AccessFailure(path, F_OK);
-            if (unseen == ENOENT) {
-                const int unmade = MakeFile(path);
-                if (Denied(unmade)) return UseNoFile();
-                if (unmade != 0) return Win32Error::kCantOpen;
-                result = file.database.Open(path, Database::Mode::kReadWrite, Patience());
-            }
+        // Made first: opening a file that another program makes at this moment could fail, or end in one that
+        // is only read (SQLite tries that when it finds none to write).
+        if (AccessFailure(path, F_OK) == ENOENT) {
+            const int unmade = MakeFile(path);
+            if (Denied(unmade)) return UseNoFile();
+            if (unmade != 0) return Win32Error::kCantOpen;
         }
+        const int result = file.database.Open(path, Database::Mode::kReadWrite, Patience());
         if (result != kSqliteOk) {
             return Denied(AccessFailure(path, R_OK)) ? Win32Error::kAccessDenied : FromSqlite(result, false);
         }

@@ -139,6 +139,13 @@ class Dns(World):
         self.assertEqual(other.read_bytes(), BEFORE)
         self.assert_up("eth0", "02:00:00:00:10:01", ["10.1.0.2/24"])
 
+    def test_a_link_to_another_programs_file_is_no_matter_without_servers(self):
+        self.veth("eth0", "10.1.0.2/24")
+        RESOLV_CONF.unlink()
+        RESOLV_CONF.symlink_to("/run/resolver/resolv.conf")
+        self.restart("eth0")
+        self.assertTrue(RESOLV_CONF.is_symlink())
+
     def test_a_missing_file_is_made_and_nothing_else_is_left_in_its_folder(self):
         self.veth("eth0", "10.1.0.2/24")
         RESOLV_CONF.unlink()
