@@ -136,7 +136,7 @@ std::optional<std::size_t> RowList::SelectedRow() const {
 void RowList::SetVisibleRows(int rows) {
     // A row and the titles with the room that the toolkit gives them.
     const int row = GetCharHeight() + FromDIP(4);
-    const int titles = GetCharHeight() + FromDIP(10);
+    const int titles = GetCharHeight() + FromDIP(14);
     SetMinSize(wxSize(-1, row * rows + titles));
 }
 

@@ -41,7 +41,7 @@ constexpr int kGap = 6;
 /// Events of one change come in groups; a refresh waits for the rest of the group.
 constexpr int kSettleMilliseconds = 200;
 /// The list's part of the height.
-constexpr double kListShare = 0.25;
+constexpr double kListShare = 0.28;
 /// What is wanted and the least, in pixels at the normal scale.
 const wxSize kWantedSize(1120, 840);
 const wxSize kLeastSize(560, 420);

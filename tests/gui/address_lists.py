@@ -37,6 +37,11 @@ class AddressListTest(MainWindowTest):
         self.assertEqual(self.quad, ["", "", "", ""])
         self.assert_focus(f"{self.box_name}, octet 1 of 4")
 
+    def clear_quad(self):
+        for number in (1, 2, 3, 4):
+            self.octet_box(number).click()
+            self.desktop.press("ctrl+a", "Delete")
+
     def enter_quad(self, text):
         """Types into the four boxes from the first one on, whatever is in them."""
         self.octet_box(1).click()

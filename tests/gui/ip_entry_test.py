@@ -1,6 +1,7 @@
 """Typing an IP address, a mask or a prefix length into the panel of the main window: keys, clicks, the clipboard."""
 
 from ip_panel import ADDRESS, BOXES, EMPTY, IP_LIST, MASK, PERSISTENT, PREFIX, IpPanelTest, octet_name
+from waiting import NotNow
 
 FULL = ["192", "168", "100", "200"]
 
@@ -19,8 +20,13 @@ class EntryTest(IpPanelTest):
 
     def enter(self, number, text):
         """Types over what is in a box of the address."""
-        self.box(ADDRESS, number).click()
+        self.mark(number)
         self.type(text)
+
+    def mark(self, number, row=ADDRESS):
+        """Clicks in a box and selects its whole text."""
+        self.box(row, number).click()
+        self.press("Home", "shift+End")
 
 
 class Typing(EntryTest):
@@ -43,11 +49,11 @@ class Typing(EntryTest):
         self.assert_boxes(["192", "7", "1", "234"])
         self.assert_caret(ADDRESS, 1, 1)
         # Faster than anybody types, through all boxes.
-        self.box(ADDRESS, 0).click()
+        self.mark(0)
         self.type("101102103104105")
         self.assert_boxes(["101", "102", "103", "104"], EMPTY)
         # The number pad: with Num Lock these are 1, the point and 2.
-        self.box(ADDRESS, 0).click()
+        self.mark(0)
         self.press("Num_Lock", "KP_End", "KP_Delete", "KP_Down", "Num_Lock")
         self.assert_boxes(["1", "2", "103", "104"])
         self.assert_caret(ADDRESS, 1, 1)
@@ -59,7 +65,7 @@ class Typing(EntryTest):
         self.type(".")
         self.assert_caret(ADDRESS, 3, 2)
         # Onto a selected text, too; it stays.
-        self.box(ADDRESS, 0).click()
+        self.mark(0)
         self.type("..")
         self.assert_boxes(["10", "20", "30", "40"])
         self.assert_selected(ADDRESS, 2)
@@ -100,8 +106,9 @@ class Typing(EntryTest):
         self.assert_focus(ADDRESS, 0)
         self.type("1x2")
         self.assertEqual(self.box(ADDRESS, 0).text, "12")
+        self.press("BackSpace", "BackSpace")
         self.fill()
-        self.box(ADDRESS, 1).click()
+        self.mark(1)
         for text in ("g", " ", "é", "xyz"):
             self.type(text)
             self.assert_boxes(FULL)
@@ -173,15 +180,27 @@ class Typing(EntryTest):
         self.press("Home", "shift+Left")
         self.assert_caret(ADDRESS, 1, 0)
 
-    def test_clicks_focus_and_names(self):
+    def test_a_click_selects_what_is_in_the_box(self):
         self.fill()
-        for row in (ADDRESS, MASK):
-            for number in range(BOXES):
-                self.box(row, number).click()
-                self.assert_selected(row, number)
+        for number in range(BOXES):
+            self.box(MASK, number).click()
+            self.assert_selected(MASK, number)
+            self.box(ADDRESS, number).click()
+            self.assert_selected(ADDRESS, number)
         self.box(ADDRESS, 1).click()
         self.type("7")
         self.assert_boxes(["192", "7", *FULL[2:]])
+        # Where the focus is already, it puts the caret.
+        self.box(ADDRESS, 2).click()
+        self.box(ADDRESS, 2).click()
+        self.assertEqual(self.box(ADDRESS, 2).selection[0], self.box(ADDRESS, 2).selection[1])
+        self.prefix.click()
+        self.type("24")
+        self.box(ADDRESS, 0).click()
+        self.prefix.click()
+        self.assertEqual(self.prefix.selection, (0, 2))
+
+    def test_names_and_sizes(self):
         # The names are all there are, in the order in which they stand.
         names = [node.name for node, role in self.window.root().walk() if role == "text"]
         own = [octet_name(row, number) for row in (ADDRESS, MASK) for number in range(BOXES)] + [PREFIX]
@@ -190,13 +209,21 @@ class Typing(EntryTest):
         sizes = [self.box(ADDRESS, number).extents[2:] for number in range(BOXES)]
         self.assertEqual(len(set(sizes)), 1, sizes)
         window = self.x_window()
-        window.configure(width=1260, height=980)
-        self.desktop.screen.display.sync()
-        self.window.button("Close").expect(showing=True)
+        for size in ((1260, 980), (1000, 800)):
+            window.configure(width=size[0], height=size[1])
+            self.desktop.screen.display.sync()
+            self.expect_size(size)
+            self.assertEqual([self.box(row, number).extents[2:] for row in (ADDRESS, MASK) for number in range(BOXES)],
+                             sizes * 2)
+
+    def expect_size(self, size):
+        """Waits until what fills the window has this size."""
+        def look():
+            found = self.window.root().children[0].extents[2:]
+            if found != size:
+                raise NotNow(f"its size is {found}")
+        self.window.patiently(look, f"the size {size}")
         self.desktop.settle()
-        self.assertEqual(self.desktop.screen.extents(window)[2:], (1260, 980))
-        self.assertEqual([self.box(ADDRESS, number).extents[2:] for number in range(BOXES)], sizes)
-        self.assertEqual(self.box(MASK, 0).extents[2:], sizes[0])
 
 
 class Keyboard(EntryTest):
@@ -208,14 +235,18 @@ class Keyboard(EntryTest):
         for name in panel[1:]:
             self.press("Tab")
             self.assert_focus(name)
-        self.press("Tab")
-        self.assert_focus("Gateway")
-        for name in reversed(panel):
+        for name in reversed(panel[:-1]):
             self.press("shift+Tab")
             self.assert_focus(name)
-        # The removing button has nothing to remove.
+        self.assert_selected(ADDRESS, 0)
+        # Behind the buttons of its list, of which the one has something to remove, and in front of the next list.
         self.press("shift+Tab")
-        self.assert_focus("Remove IP Address" if self.window.button("Remove IP Address").enabled else "Add IP Address")
+        self.assert_focus("Remove IP Address")
+        self.window.button("Close").click()
+        self.open_ip_panel()
+        self.fill()
+        self.press("Tab", "Tab", "Tab", "Tab", "Tab", "Tab", "Tab", "Tab", "Tab")
+        self.assert_focus("Gateway")
         self.box(ADDRESS, 1).click()
         self.press("Tab")
         self.assert_selected(ADDRESS, 2)
@@ -231,12 +262,27 @@ class Keyboard(EntryTest):
         self.assertFalse(self.ip_panel_is_open)
         self.assert_focus(IP_LIST)
 
+    def test_the_commands_of_the_menus_work_in_the_boxes(self):
+        self.type("10")
+        self.press("ctrl+m")
+        self.assertTrue(self.panel_is_open)
+        self.box(ADDRESS, 0).click()
+        self.press("F5")
+        self.expect_fact("Done last", "The connections were read anew.")
+        self.press("ctrl+d")
+        self.window.expect_box("Restart Network Connection ?").press("No")
+        self.assertEqual(self.box(ADDRESS, 0).text, "10")
+
 
 class Clipboard(EntryTest):
+    def setUp(self):
+        super().setUp()
+        # Its vendor box takes any text.
+        self.window.button("Change MAC").click()
+        self.octet(0).expect(showing=True)
+
     def copy(self, text):
         """Puts a text on the clipboard; the vendor box is empty then and its list closed."""
-        if not self.panel_is_open:
-            self.press("ctrl+m")
         self.vendor.enter(text)
         self.press("ctrl+a", "ctrl+x", "Escape")
         self.assertEqual(self.vendor.text, "")
@@ -265,12 +311,12 @@ class Clipboard(EntryTest):
         for text in rubbish:
             with self.subTest(text):
                 self.copy(text)
-                self.box(ADDRESS, 1).click()
+                self.mark(1)
                 self.press("ctrl+v", "shift+Insert")
                 self.assert_boxes(FULL)
                 self.assert_selected(ADDRESS, 1)
         self.copy("77")
-        self.box(ADDRESS, 1).click()
+        self.mark(1)
         self.press("ctrl+v")
         self.assert_boxes(["192", "77", *FULL[2:]])
         self.assert_caret(ADDRESS, 1, 2)
@@ -281,27 +327,26 @@ class Clipboard(EntryTest):
         self.press("ctrl+v")
         self.assert_boxes(["192", "177", *FULL[2:]])
         self.copy("300")
-        self.box(ADDRESS, 1).click()
+        self.mark(1)
         self.press("ctrl+v")
         self.assert_boxes(["192", "", *FULL[2:]])
 
     def test_an_octet_can_be_copied_and_cut(self):
         self.fill()
-        self.box(ADDRESS, 1).click()
+        self.mark(1)
         self.press("ctrl+c")
         self.assert_boxes(FULL)
-        self.box(ADDRESS, 3).click()
+        self.mark(3)
         self.press("ctrl+v")
         self.assert_boxes(["192", "168", "100", "168"])
-        self.box(ADDRESS, 2).click()
+        self.mark(2)
         self.press("ctrl+x")
         self.assert_boxes(["192", "168", "", "168"])
         self.assert_caret(ADDRESS, 2, 0)
-        self.box(ADDRESS, 0).click()
+        self.mark(0)
         self.press("ctrl+v")
         self.assert_boxes(["100", "168", "", "168"])
         # The X way: what is selected is pasted by the middle button, and is checked all the same.
-        self.press("ctrl+m")
         self.vendor.enter("zy")
         self.press("ctrl+a")
         self.box(ADDRESS, 1).click(button=2)
@@ -309,23 +354,29 @@ class Clipboard(EntryTest):
 
 
 class MaskAndPrefix(EntryTest):
+    def enter_prefix(self, text):
+        """Enters the box by Tab, which selects its whole text, and types over it."""
+        self.box(MASK, 3).click()
+        self.press("Tab")
+        self.assertEqual(self.prefix.selection, (0, len(self.prefix.text)))
+        self.type(text)
+
+    def enter_mask(self, text):
+        """Types over the whole mask."""
+        for number, octet in enumerate(text.split(".")):
+            self.mark(number, MASK)
+            self.type(octet)
+
     def test_the_mask_follows_the_prefix_length(self):
         for text, mask in (("20", "255.255.240.0"), ("0", "0.0.0.0"), ("32", "255.255.255.255"), ("1", "128.0.0.0"),
                            ("25", "255.255.255.128"), ("8", "255.0.0.0"), ("abc", "0.0.0.0")):
             with self.subTest(text):
-                self.prefix.click()
-                self.type(text)
+                self.enter_prefix(text)
                 self.assert_boxes(EMPTY, mask.split("."), text)
-        # The whole text is selected when the box is entered, so that one types over it.
-        self.box(ADDRESS, 0).click()
-        self.prefix.click()
-        self.assertEqual(self.prefix.selection, (0, 3))
         # Out of range: emptied, and an empty box counts as 0.
         for text in ("33", "99", "-1"):
             with self.subTest(text):
-                self.box(ADDRESS, 0).click()
-                self.prefix.click()
-                self.type(text)
+                self.enter_prefix(text)
                 self.assert_boxes(EMPTY, ["0"] * BOXES, "")
                 self.assert_focus(PREFIX)
 
@@ -333,19 +384,17 @@ class MaskAndPrefix(EntryTest):
         for mask, prefix in (("255.255.255.128", "25"), ("255.255.255.255", "32"), ("0.0.0.0", "0"),
                              ("255.255.240.0", "20"), ("254.0.0.0", "7"), ("255.0.255.0", "8")):
             with self.subTest(mask):
-                self.type_address("", mask=mask)
+                self.enter_mask(mask)
                 self.assert_boxes(EMPTY, mask.split("."), prefix)
         # What is no octet of a mask leaves the prefix length: it is that of the digits before.
-        self.prefix.click()
-        self.press("ctrl+a")
-        self.type("24")
-        self.box(MASK, 3).click()
+        self.enter_prefix("24")
+        self.mark(3, MASK)
         self.type("100")
         self.assert_boxes(EMPTY, ["255", "255", "255", "100"], "24")
         self.press("Home", "Delete")
         self.assert_boxes(EMPTY, ["255", "255", "255", "00"], "24")
         # The mask is the leader until the prefix length is entered, and again when it is entered itself.
-        self.type_address("", mask="255.0.255.0")
+        self.enter_mask("255.0.255.0")
         self.type_address("10.1.2.3")
         self.assert_boxes(["10", "1", "2", "3"], ["255", "0", "255", "0"], "8")
         self.prefix.click()
@@ -355,7 +404,7 @@ class MaskAndPrefix(EntryTest):
         self.assert_boxes(["10", "1", "2", "3"], ["0"] * BOXES, "")
         self.type("9")
         self.assert_boxes(["10", "1", "2", "3"], ["255", "128", "0", "0"], "9")
-        self.box(MASK, 1).click()
+        self.mark(1, MASK)
         self.assert_boxes(["10", "1", "2", "3"], ["255", "128", "0", "0"], "9")
         self.type("192")
         self.assert_boxes(["10", "1", "2", "3"], ["255", "192", "0", "0"], "10")

@@ -62,7 +62,9 @@ class PresetTest(MainWindowTest):
         self.presets.expect(rows=[(name,) for name in names])
 
     def select_preset(self, name):
-        self.presets.click_row(name)
+        """Selects a preset by keys: not all are in sight."""
+        self.presets.click()
+        self.desktop.press("Home", *["Down"] * self.presets.rows.index((name,)))
         self.presets.expect(selected_rows=[(name,)])
 
     def preset_buttons(self):
@@ -112,38 +114,45 @@ class PresetTest(MainWindowTest):
         return [self.window.table(name).rows for name in LISTS]
 
     def open_panel_of(self, name, first):
+        """Opens the panel below a list; the keyboard is in its first box then."""
         self.window.button(f"Add {name}").click()
-        self.window.entry(first).expect(showing=True, focused=True)
+        self.window.entry(first).expect(showing=True, focused=True, text="")
 
-    def add_address(self, address, mask):
-        """Types an address and its mask and adds them by Enter. The panel stays open."""
-        if not self.window.entry("IP address, octet 1 of 4").showing:
-            self.open_panel_of("IP Address", "IP address, octet 1 of 4")
-        self.desktop.type(address)
-        self.window.entry("Subnet mask, octet 1 of 4").click()
-        self.desktop.type(mask)
-        self.desktop.press("Return")
-        self.window.entry("IP address, octet 1 of 4").expect(text="", focused=True)
+    def add_addresses(self, *pairs):
+        """Types addresses and masks, adds them by Enter and closes the panel."""
+        first = "IP address, octet 1 of 4"
+        self.open_panel_of("IP Address", first)
+        for address, mask in pairs:
+            self.desktop.type(address)
+            self.window.entry("Subnet mask, octet 1 of 4").click()
+            self.desktop.type(mask)
+            self._add_by_enter(first)
+        self.desktop.press("Escape")
 
-    def add_gateway(self, gateway, metric=None):
-        """The same for a gateway; without a metric it is automatic."""
-        if not self.window.entry("Gateway, octet 1 of 4").showing:
-            self.open_panel_of("Gateway", "Gateway, octet 1 of 4")
-        self.desktop.type(gateway)
-        automatic = self.window.check("Auto Metric")
-        if automatic.checked != (metric is None):
-            automatic.click()
-        if metric is not None:
-            self.window.entry("Metric . . . .").enter(metric)
-        self.desktop.press("Return")
-        self.window.entry("Gateway, octet 1 of 4").expect(text="", focused=True)
+    def add_gateways(self, *pairs):
+        """The same for gateways and metrics; the metric None is automatic."""
+        first = "Gateway, octet 1 of 4"
+        self.open_panel_of("Gateway", first)
+        for gateway, metric in pairs:
+            self.desktop.type(gateway)
+            if metric is None:
+                self.tick("Auto Metric")
+            else:
+                self.window.entry("Metric . . . .").enter(metric)
+            self._add_by_enter(first)
+        self.desktop.press("Escape")
 
-    def add_server(self, server):
-        if not self.window.entry("DNS server, octet 1 of 4").showing:
-            self.open_panel_of("DNS Server", "DNS server, octet 1 of 4")
-        self.desktop.type(server)
+    def add_servers(self, *servers):
+        first = "DNS server, octet 1 of 4"
+        self.open_panel_of("DNS Server", first)
+        for server in servers:
+            self.desktop.type(server)
+            self._add_by_enter(first)
+        self.desktop.press("Escape")
+
+    def _add_by_enter(self, first):
         self.desktop.press("Return")
-        self.window.entry("DNS server, octet 1 of 4").expect(text="", focused=True)
+        self.window.entry(first).expect(text="", focused=True)
 
     def expect_saved(self, name):
         """The box that tells of the success; the editor is left by then."""

@@ -12,6 +12,9 @@ ALWAYS = [MAC, DHCP, SERVERS]
 FIXED = [ADDRESSES, GATEWAYS]
 OFFICE_ROWS = [[("10.1.0.5", "255.255.255.0"), ("10.2.0.5", "255.255.0.0")],
                [("10.1.0.1", "20"), ("10.2.0.1", "Automatic")], [("10.1.0.53",), ("9.9.9.9",)]]
+# A list that is entered selects its first row.
+LIST_ORDER = ["IP Address", "Add IP Address", "Remove IP Address", "Gateway", "Add Gateway", "Remove Gateway",
+              "DNS Server", "Add DNS Server", "Remove DNS Server", "One down DNS Server priority"]
 OFFICE_OCTETS = ["02", "00", "00", "00", "40", "01"]
 
 
@@ -123,8 +126,7 @@ class Editing(PresetTest):
         self.open_with(OFFICE)
         self.open_editor("office")
         order = [NAME, MAC, *map(octet_name, range(OCTETS)), RANDOM, ORIGINAL, DHCP, *FIXED, SERVERS, "Save Preset",
-                 "Leave", "IP Address", "Add IP Address", "Gateway", "Add Gateway", "DNS Server", "Add DNS Server",
-                 "Export"]
+                 "Leave", *LIST_ORDER, "Export"]
         for name in [*order[1:], NAME]:
             self.desktop.press("Tab")
             self.assert_focus(name)
@@ -161,12 +163,10 @@ class Saving(PresetTest):
         self.desktop.press("alt+m", "Tab")
         self.desktop.type("02000000400a")
         self.tick(ADDRESSES, GATEWAYS, SERVERS)
-        self.add_address("10.1.0.5", "255.255.255.0")
-        self.add_address("10.2.0.5", "255.255.0.0")
-        self.add_gateway("10.1.0.1", "20")
-        self.add_gateway("10.2.0.1")
-        for server in ("10.1.0.53", "10.1.0.54", "9.9.9.9"):
-            self.add_server(server)
+        self.add_addresses(*OFFICE_ROWS[0])
+        self.add_gateways(("10.1.0.1", "20"), ("10.2.0.1", None))
+        self.add_servers("10.1.0.53", "10.1.0.54", "9.9.9.9")
+        self.assertEqual(self.rows[:2], OFFICE_ROWS[:2])
         self.window.table("DNS Server").click_row("9.9.9.9")
         self.desktop.press("alt+Up", "alt+Up", "Down", "Down", "alt+Up")
         self.window.table("DNS Server").expect(rows=[("9.9.9.9",), ("10.1.0.54",), ("10.1.0.53",)])
@@ -175,7 +175,7 @@ class Saving(PresetTest):
         self.desktop.press("Return")
         self.expect_saved("The Office")
         self.expect_presets("The Office")
-        self.assert_file(preset("The Office", 2 | 8 | 16 | 32, "02-00-00-00-40-0A", *[OFFICE_ROWS[0], OFFICE_ROWS[1]],
+        self.assert_file(preset("The Office", 2 | 8 | 16 | 32, "02-00-00-00-40-0A", *OFFICE_ROWS[:2],
                                 ["9.9.9.9", "10.1.0.54", "10.1.0.53"]))
         # Nothing of it went to the connection.
         self.assertEqual((self.stored(), self.addresses("lan0"), self.name_servers()), before)
@@ -193,7 +193,7 @@ class Saving(PresetTest):
                 self.assertEqual((self.ticked, self.octets, self.rows), ([], EMPTY, [[], [], []]))
                 self.tick(*checks)
                 if SERVERS in checks:
-                    self.add_server("10.1.0.53")
+                    self.add_servers("10.1.0.53")
                 self.save(name)
                 added.append(preset(name, flags, servers=["10.1.0.53" if SERVERS in checks else ""]))
                 self.expect_presets("Office", *[record[0] for record in added])
