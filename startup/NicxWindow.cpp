@@ -109,6 +109,7 @@ class Toolkit {
 
 int Run(int count, char** arguments) {
     const std::string text = Join(std::vector<std::string>(arguments + 1, arguments + count), " ");
+    ShareHeap();
     wxSetAssertHandler(OnToolkitAssert);
     wxApp::SetInstance(new WindowApp(text));
     const Toolkit toolkit(arguments);

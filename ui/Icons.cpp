@@ -1,6 +1,9 @@
 #include "ui/Icons.h"
 
 #include <algorithm>
+#include <map>
+#include <string>
+#include <tuple>
 #include <utility>
 
 #include <wx/image.h>
@@ -43,18 +46,32 @@ void Unmultiply(wxImage& image) {
     }
 }
 
-/// A drawing whose renderings are put right before they are handed out.
-class CorrectedDrawing : public wxBitmapBundleImpl {
- public:
-    explicit CorrectedDrawing(wxBitmapBundle drawing) : drawing_(std::move(drawing)) {}
+std::string TextColour() {
+    return wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT).GetAsString(wxC2S_HTML_SYNTAX).ToStdString();
+}
 
-    wxSize GetDefaultSize() const override { return drawing_.GetDefaultSize(); }
-    wxSize GetPreferredBitmapSizeAtScale(double scale) const override {
-        return drawing_.GetPreferredBitmapSizeAtScale(scale);
+wxBitmapBundle Drawing(const std::string& name, const wxSize& size, const std::string& colour) {
+    std::string source(IconSource(name));
+    for (std::size_t at = source.find(kNeutral); at != std::string::npos; at = source.find(kNeutral, at)) {
+        source.replace(at, kNeutral.size(), colour);
     }
+    return wxBitmapBundle::FromSVG(source.c_str(), size);
+}
+
+/// A square drawing in one text colour. Keeps its latest rendering, not the drawing: that is read anew for
+/// another size.
+class RenderedDrawing : public wxBitmapBundleImpl {
+ public:
+    RenderedDrawing(std::string name, int size, std::string colour)
+        : name_(std::move(name)), size_(size, size), colour_(std::move(colour)) {}
+
+    wxSize GetDefaultSize() const override { return size_; }
+    wxSize GetPreferredBitmapSizeAtScale(double scale) const override { return size_ * scale; }
     wxBitmap GetBitmap(const wxSize& size) override {
-        if (!rendered_.IsOk() || rendered_.GetSize() != size) {
-            wxImage image = drawing_.GetBitmap(size).ConvertToImage();
+        if (rendered_.IsOk() && rendered_.GetSize() == size) return rendered_;
+        rendered_ = Drawing(name_, size_, colour_).GetBitmap(size);
+        if (MultipliesByOpacity()) {
+            wxImage image = rendered_.ConvertToImage();
             Unmultiply(image);
             rendered_ = wxBitmap(image);
         }
@@ -62,29 +79,27 @@ class CorrectedDrawing : public wxBitmapBundleImpl {
     }
 
  private:
-    wxBitmapBundle drawing_;
+    std::string name_;
+    wxSize size_;
+    std::string colour_;
     wxBitmap rendered_;  ///< The latest one.
 };
-
-wxBitmapBundle Drawing(const std::string& name, const wxSize& size) {
-    std::string source(IconSource(name));
-    const std::string colour =
-        wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT).GetAsString(wxC2S_HTML_SYNTAX).ToStdString();
-    for (std::size_t at = source.find(kNeutral); at != std::string::npos; at = source.find(kNeutral, at)) {
-        source.replace(at, kNeutral.size(), colour);
-    }
-    return wxBitmapBundle::FromSVG(source.c_str(), size);
-}
 
 }  // namespace
 
 wxBitmapBundle Icon(const std::string& name, int size) {
-    wxBitmapBundle drawing = Drawing(name, wxSize(size, size));
-    if (!drawing.IsOk() || !MultipliesByOpacity()) return drawing;
-    return wxBitmapBundle::FromImpl(new CorrectedDrawing(drawing));
+    // Several controls show the same drawing.
+    static auto& known = *new std::map<std::tuple<std::string, int, std::string>, wxBitmapBundle>;
+    if (IconSource(name).empty()) return {};
+    const std::string colour = TextColour();
+    const auto [place, isNew] = known.try_emplace({name, size, colour});
+    if (isNew) place->second = wxBitmapBundle::FromImpl(new RenderedDrawing(name, size, colour));
+    return place->second;
 }
 
-wxBitmapBundle OpaquePicture(const std::string& name, const wxSize& size) { return Drawing(name, size); }
+wxBitmapBundle OpaquePicture(const std::string& name, const wxSize& size) {
+    return Drawing(name, size, TextColour());
+}
 
 wxIconBundle ProgramIcons() {
     wxIconBundle icons;

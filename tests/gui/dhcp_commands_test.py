@@ -1,7 +1,7 @@
 """DHCP and the interface metric from the main window, with a real DHCP server at the far end of the link."""
 
 from main_window import OWN, MainWindowTest
-from world import FAR, REG_DWORD, REG_MULTI_SZ, DhcpServer, ip, multi, wait_for
+from world import (FAR, INTERFACES_KEY, NOBODY, REG_DWORD, REG_MULTI_SZ, REG_SZ, DhcpServer, ip, multi, wait_for)
 
 RESTART = ("Restart Network Connection ?", "You must restart network connection to apply changes. Do you want to "
            "enable and disable network connection now ?")
@@ -20,6 +20,12 @@ METRIC_RESTART = ("Restart Network Connection Now ?",
                   "WARNING : There will be loss of network connectivity while the network connection restarts.")
 
 
+def write_error(key, value):
+    """Title and text of the box for a value that may not be written."""
+    return ("Error! Cannot Write Registry", "Error while writing in windows registry.\n\nRegistry Path: HKEY_LOCAL_"
+            f"MACHINE\\{key}\\{value}\n\nError: (5) Access to this key is denied\n\nClick OK to continue")
+
+
 class Dhcp(MainWindowTest):
     def setUp(self):
         super().setUp()
@@ -28,11 +34,11 @@ class Dhcp(MainWindowTest):
         self.server = DhcpServer("lan0")
         self.addCleanup(self.server.stop)
 
-    def open_with_lease(self):
+    def open_with_lease(self, **options):
         """The window of a link that has a lease; the link was down before, so that there is one wait only."""
         self.nicx("-n", "lan0", "-h", "-di", "-re")
         self.await_lease()
-        self.open_window()
+        self.open_window(**options)
         self.expect_fact("DHCP:", "Enabled")
 
     def await_lease(self):
@@ -55,6 +61,44 @@ class Dhcp(MainWindowTest):
         self.assertEqual(self.window.menu("TCP/IP").items, [(caption, True), ("Release IP", leased),
                                                             ("Renew IP", leased), ("Interface Metric", True)])
         self.assertEqual([self.window.button(name).enabled for name in ("Release IP", "Renew IP")], [leased, leased])
+
+    def assert_reset(self, dhcp):
+        """The registry has the switch, lists without a static set-up, and the DNS servers that it had."""
+        nothing = REG_MULTI_SZ, b"\0"
+        wanted = {"EnableDHCP": (REG_DWORD, bytes([dhcp, 0, 0, 0])), "IPAddress": (REG_MULTI_SZ, multi("0.0.0.0")),
+                  "SubnetMask": (REG_MULTI_SZ, multi("0.0.0.0")), "DefaultGateway": nothing,
+                  "DefaultGatewayMetric": nothing, "NameServer": (REG_SZ, b"10.77.0.99\0")}
+        values = self.tcpip("lan0")
+        self.assertEqual({name: values.get(name) for name in wanted}, wanted)
+
+    def test_both_ways_empty_the_lists_and_leave_the_dns_servers(self):
+        self.nicx("-n", "lan0", "-i", "10.1.0.2:255.255.255.0", "-g", "10.1.0.1:5", "-d", "10.77.0.99")
+        self.open_window()
+        for dhcp, answer in ((1, "No"), (0, "Cancel")):
+            self.desktop.press("ctrl+d")
+            self.expect_box(*RESTART, press=answer)
+            self.assert_reset(dhcp)
+            self.expect_fact("DHCP:", "Enabled" if dhcp else "Disabled")
+
+    def test_without_rights_nothing_is_switched_or_given_back(self):
+        self.copy_programs()
+        self.open_with_lease(user=NOBODY)
+        before = self.stored(), self.server.leases()
+        self.desktop.press("ctrl+d")
+        key = INTERFACES_KEY + "\\" + self.link_row("lan0")["id"]
+        self.expect_box(*write_error(key, "EnableDHCP"), press="OK", kind="Error")
+        # No restart is offered; the commands are there again.
+        self.window.expect_windows(self.window.title)
+        self.assert_commands("Disable DHCP", leased=True)
+        for chord, question, api in (("ctrl+l", RELEASE, "IPReleaseAddress"), ("ctrl+r", RENEW, "IPRenewAddress")):
+            self.desktop.press(chord)
+            self.expect_box(*question, press="Yes")
+            box = self.expect_message()
+            self.assertEqual(box.text.rstrip(), f"DLL : IphlpApi.dll\n\nError Code : 5\nAPI: {api}\nError Description : "
+                             "Access is denied.\n\n\nClick OK To Continue")
+            box.press("OK")
+        self.assertEqual((self.stored(), self.server.leases()), before)
+        self.assertEqual(self.addresses("lan0"), [f"{self.server.leases()[OWN]}/24"])
 
     def test_it_is_turned_on_with_a_restart(self):
         self.open_window()
@@ -163,11 +207,23 @@ class Metric(MainWindowTest):
 
     def test_nothing_else_is_asked_when_the_restart_is_refused(self):
         self.open_window()
-        for text, stored, answer in (("25", 25, "No"), ("0", None, "Cancel"), ("abc", 0, "No")):
+        for text, stored, answer in (("0010", 10, "No"), ("12.7", 13, "Cancel"), ("0", None, "Cancel"), ("abc", 0, "No")):
             self.enter(text)
             self.expect_box(*METRIC_RESTART, press=answer)
             self.assertEqual(self.metric(), stored)
             self.window.expect_windows(self.window.title)
+
+    def test_without_rights_no_restart_is_offered(self):
+        self.copy_programs()
+        self.report()
+        before = self.stored()
+        self.open_window(user=NOBODY)
+        for text in ("25", "abc"):
+            self.enter(text)
+            key = INTERFACES_KEY + "\\" + self.link_row("lan0")["id"]
+            self.expect_box(*write_error(key, "InterfaceMetric"), press="OK", kind="Error")
+            self.window.expect_windows(self.window.title)
+        self.assertEqual(self.stored(), before)
 
     def test_no_answer_changes_nothing(self):
         self.open_window()

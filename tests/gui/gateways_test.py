@@ -64,7 +64,7 @@ class GatewayTest(AddressListTest):
         self.assertEqual(self.default_routes("lan0"), [(FIRST, 10), (SECOND, 20)])
 
     def switch(self, done):
-        """Disables or enables the connection with Ctrl+E, whatever has the focus; `done` is what is to come of it."""
+        """Disables or enables the connection with Ctrl+E; `done` is what is to come of it."""
         self.desktop.press("ctrl+e")
         self.expect_box(f"Connection {done}", f"Network connection {done.lower()} successfully.", press="OK")
 
@@ -135,6 +135,7 @@ class Add(GatewayTest):
         self.add_with_metric(FIRST, "10")
         self.add_with_metric(SECOND, "20")
         self.assert_stored([FIRST, SECOND], ["10", "20"])
+        self.list.click()
         self.restart_by_keys()
         self.expect_list((FIRST, "10"), (SECOND, "20"))
         self.assertEqual(self.default_routes("lan0"), [(FIRST, 10), (SECOND, 20)])
@@ -144,6 +145,7 @@ class Add(GatewayTest):
         self.add_with_metric(FIRST, "30")
         self.assertEqual(self.default_routes("lan0"), [(FIRST, 10), (SECOND, 20), (FIRST, 30)])
         self.assert_stored([SECOND], ["20"])
+        self.list.click()
         self.restart_by_keys()
         self.expect_list((SECOND, "20"))
         self.assertEqual(self.default_routes("lan0"), [(SECOND, 20)])
@@ -174,13 +176,13 @@ class Add(GatewayTest):
         self.open_list_panel()
         self.window.check(PERSISTENT).click()
         before = self.stored()
-        for typed, text, reason in (
-                ("224.0.0.1", "224.0.0.1", "addresses from 224.0.0.0 to 239.255.255.255 are multicast groups"),
-                ("", "0.0.0.0", "addresses that begin with 0 mean 'this network'")):
-            # The first box takes the focus, and what is typed takes the place of its text.
+        for typed, text, refusal, reason in (
+                ("224.0.0.1", "224.0.0.1", (1231, UNREACHABLE),
+                 "addresses from 224.0.0.0 to 239.255.255.255 are multicast groups"),
+                ("", "0.0.0.0", (87, "The parameter is incorrect."), "addresses that begin with 0 mean 'this network'")):
             self.clear_quad()
             self.add(typed)
-            self.expect_refusal("CreateIpForwardEntry", 87, "The parameter is incorrect.")
+            self.expect_refusal("CreateIpForwardEntry", *refusal)
             self.expect_bar(f"Gateway '{text}' cannot be used: {reason}")
             self.assertEqual(self.quad, text.split("."))
             self.assertEqual((self.stored(), ip("route", "show", "default")), (before, ""))
@@ -293,7 +295,7 @@ class Disabled(GatewayTest):
                         "'this network'")
         self.assert_stored([SECOND, "0.0.0.0"], ["20", "5"])
         persistent.click()
-        self.add(SECOND)
-        self.assert_stored(["0.0.0.0"], ["5"])
+        self.add_by_key(SECOND)
         self.expect_list(("0.0.0.0", "5"))
+        self.assert_stored(["0.0.0.0"], ["5"])
         self.window.expect_windows(self.window.title)

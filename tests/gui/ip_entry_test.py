@@ -23,11 +23,6 @@ class EntryTest(IpPanelTest):
         self.mark(number)
         self.type(text)
 
-    def mark(self, number, row=ADDRESS):
-        """Clicks in a box and selects its whole text."""
-        self.box(row, number).click()
-        self.press("Home", "shift+End")
-
 
 class Typing(EntryTest):
     def test_digits_go_on_to_the_next_box(self):

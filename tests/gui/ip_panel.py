@@ -18,6 +18,13 @@ def octet_name(row, number):
 class IpPanelTest(MainWindowTest):
     """Base of the test cases that work in the panel. Boxes are named by row and number: (ADDRESS, 0)."""
 
+    def tearDown(self):
+        """With the panel open or not, the program closes quietly. A failed case leaves it as it is, for the picture."""
+        if self._outcome.success:
+            self.window.close()
+            self.assertEqual((self.window.wait_exit(), self.window.err), (0, ""))
+        super().tearDown()
+
     def press(self, *chords):
         self.desktop.press(*chords)
 
@@ -74,13 +81,17 @@ class IpPanelTest(MainWindowTest):
         box = self.box(row, number)
         self.assertEqual(box.selection, (0, len(box.text)))
 
+    def mark(self, number, row=ADDRESS):
+        """Clicks in a box and selects its whole text."""
+        self.box(row, number).click()
+        self.press("Home", "shift+End")
+
     def type_address(self, address, mask=None, prefix=None):
-        """Types into the boxes, beginning in the first one of the address."""
-        self.box(ADDRESS, 0).click()
+        """Types over what is in the boxes; the first boxes are clicked in."""
+        self.mark(0)
         self.type(address)
         if mask is not None:
-            self.box(MASK, 0).click()
+            self.mark(0, MASK)
             self.type(mask)
         if prefix is not None:
-            self.prefix.click()
-            self.type(prefix)
+            self.prefix.enter(prefix)

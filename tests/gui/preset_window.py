@@ -17,11 +17,12 @@ OVERWRITE = "Overwrite Existing Preset ?"
 
 
 def preset(name, flags=0, mac="", addresses=(("0.0.0.0", "0.0.0.0"),), gateways=(("", ""),), servers=("",)):
-    """A record of the presets file, as the program saves one. Addresses come with their masks, gateways with metrics."""
+    """A record of the presets file, as the program saves one. Addresses come with masks, gateways with metrics."""
     return (name, flags, mac, *map(list, zip(*addresses)), *map(list, zip(*gateways)), list(servers))
 
 
-OFFICE = preset("Office", 2 | 8 | 16 | 32, "02-00-00-00-40-01", [("10.1.0.5", "255.255.255.0"), ("10.2.0.5", "255.255.0.0")],
+OFFICE = preset("Office", 2 | 8 | 16 | 32, "02-00-00-00-40-01",
+                [("10.1.0.5", "255.255.255.0"), ("10.2.0.5", "255.255.0.0")],
                 [("10.1.0.1", "20"), ("10.2.0.1", "Automatic")], ["10.1.0.53", "9.9.9.9"])
 
 
@@ -32,6 +33,17 @@ class PresetTest(MainWindowTest):
         super().setUp()
         self.file = self.copy_programs() / "presets.npf"
         self.veth("lan0", "10.9.0.2/24", mac=OWN)
+
+    def tearDown(self):
+        """The window closes as it does for the user, and it has complained of nothing."""
+        result = self._outcome.result
+        if not result.failures + result.errors:
+            self.end_window()
+        super().tearDown()
+
+    def end_window(self):
+        self.window.close()
+        self.assertEqual((self.window.wait_exit(), self.window.err), (0, ""))
 
     def open_with(self, *records):
         """Writes the presets and opens the window, whose list has them then."""
@@ -48,6 +60,11 @@ class PresetTest(MainWindowTest):
 
     def answer(self, title, text, press, kind=None):
         self.expect_box(title, text, press, kind=kind)
+
+    def open_again(self):
+        """Closes the window and starts the program anew."""
+        self.end_window()
+        self.open_window()
 
     def expect_no_box(self):
         self.window.expect_windows(self.window.title)

@@ -1,6 +1,6 @@
 """Presets of the main window: deleting them, and applying them to links; the kernel tells what came of it."""
 
-from preset_window import ADDRESSES, MAC, OFFICE, ORIGINAL, UNUSED, PresetTest, preset
+from preset_window import OFFICE, UNUSED, PresetTest, preset
 from waiting import NotNow
 from world import REG_DWORD, REG_MULTI_SZ, REG_SZ, ip, multi, preset_bytes, vendor_bytes
 
@@ -14,9 +14,9 @@ OFFICE_GATEWAYS = [("10.1.0.1", 20), ("10.2.0.1", 0)]
 
 
 def apply_question(name, connection="lan0"):
-    return (f"Are you sure to apply the preset '{name}' to network connection '{connection}' now ?\n\nNOTE: The selected "
-            "network connection must be restarted later on to apply settings. This operation may result in loss of "
-            "connectivity.")
+    return (f"Are you sure to apply the preset '{name}' to network connection '{connection}' now ?\n\nNOTE: The "
+            "selected network connection must be restarted later on to apply settings. This operation may result in "
+            "loss of connectivity.")
 
 
 def restart_question(name, connection="lan0"):
@@ -74,9 +74,7 @@ class Delete(PresetTest):
         self.desktop.press("Delete")
         self.delete("Home", "Yes")
         self.expect_left(preset_bytes(UNUSED, OFFICE, UNUSED, home, third), UNUSED, OFFICE, UNUSED, third)
-        self.window.close()
-        self.assertEqual((self.window.wait_exit(), self.window.err), (0, ""))
-        self.open_window()
+        self.open_again()
         self.expect_presets("Office", "Third")
 
 
@@ -148,7 +146,7 @@ class Apply(PresetTest):
         self.open_with(OFFICE)
         self.select_preset("Office")
         self.window.button("Edit").click()
-        # Another address more, and the old name with another letter case.
+        # Under another name: another octet, another address more, a gateway less.
         self.name.enter("Office 2")
         self.octet(5).enter("7f")
         self.add_addresses(("10.3.0.5", "255.0.0.0"))
@@ -167,6 +165,10 @@ class Apply(PresetTest):
         self.apply("Office", "No")
         self.assert_office_stored("lan1")
         self.assertNotIn("NetworkAddress", self.driver("lan0"))
+        self.choose("lan0")
+        self.apply("Office 2", "No")
+        self.assertEqual(self.driver("lan0")["NetworkAddress"], (REG_SZ, b"02000000407F\0"))
+        self.assertEqual(self.tcpip("lan0")["IPAddress"], (REG_MULTI_SZ, multi("10.1.0.5", "10.2.0.5", "10.3.0.5")))
 
     def expect_names_in_any_order(self, *names):
         def look():
@@ -199,8 +201,8 @@ class Apply(PresetTest):
         self.nicx("-n", "lan0", "-h")
         self.open_with(preset("Home", 1), preset("Fixed", 8, addresses=[("10.1.0.5", "255.255.255.0")]))
         self.expect_fact("DHCP:", "Enabled")
-        warning = ("DHCP is turned off on 'lan0' because the preset does not turn it on; tick DHCP in the preset to keep "
-                   "it")
+        warning = ("DHCP is turned off on 'lan0' because the preset does not turn it on; tick DHCP in the preset to "
+                   "keep it")
         self.apply("Home", "No")
         self.assertNotIn(warning, "\n".join(self.window.describe()))
         self.assertEqual(self.tcpip("lan0")["EnableDHCP"], (REG_DWORD, b"\1\0\0\0"))
@@ -223,9 +225,9 @@ class Apply(PresetTest):
         self.answer(RESTART, restart_question("Office"), "Yes")
         self.window.expect_box("Unable To Locate Network Connection").press("No")
         self.answer("Could Not Restart Network Connection",
-                    "Network Connection 'lan0' you selected is taking too much time to restart and probably the restart "
-                    "operation has failed.\n\nYou must manually disable and enable the network adapter 'lan0', or reboot "
-                    "your system to apply the changes.", "OK", kind="Warning")
+                    "Network Connection 'lan0' you selected is taking too much time to restart and probably the "
+                    "restart operation has failed.\n\nYou must manually disable and enable the network adapter "
+                    "'lan0', or reboot your system to apply the changes.", "OK", kind="Warning")
         # What was applied stays, for when the link comes back.
         self.assert_office_stored()
         self.expect_names("NIC Not Found")

@@ -101,8 +101,8 @@ class Editing(PresetTest):
                              [name for name in LISTS if name in enabled])
 
     def test_a_known_name_fills_the_editor_whatever_its_letter_case(self):
-        holes = ("Holes", 8 | 16 | 32, "", ["", "10.3.0.5"], ["255.0.0.0", "255.255.255.0"], ["", "10.3.0.1"], ["7", "8"],
-                 ["", "10.3.0.53", ""])
+        holes = ("Holes", 8 | 16 | 32, "", ["", "10.3.0.5"], ["255.0.0.0", "255.255.255.0"], ["", "10.3.0.1"],
+                 ["7", "8"], ["", "10.3.0.53", ""])
         self.open_with(UNUSED, OFFICE, preset("Dice", 2 | 4), holes, preset("Own", 2), preset("Home", 1))
         self.open_editor()
         for name, ticked, octets, rows in (
@@ -130,9 +130,12 @@ class Editing(PresetTest):
         for name in [*order[1:], NAME]:
             self.desktop.press("Tab")
             self.assert_focus(name)
-        for name in order[:0:-1]:
-            self.desktop.press("shift+Tab")
+        before = NAME
+        # The way back leads over the titles of a list, which are no part of it for a screen reader.
+        for name in ["Export", *reversed(order[:-1])]:
+            self.desktop.press(*["shift+Tab"] * (2 if before in LISTS else 1))
             self.assert_focus(name)
+            before = name
         # Labels and check boxes have letters, and Save Preset is what Enter works.
         self.desktop.press("alt+n")
         self.assert_focus(NAME)
@@ -167,16 +170,16 @@ class Saving(PresetTest):
         self.add_gateways(("10.1.0.1", "20"), ("10.2.0.1", None))
         self.add_servers("10.1.0.53", "10.1.0.54", "9.9.9.9")
         self.assertEqual(self.rows[:2], OFFICE_ROWS[:2])
-        self.window.table("DNS Server").click_row("9.9.9.9")
-        self.desktop.press("alt+Up", "alt+Up", "Down", "Down", "alt+Up")
-        self.window.table("DNS Server").expect(rows=[("9.9.9.9",), ("10.1.0.54",), ("10.1.0.53",)])
+        # The last one added is selected.
+        self.desktop.press("alt+Up", "alt+Up")
+        self.window.table("DNS Server").expect(rows=[("9.9.9.9",), ("10.1.0.53",), ("10.1.0.54",)], selected=[0])
         # Enter in the name box saves.
         self.name.click()
         self.desktop.press("Return")
         self.expect_saved("The Office")
         self.expect_presets("The Office")
         self.assert_file(preset("The Office", 2 | 8 | 16 | 32, "02-00-00-00-40-0A", *OFFICE_ROWS[:2],
-                                ["9.9.9.9", "10.1.0.54", "10.1.0.53"]))
+                                ["9.9.9.9", "10.1.0.53", "10.1.0.54"]))
         # Nothing of it went to the connection.
         self.assertEqual((self.stored(), self.addresses("lan0"), self.name_servers()), before)
         self.window.table("IP Address").expect(rows=[("10.9.0.2", "255.255.255.0")])
@@ -239,36 +242,38 @@ class Saving(PresetTest):
 
     def test_a_save_that_fails_says_so_and_keeps_the_file(self):
         self.open_with(OFFICE)
-        old = self.file.read_bytes()
+        old, names = self.file.read_bytes(), sorted(entry.name for entry in self.programs.iterdir())
         self.mount_read_only(self.programs)
-        self.open_editor("Home")
+        self.fail_to_save("Home", 30, "Read-only file system")
+        subprocess.run(["umount", str(self.programs)], check=True)
+        self.mount_read_only(self.file)
+        self.fail_to_save("Second", 30, "Read-only file system")
+        subprocess.run(["umount", str(self.file)], check=True)
+        self.assertEqual(self.file.read_bytes(), old)
+        self.file.unlink()
+        self.file.mkdir()
+        self.fail_to_save("Third", 21, "Is a directory")
+        self.file.rmdir()
+        self.assertEqual(sorted([*(entry.name for entry in self.programs.iterdir()), self.file.name]), names)
+        # What was entered is not lost: the next save that succeeds has all of it.
+        self.expect_presets("Office", "Home", "Second", "Third")
+        self.open_editor("Fourth")
+        self.save("Fourth")
+        self.assert_file(OFFICE, *[preset(name, 1) for name in ("Home", "Second", "Third")], preset("Fourth"))
+
+    def fail_to_save(self, name, number, reason):
+        """Enters a preset with DHCP, which cannot be saved; there is no box of a success."""
+        self.open_editor(name)
         self.tick(DHCP)
         self.desktop.press("Return")
         box = self.expect_message()
         self.assertEqual((box.text, box.buttons, self.kind(box)),
-                         ("ERROR ! Presets file could not be saved.\n\nError : 30\nDescription : Read-only file system: "
+                         (f"ERROR ! Presets file could not be saved.\n\nError : {number}\nDescription : {reason}: "
                           f"{self.file}\n\nClick OK to continue", ["OK"], "Error"))
         box.press("OK")
         self.expect_no_box()
+        self.assertFalse(self.editor_is_open)
         self.expect_fact("Done last", "ERROR ! Presets file could not be saved.")
-        self.assertEqual(self.file.read_bytes(), old)
-        # The change is not lost: the next save has it too.
-        self.expect_presets("Office", "Home")
-        subprocess.run(["umount", str(self.programs)], check=True)
-        names = sorted(entry.name for entry in self.programs.iterdir())
-        self.file.unlink()
-        self.file.mkdir()
-        self.open_editor("Third")
-        self.desktop.press("Return")
-        box = self.expect_message()
-        self.assertRegex(box.text, "Error : 21\nDescription : Is a directory: ")
-        box.press("OK")
-        self.expect_no_box()
-        self.file.rmdir()
-        self.open_editor("Fourth")
-        self.save("Fourth")
-        self.assert_file(OFFICE, preset("Home", 1), preset("Third"), preset("Fourth"))
-        self.assertEqual(sorted(entry.name for entry in self.programs.iterdir()), names)
 
     def test_a_name_that_the_file_cannot_hold(self):
         self.open_with()
@@ -279,9 +284,7 @@ class Saving(PresetTest):
                             f"on it reads '{stored}'")
         self.assert_file(preset(stored))
         self.expect_presets(name)
-        self.window.close()
-        self.assertEqual((self.window.wait_exit(), self.window.err), (0, ""))
-        self.open_window()
+        self.open_again()
         self.expect_presets(stored)
         # One that it can hold is not warned of.
         self.open_editor("Zürich \u201c1\u201d")

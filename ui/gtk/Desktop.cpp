@@ -12,6 +12,10 @@
 
 #include "ui/WxText.h"
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace corvane {
 
 namespace {
@@ -62,6 +66,12 @@ gboolean OnMnemonic(GtkWidget*, gboolean, gpointer control) {
 }
 
 }  // namespace
+
+void ShareHeap() {
+#ifdef __GLIBC__
+    mallopt(M_ARENA_MAX, 1);
+#endif
+}
 
 void EndWhenDisplayIsLost(const std::string& words, int exitCode) {
 #ifdef GDK_WINDOWING_X11
