@@ -5,7 +5,6 @@
 #include <utility>
 
 #include <wx/app.h>
-#include <wx/filedlg.h>
 #include <wx/infobar.h>
 #include <wx/menu.h>
 #include <wx/settings.h>
@@ -15,23 +14,17 @@
 #include "inventory/NicInfo.h"
 #include "platform/Platform.h"
 #include "platform/Seat.h"
-#include "tcpip/DhcpOperations.h"
 #include "ui/ChangeMacPanel.h"
 #include "ui/CommandBar.h"
 #include "ui/DetailsPanel.h"
 #include "ui/FactText.h"
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
-#include "ui/PresetsPanel.h"
 #include "ui/RowList.h"
 #include "ui/TcpipPanel.h"
 #include "ui/VendorBox.h"
 #include "ui/WxText.h"
-#include "ui/frmAboutUs.h"
 #include "ui/frmTray.h"
-#include "ui/logic/MacChange.h"
-#include "ui/logic/OpenPages.h"
-#include "ui/logic/ReportExport.h"
 
 namespace corvane {
 
@@ -123,80 +116,6 @@ void frmMain::MakeControls() {
     list_->SetFocus();
 }
 
-void frmMain::BindCommands() {
-    BindCommand(mnuRefresh, [this] {
-        RefreshConnections();
-        ShowStatus("The connections were read anew.");
-    });
-    BindCommand(mnuExportTextReportAs, [this] { ExportReport(); });
-    for (const int id : {mnuShowHelp, mnuHelp}) BindCommand(id, [this] { OpenHelp(facts_.folder); });
-    BindCommand(mnuOrvellaWebsite, OpenWebsite);
-    BindCommand(mnuCheckUpdates, OpenUpdates);
-    BindCommand(mnuDonate, OpenDonations);
-    for (const int id : {mnuAboutUs, mnuRAboutUs}) BindCommand(id, [this] { ShowAbout(); });
-    BindConnectionCommand(mnuChangeMAC, [this](std::size_t adapter) { OpenChangeMacPanel(adapter); });
-    BindConnectionCommand(mnuEnable,
-                          [this](std::size_t adapter) { EnableOrDisable(adapter, details_.mnuEnable); });
-    BindConnectionCommand(mnuEnableDHCP, [this](std::size_t adapter) {
-        commandBar_->EnableDhcpButton(false);
-        GetMenuBar()->Enable(mnuEnableDHCP, false);
-        SwitchDhcp(adapter, details_.mnuEnableDHCP == kEnableDhcpCaption);
-    });
-    BindTcpip();
-    BindPresets();
-    BindConnectionCommand(mnuReleaseIP, ReleaseLease);
-    BindConnectionCommand(mnuRenewIP, RenewLease);
-    BindConnectionCommand(mnuInterfaceMetric, SetInterfaceMetric);
-    for (const int id : {mnuExit, mnuRExit})
-        Bind(
-            wxEVT_MENU, [this](wxCommandEvent&) { Close(); }, id);
-    Bind(wxEVT_CLOSE_WINDOW, &frmMain::OnClose, this);
-    Bind(wxEVT_CHAR_HOOK, &frmMain::OnEscape, this);
-    Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
-        event.Skip();
-        OnThemeChanged();
-    });
-
-    list_->OnSelect = [this](std::size_t row) { OnSelected(row); };
-    list_->Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent&) {
-        Run([this] {
-            if (const auto adapter = connections_.Selected()) OpenChangeMacPanel(*adapter);
-        });
-    });
-    // The mouse tells the one, the keyboard's menu key and Shift+F10 the other.
-    list_->Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent&) { ShowContextMenu(); });
-    list_->Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent&) { ShowContextMenu(); });
-}
-
-void frmMain::BindCommand(int id, std::function<void()> command) {
-    const auto run = [this, command = std::move(command)](wxCommandEvent&) { Run(command); };
-    Bind(wxEVT_MENU, run, id);
-    Bind(wxEVT_BUTTON, run, id);
-}
-
-void frmMain::BindConnectionCommand(int id, std::function<void(std::size_t)> command) {
-    BindCommand(id, [this, command = std::move(command)] {
-        if (const auto adapter = connections_.Selected()) command(*adapter);
-    });
-}
-
-void frmMain::Run(const std::function<void()>& command) {
-    {
-        const CommandGate::Scope scope(gate_);
-        if (!scope) return;
-        try {
-            command();
-        } catch (const std::exception& error) {
-            CurrentSeat().ShowBox(kApplicationTitle,
-                                  std::string("The command could not be carried out to its end.") + kCrLf +
-                                      kCrLf + "Description: " + error.what(),
-                                  BoxIcon::kCritical, BoxButtons::kOk);
-        }
-    }
-    UpdateCommands();
-    RefreshForChanges();
-}
-
 const NicInfo* frmMain::SelectedNic() const {
     const std::optional<std::size_t> adapter = connections_.Selected();
     return adapter ? &Nics.at(*adapter) : nullptr;
@@ -264,125 +183,13 @@ void frmMain::ShowInTray() {
     if (tray_ && nic != nullptr) tray_->ShowConnection(nic->Name, nic->Mac);
 }
 
-void frmMain::UpdateCommands() {
-    TcpipPanel& tcpip = fDetails_->Tcpip();
-    PresetsPanel& presets = fDetails_->Presets();
-    const bool editing = tcpip.EditsPreset();
-    const CommandStates states = editing ? CommandStates() : StatesFor(SelectedNic());
-    const bool preset = !editing && presets.Selected().has_value();
-    commandBar_->Update(details_, states);
-    commandBar_->EnableRefresh(!editing);
-    tcpip.EnableLists(states.addresses);
-    presets.EnableCommands(!editing, states.preset);
-    wxMenuBar& menu = *GetMenuBar();
-    menu.SetLabel(mnuEnable, Wx(details_.mnuEnable) + "\tCtrl+E");
-    menu.SetLabel(mnuEnableDHCP, Wx(details_.mnuEnableDHCP) + "\tCtrl+D");
-    menu.Enable(mnuChangeMAC, states.changeMac);
-    menu.Enable(mnuEnable, states.enable);
-    menu.Enable(mnuEnableDHCP, states.dhcp);
-    menu.Enable(mnuReleaseIP, states.release);
-    menu.Enable(mnuRenewIP, states.renew);
-    menu.Enable(mnuInterfaceMetric, states.metric);
-    menu.Enable(mnuRefresh, !editing);
-    menu.Enable(mnuCreatePreset, !editing);
-    menu.Enable(mnuApplyPreset, preset && states.preset);
-    menu.Enable(mnuEditPreset, preset);
-    menu.Enable(mnuDeletePreset, preset);
-}
-
-void frmMain::UpdateListCommands() {
-    const TcpipPanel& tcpip = fDetails_->Tcpip();
-    for (const int id : kListCommands) GetMenuBar()->Enable(id, tcpip.ListCommandEnabled(id));
-}
-
 void frmMain::OnSelected(std::size_t row) {
     if (gate_.Busy() || refreshing_) return;
     connections_.Select(row);
 }
 
-void frmMain::OpenChangeMacPanel(std::size_t adapter) {
-    ChangeMacPanel& panel = fDetails_->ChangeMac();
-    if (!panel.OnChangeNow) BindChangeMac(panel);
-    panel.Open(Nics.at(adapter).Name);
-}
-
-void frmMain::BindChangeMac(ChangeMacPanel& panel) {
-    const auto onSelected = [this](auto command) {
-        Run([this, command] {
-            if (const auto adapter = connections_.Selected()) command(*adapter);
-        });
-    };
-    panel.OnChangeNow = [&panel, onSelected] {
-        onSelected([&panel](std::size_t adapter) { ChangeNow(adapter, panel, panel); });
-    };
-    panel.OnOriginalMac = [&panel, onSelected] {
-        onSelected([&panel](std::size_t adapter) { OriginalMac(adapter, panel, panel.Vendor(), panel); });
-    };
-    panel.OnClosed = [this] {
-        list_->SetFocus();
-        RefreshSoon();
-    };
-}
-
 void frmMain::RefreshSoon() {
     if (!settle_.IsRunning()) settle_.StartOnce(kSettleMilliseconds);
-}
-
-void frmMain::BindTcpip() {
-    TcpipPanel& tcpip = fDetails_->Tcpip();
-    tcpip.Run = [this](const std::function<void()>& command) { Run(command); };
-    tcpip.Target = [this, &tcpip] { return EditingTarget{connections_.Selected(), !tcpip.EditsPreset()}; };
-    tcpip.OnClosed = [this] { RefreshSoon(); };
-    tcpip.OnEditing = [this](bool editing) { EditingPreset(editing); };
-    tcpip.OnPresets = [this] { fDetails_->Presets().RefreshList(); };
-    tcpip.OnCommands = [this] { UpdateListCommands(); };
-    tcpip.programFolder = facts_.folder;
-    for (const int id : kListCommands) BindCommand(id, [id, &tcpip] { tcpip.RunListCommand(id); });
-}
-
-void frmMain::BindPresets() {
-    PresetsPanel& presets = fDetails_->Presets();
-    presets.OnSelect = [this] { UpdateCommands(); };
-    BindCommand(mnuCreatePreset, [this] { fDetails_->Tcpip().EditPreset(""); });
-    BindCommand(mnuEditPreset, [this, &presets] {
-        if (const auto entry = presets.Selected()) fDetails_->Tcpip().EditPreset(entry->name);
-    });
-    BindCommand(mnuDeletePreset, [this, &presets] {
-        const auto entry = presets.Selected();
-        if (entry && DeletePreset(*entry, facts_.folder)) presets.RefreshList();
-    });
-    BindConnectionCommand(mnuApplyPreset, [this, &presets](std::size_t adapter) {
-        const auto entry = presets.Selected();
-        if (entry)
-            ApplySelectedPreset(*entry, adapter, [this](const std::string& text) { ShowStatus(text); });
-    });
-}
-
-void frmMain::EditingPreset(bool editing) {
-    if (editing && fDetails_->ChangeMacIsOpen()) fDetails_->ChangeMac().Close();
-    list_->Enable(!editing);
-    if (!editing) {
-        list_->SetFocus();
-        ApplyDetails();
-        RefreshSoon();
-    }
-    UpdateCommands();
-}
-
-void frmMain::ExportReport() {
-    wxFileDialog dialog(this, kExportTitle, "", "", kExportFilter, wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
-    if (dialog.ShowModal() != wxID_OK) return;
-    const std::string path = Utf8(dialog.GetPath());
-    if (ExportTextReport(path)) ShowStatus("The report was written to '" + path + "'.");
-}
-
-void frmMain::ShowAbout() { frmAboutUs(this, facts_.osDescription).ShowModal(); }
-
-void frmMain::ShowContextMenu() {
-    if (gate_.Busy() || !connections_.Selected()) return;
-    wxMenu menu;
-    AddConnectionCommands(menu, details_);
-    list_->PopupMenu(&menu);
 }
 
 void frmMain::Timer1Tick() {
