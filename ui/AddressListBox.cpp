@@ -137,6 +137,8 @@ void AddressListBox::UpdateButtons() {
         if (command != spec_.addCommand) possible = possible && row.has_value();
         if (command == spec_.upCommand) possible = possible && *row > 0;
         if (command == spec_.downCommand) possible = possible && *row + 1 < rows_.size();
+        // The button that was pressed may be the one: the keys go on in the list.
+        if (!possible && button->HasFocus()) list_->SetFocus();
         button->Enable(possible);
     }
     if (OnCommands) OnCommands();

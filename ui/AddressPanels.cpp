@@ -26,6 +26,11 @@ wxTextCtrl* MakeNumberBox(wxWindow* parent, int digits) {
         event.Skip();
         box->SelectAll();
     });
+    box->Bind(wxEVT_LEFT_DOWN, [box](wxMouseEvent& event) {
+        event.Skip();
+        // A click that brings the focus places the caret behind the focus event.
+        if (!box->HasFocus()) box->CallAfter([box] { box->SelectAll(); });
+    });
     return box;
 }
 

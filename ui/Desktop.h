@@ -6,6 +6,8 @@
 #include <wx/stattext.h>
 #include <wx/window.h>
 
+class wxDataViewCtrl;
+
 /// What the toolkit leaves to the desktop's own library. Defined once per desktop (ui/gtk).
 namespace corvane {
 
@@ -38,6 +40,9 @@ void DropFrame(wxWindow* box);
 /// Gives a scrolling control plain scroll bars, which take room only when they are needed. Those that fade in
 /// and out over the content cost as much at the start as the control itself.
 void UsePlainScrollBars(wxWindow* control);
+
+/// Puts the cursor of a list, from which the arrow keys go on, on a row; that selects it too.
+void MoveCursor(wxDataViewCtrl* list, int row);
 
 /// The character of a key that is down, with Shift and the like taken into account; 8 for backspace, 0 for a
 /// key that types nothing.

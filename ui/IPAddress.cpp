@@ -24,9 +24,8 @@ int CharacterOf(const wxKeyEvent& event) {
     const int key = event.GetKeyCode();
     if (event.AltDown()) return 0;
     if (event.ControlDown()) {
-        if (key < 'A' || key > 'Z') return 0;
-        // Ctrl+H is no backspace.
-        return key == 'H' ? 0 : key - 'A' + 1;
+        // The others are commands of the menus.
+        return key == 'C' || key == 'V' || key == 'X' || key == 'Z' ? key - 'A' + 1 : 0;
     }
     const int character = TypedCharacter(event);
     const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
@@ -108,6 +107,14 @@ void IPAddress::BindBox(int box) {
     });
     text.Bind(wxEVT_TEXT, [this, box](wxCommandEvent&) { entry_.Changed(box); });
     text.Bind(wxEVT_TEXT_PASTE, [this, box](wxClipboardTextEvent&) { entry_.Pasted(box, ClipboardText()); });
+    text.Bind(wxEVT_LEFT_DOWN, [this, box, &text](wxMouseEvent& event) {
+        event.Skip();
+        // A click that brings the focus places the caret behind the focus event.
+        if (text.HasFocus()) return;
+        text.CallAfter([this, box, &text] {
+            if (text.HasFocus()) entry_.FocusGained(box);
+        });
+    });
     text.Bind(wxEVT_SET_FOCUS, [this, box](wxFocusEvent& event) {
         event.Skip();
         if (std::exchange(toldFocus_, -1) != box) entry_.FocusGained(box);
@@ -125,7 +132,8 @@ void IPAddress::OnPaint() {
     wxPaintDC dc(this);
     const wxWindow* const focused = FindFocus();
     const bool hasFocus = focused != nullptr && focused->GetParent() == this;
-    wxRendererNative::Get().DrawTextCtrl(this, dc, GetClientRect(), hasFocus ? wxCONTROL_FOCUSED : wxCONTROL_NONE);
+    wxRendererNative::Get().DrawTextCtrl(this, dc, GetClientRect(),
+                                         hasFocus ? wxCONTROL_FOCUSED : wxCONTROL_NONE);
     dc.SetFont(GetFont());
     dc.SetTextForeground(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
     for (int box = 0; box + 1 < kQuadBoxes; ++box) {

@@ -121,7 +121,7 @@ void RowList::SelectRow(std::size_t row) {
     // Also when it is selected: the arrow keys go on from the current row, which removed rows can have parted
     // from the selected one.
     quiet_ = true;
-    SetCurrentItem(item);
+    MoveCursor(this, static_cast<int>(row));
     Select(item);
     if (!selected) EnsureVisible(item);
     quiet_ = false;

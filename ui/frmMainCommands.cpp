@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <wx/filedlg.h>
+#include <wx/infobar.h>
 #include <wx/menu.h>
 
 #include "inventory/NicInfo.h"
@@ -87,6 +88,8 @@ void frmMain::Run(const std::function<void()>& command) {
     {
         const CommandGate::Scope scope(gate_);
         if (!scope) return;
+        // A warning belongs to the command that it came of.
+        if (infoBar_ != nullptr && infoBar_->IsShown()) infoBar_->Dismiss();
         try {
             command();
         } catch (const std::exception& error) {

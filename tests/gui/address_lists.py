@@ -43,11 +43,6 @@ class AddressListTest(MainWindowTest):
         self.desktop.press("Home", "shift+End")
         self.desktop.type(text)
 
-    def clear_quad(self):
-        for number in (1, 2, 3, 4):
-            self.octet_box(number).click()
-            self.desktop.press("Home", "shift+End", "Delete")
-
     @property
     def add_button(self):
         """The panel's button. A button beside the list may have the same name; it comes first."""

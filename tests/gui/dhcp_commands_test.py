@@ -1,7 +1,7 @@
 """DHCP and the interface metric from the main window, with a real DHCP server at the far end of the link."""
 
 from main_window import OWN, MainWindowTest
-from world import (FAR, INTERFACES_KEY, NOBODY, REG_DWORD, REG_MULTI_SZ, REG_SZ, DhcpServer, ip, multi, wait_for)
+from world import FAR, INTERFACES_KEY, NOBODY, REG_DWORD, REG_MULTI_SZ, REG_SZ, DhcpServer, ip, multi, wait_for
 
 RESTART = ("Restart Network Connection ?", "You must restart network connection to apply changes. Do you want to "
            "enable and disable network connection now ?")
@@ -96,8 +96,8 @@ class Dhcp(MainWindowTest):
             self.desktop.press(chord)
             self.expect_box(*question, press="Yes")
             box = self.expect_message()
-            self.assertEqual(box.text.rstrip(), f"DLL : IphlpApi.dll\n\nError Code : 5\nAPI: {api}\nError Description : "
-                             "Access is denied.\n\n\nClick OK To Continue")
+            self.assertEqual(box.text.rstrip(), f"DLL : IphlpApi.dll\n\nError Code : 5\nAPI: {api}\n"
+                             "Error Description : Access is denied.\n\n\nClick OK To Continue")
             box.press("OK")
         self.assertEqual((self.stored(), self.server.leases()), before)
         self.assertEqual(self.addresses("lan0"), [f"{self.server.leases()[OWN]}/24"])
@@ -209,7 +209,8 @@ class Metric(MainWindowTest):
 
     def test_nothing_else_is_asked_when_the_restart_is_refused(self):
         self.open_window()
-        for text, stored, answer in (("0010", 10, "No"), ("12.7", 13, "Cancel"), ("0", None, "Cancel"), ("abc", 0, "No")):
+        for text, stored, answer in (("0010", 10, "No"), ("12.7", 13, "Cancel"), ("0", None, "Cancel"),
+                                     ("abc", 0, "No")):
             self.enter(text)
             self.expect_box(*METRIC_RESTART, press=answer)
             self.assertEqual(self.metric(), stored)

@@ -206,6 +206,8 @@ class Commands(MainWindowTest):
             self.assertLess(len(ring), 30, ring)
         buttons = [("push button", name) for name in BUTTONS if name not in ("Release IP", "Renew IP")]
         lists = [(role, name) for kind in LISTS for role, name in (("table", kind), ("push button", f"Add {kind}"))]
+        # A list that gets the focus selects its first row.
+        lists.insert(2, ("push button", "Remove IP Address"))
         self.assertEqual(ring, [("table", CONNECTIONS), ("table", "Presets"), *lists, *buttons])
         # And the other way round.
         for control in reversed(ring):
@@ -218,7 +220,7 @@ class Commands(MainWindowTest):
     def test_buttons_have_mnemonics_of_their_own(self):
         self.open_window()
         # The others are reached by their lists' keys.
-        named = [*BUTTONS, "Apply", "Edit"]
+        named = self.window.buttons[:len(BUTTONS)] + ["Apply", "Edit"]
         mnemonics = [self.window.button(name).mnemonic for name in named]
         self.assertEqual(len(set(mnemonics)), len(named))
         for mnemonic in mnemonics:

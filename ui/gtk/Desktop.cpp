@@ -10,6 +10,8 @@
 #include <unistd.h>
 #endif
 
+#include <wx/dataview.h>
+
 #include "ui/WxText.h"
 
 #ifdef __GLIBC__
@@ -116,6 +118,12 @@ void UsePlainScrollBars(wxWindow* control) {
     if (GTK_IS_SCROLLED_WINDOW(control->m_widget)) {
         gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(control->m_widget), FALSE);
     }
+}
+
+void MoveCursor(wxDataViewCtrl* list, int row) {
+    GtkTreePath* const path = gtk_tree_path_new_from_indices(row, -1);
+    gtk_tree_view_set_cursor(GTK_TREE_VIEW(list->GtkGetTreeView()), path, nullptr, FALSE);
+    gtk_tree_path_free(path);
 }
 
 int TypedCharacter(const wxKeyEvent& down) {

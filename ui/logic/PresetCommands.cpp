@@ -74,6 +74,7 @@ void ApplySelectedPreset(const PresetEntry& entry, std::size_t adapter,
     WarnOf(Advice(Nics.at(adapter), preset,
                   "the preset does not turn it on; tick DHCP in the preset to keep it"));
     showStatus("Applying Preset ...");
+    CurrentSeat().LetEventsRun();
     ApplyPreset(adapter, preset);
     showStatus("Preset Applied");
     OfferRestart(entry.name, connection);
