@@ -70,6 +70,12 @@ void AdviseAddress(const char* what, const std::string& text, Sentences& advice)
                      "' is stored as typed but cannot take effect: " + reason);
 }
 
+void AdviseServer(const std::string& text, Sentences& advice) {
+    static constexpr std::uint8_t kLoopback = 127;
+    const std::optional<Ipv4Bytes> address = ParseIpv4(text);
+    if (!address || address->front() != kLoopback) AdviseAddress("DNS server", text, advice);
+}
+
 void AdviseMask(const std::string& text, Sentences& advice) {
     const std::optional<Ipv4Bytes> mask = ParseIpv4(text);
     if (mask && PrefixFromMask(*mask).value_or(0) != 0) return;
@@ -96,7 +102,7 @@ Sentences Advice(const NicInfo& nic, const PresetRecord& record, const std::stri
     }
     if ((record.Flags & kPresetDns) != 0) {
         for (const std::string& server : record.DnsServers.Items) {
-            if (!server.empty()) AdviseAddress("DNS server", server, advice);
+            if (!server.empty()) AdviseServer(server, advice);
         }
     }
     return advice;

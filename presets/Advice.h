@@ -19,6 +19,8 @@ std::vector<std::string> Advice(const NicInfo& nic, const PresetRecord& record,
 /// Adds a sentence when a text that is stored as an address of this kind ("DNS server" and the like), or as a
 /// subnet mask, cannot take effect.
 void AdviseAddress(const char* what, const std::string& text, std::vector<std::string>& advice);
+/// Same for a DNS server, which may be on the machine itself (127.0.0.0/8).
+void AdviseServer(const std::string& text, std::vector<std::string>& advice);
 void AdviseMask(const std::string& text, std::vector<std::string>& advice);
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 
 #include <wx/sizer.h>
 #include <wx/stattext.h>
+#include <wx/utils.h>
 
 #include "ui/ChangeMacPanel.h"
 #include "ui/Desktop.h"
@@ -34,11 +35,12 @@ DetailsPanel::DetailsPanel(wxWindow* parent)
     tcpip_ = new TcpipPanel(this);
     tcpip_->OnLayout = [this] { Arrange(); };
     // Lists do not tell of their focus as other controls do.
-    presets_->OnListFocus = [this](const wxWindow& list) { ShowChild(list); };
-    tcpip_->OnShow = [this](const wxWindow& window) { ShowChild(window); };
+    presets_->OnListFocus = [this](const wxWindow& list) { ShowFocused(list); };
+    tcpip_->OnListFocus = [this](const wxWindow& list) { ShowFocused(list); };
+    tcpip_->OnPanel = [this](const wxWindow& panel) { ShowChild(panel); };
     Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
         event.Skip();
-        if (event.GetWindow() != this) ShowChild(*event.GetWindow());
+        if (event.GetWindow() != this) ShowFocused(*event.GetWindow());
     });
 
     columns_ = new wxBoxSizer(wxHORIZONTAL);
@@ -68,6 +70,11 @@ void DetailsPanel::ShowChild(const wxWindow& child) {
     } else if (area.GetBottom() > top + height) {
         Scroll(-1, (area.GetBottom() - height) / unit + 1);
     }
+}
+
+void DetailsPanel::ShowFocused(const wxWindow& child) {
+    // Not from under the pointer: the click would miss it.
+    if (!wxGetMouseState().LeftIsDown()) ShowChild(child);
 }
 
 void DetailsPanel::Arrange() {

@@ -49,6 +49,8 @@ class DetailsPanel : public wxScrolledWindow {
     void Arrange();
     /// Scrolls a control into view, or as much of it from its top as there is room for.
     void ShowChild(const wxWindow& child);
+    /// Same for one that got the focus, unless by the mouse: it was in sight then.
+    void ShowFocused(const wxWindow& child);
     /// The toolkit would scroll to the large panel that a control lies in.
     bool ShouldScrollToChildOnFocus(wxWindow*) override { return false; }
     wxSizer* MakeConnection();

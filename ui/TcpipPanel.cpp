@@ -77,7 +77,7 @@ wxSizer* TcpipPanel::MakeFacts() {
 
 std::unique_ptr<AddressListBox> TcpipPanel::MakeList(const AddressListSpec& spec) {
     auto list = std::make_unique<AddressListBox>(this, spec);
-    list->List().OnFocus = [this, &shown = list->List()] { OnShow(shown); };
+    list->List().OnFocus = [this, &shown = list->List()] { OnListFocus(shown); };
     list->OnCommands = [this] { OnCommands(); };
     GetSizer()->Add(list->Sizer(), spec.visibleRows, wxEXPAND | wxTOP, kGap);
     return list;
@@ -163,7 +163,7 @@ void TcpipPanel::AddPanel(EntryPanel* panel, AddressListBox& list,
     };
     panel->OnLayout = [this, panel] {
         LayOut();
-        if (panel->IsOpen()) OnShow(*panel);
+        if (panel->IsOpen()) OnPanel(*panel);
     };
     panel->OnClosed = [this, &list] {
         list.List().SetFocus();
@@ -212,6 +212,14 @@ PresetEditor& TcpipPanel::Editor() {
 }
 
 void TcpipPanel::LayOut() {
+    // The lists share the height that is left, in the proportion of their rows, unless one of them has a
+    // panel: its share would make the others too large.
+    const bool share = OpenPanels().empty();
+    for (const auto& [list, rows] : {std::pair(listIP_.get(), kIpList.visibleRows),
+                                     std::pair(listGateway_.get(), kGatewayList.visibleRows),
+                                     std::pair(listDNS_.get(), kDnsList.visibleRows)}) {
+        GetSizer()->GetItem(list->Sizer())->SetProportion(share ? rows : 0);
+    }
     InvalidateBestSize();
     OnLayout();
 }

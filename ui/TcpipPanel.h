@@ -38,8 +38,10 @@ class TcpipPanel : public wxPanel, private PresetEditorView {
     std::function<void()> OnClosed;
     /// The lists' commands were enabled or disabled.
     std::function<void()> OnCommands;
-    /// Something in the panel is to be seen: a list that got the focus, an entry panel that was opened.
-    std::function<void(const wxWindow& window)> OnShow;
+    /// A list got the focus.
+    std::function<void(const wxWindow& list)> OnListFocus;
+    /// An entry panel was opened.
+    std::function<void(const wxWindow& panel)> OnPanel;
     /// Editing mode was entered or left: the connection's details and commands follow.
     std::function<void(bool editing)> OnEditing;
     /// The presets are other ones than before.

@@ -287,7 +287,8 @@ void IpHelper::ForgetRunTime(const KernelAddress& address) {
 
 Win32Error IpHelper::CreateIpForwardEntry(const IpForwardRow& row) {
     const std::optional<KernelRoute> route = RouteOf(row);
-    if (!route) return Win32Error::kInvalidParameter;
+    static constexpr std::uint32_t kIndirect = 4;
+    if (!route || (row.type == kIndirect && !route->gateway)) return Win32Error::kInvalidParameter;
     return FromErrno(machine_->Kernel().AddRoute(*route).errnoValue);
 }
 

@@ -46,7 +46,7 @@ void DnsEditing::AddServer(const EditingTarget& target) {
     panel_.DNSAddress().SetText("");
     if (!target.live) return;
     std::vector<std::string> sentences;
-    AdviseAddress("DNS server", server, sentences);
+    AdviseServer(server, sentences);
     WarnOf(sentences);
     Write(*target.adapter);
     CurrentSeat().Refresh();
