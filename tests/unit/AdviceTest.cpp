@@ -165,5 +165,29 @@ TEST(AdviceTest, DnsServersAreLookedAtWithDhcpToo) {
     EXPECT_THAT(Of(record), ElementsAre(StartsWith("DNS server 'dns.example' is stored as typed")));
 }
 
+TEST(AdviceTest, ADnsServerOnTheMachineItselfIsFine) {
+    PresetRecord record;
+    record.Flags = kPresetDhcp | kPresetDns;
+    record.DnsServers = {"127.0.0.53"};
+    EXPECT_THAT(Of(record), IsEmpty());
+}
+
+TEST(AdviceTest, EmptyListsOfAPresetAreFine) {
+    PresetRecord record;
+    record.Flags = kPresetIp | kPresetGateway | kPresetDns;
+    record.IpAddresses = {"192.168.1.5"};
+    record.SubnetMasks = {"255.255.255.0"};
+    record.Gateways = {""};
+    record.GatewayMetrics = {""};
+    record.DnsServers = {""};
+    EXPECT_THAT(Of(record), IsEmpty());
+    record.Gateways = {};
+    EXPECT_THAT(Of(record), ElementsAre(StartsWith("metric ''")));
+}
+
+TEST(AdviceTest, AnAutomaticMetricIsFine) {
+    EXPECT_THAT(Of(Gateways({"192.168.1.1"}, {"Automatic"})), IsEmpty());
+}
+
 }  // namespace
 }  // namespace corvane

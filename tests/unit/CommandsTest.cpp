@@ -19,25 +19,25 @@ TEST(CommandStates, WithoutAConnectionNoCommandCanBeGiven) { EXPECT_EQ(StatesFor
 
 TEST(CommandStates, ALiveConnectionWithDhcpOffersAll) {
     const NicInfo nic = LiveNic();
-    EXPECT_EQ(StatesFor(&nic), (CommandStates{true, true, true, true, true, true}));
+    EXPECT_EQ(StatesFor(&nic), (CommandStates{true, true, true, true, true, true, true, true}));
 }
 
 TEST(CommandStates, WithoutDhcpThereIsNoLeaseToReleaseOrRenew) {
     NicInfo nic = LiveNic();
     nic.DhcpEnabled = false;
-    EXPECT_EQ(StatesFor(&nic), (CommandStates{true, true, true, false, false, true}));
+    EXPECT_EQ(StatesFor(&nic), (CommandStates{true, true, true, false, false, true, true, true}));
 }
 
 TEST(CommandStates, ADisabledConnectionHasNoLeaseToReleaseOrRenew) {
     NicInfo nic = LiveNic();
     nic.IfIndex = 0;
-    EXPECT_EQ(StatesFor(&nic), (CommandStates{true, true, true, false, false, true}));
+    EXPECT_EQ(StatesFor(&nic), (CommandStates{true, true, true, false, false, true, true, true}));
 }
 
-TEST(CommandStates, WithoutTcpipOnlyAddressAndStateCanBeChanged) {
+TEST(CommandStates, WithoutTcpipOnlyMacAddressAndStateCanBeChangedAndPresetsApplied) {
     NicInfo nic = LiveNic();
     nic.TcpipBound = false;
-    EXPECT_EQ(StatesFor(&nic), (CommandStates{true, true, false, false, false, false}));
+    EXPECT_EQ(StatesFor(&nic), (CommandStates{true, true, false, false, false, false, false, true}));
 }
 
 TEST(StateIcon, TellsDisabledUpAndDownApart) {

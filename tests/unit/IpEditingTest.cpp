@@ -175,7 +175,7 @@ TEST_F(IpEditingTest, AddressAndMaskThatCannotTakeEffectAreWarnedOfTogether) {
     EXPECT_THAT(
         machine.seat.warnings,
         ElementsAre("IP address '240.0.0.1' is stored as typed but cannot take effect: addresses from "
-                    "240.0.0.0 up are reserved or broadcast. subnet mask '255.0.255.0' is stored as "
+                    "240.0.0.0 up are reserved or broadcast. Subnet mask '255.0.255.0' is stored as "
                     "typed but cannot take effect: a mask is one bits followed by zero bits, such as "
                     "255.255.255.0"));
     EXPECT_THAT(machine.seat.boxes, IsEmpty());

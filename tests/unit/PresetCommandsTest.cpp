@@ -155,6 +155,7 @@ class ApplySelectedPresetTest : public WindowCommandTest {
     const std::string labDriverKey = DriverKeyPath("0007");
     const std::vector<std::string> applied = {"box Apply Selected Preset ?",
                                               "statusbar Applying Preset ...",
+                                              "events",
                                               "write NetworkAddress",
                                               "write EnableDHCP",
                                               "write IPAddress",
@@ -268,7 +269,7 @@ TEST_F(ApplySelectedPresetTest, ShortcomingsOfThePresetAreToldAtOnceBeforeItIsAp
     EXPECT_THAT(
         machine.seat.warnings,
         ElementsAre("DHCP is turned off on 'Lab' because the preset does not turn it on; tick DHCP in the "
-                    "preset to keep it. subnet mask '255.0.255.0' is stored as typed but cannot take "
+                    "preset to keep it. Subnet mask '255.0.255.0' is stored as typed but cannot take "
                     "effect: a mask is one bits followed by zero bits, such as 255.255.255.0. DNS server "
                     "'9.9.9' is stored as typed but cannot take effect: it is not four numbers 0 to 255 "
                     "joined by '.'"));

@@ -20,8 +20,7 @@ struct CommandStates {
     bool operator==(const CommandStates&) const = default;
 };
 
-/// The commands for a record; none of them without one. What
-/// belongs to TCP/IP needs TCP/IP; a lease can be
+/// The commands for a record; none of them without one. What belongs to TCP/IP needs TCP/IP; a lease can be
 /// released or renewed where DHCP is on and the connection enabled.
 CommandStates StatesFor(const NicInfo* nic);
 
