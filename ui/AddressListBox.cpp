@@ -17,26 +17,26 @@ namespace {
 
 constexpr int kGap = 4;
 
-std::vector<ListColumn> Columns(const AddressListSpec& spec) {
-    std::vector<ListColumn> columns{{spec.name, 18}};
-    if (*spec.second != '\0') columns.push_back({spec.second, 16});
+std::vector<ListColumn> Columns(const AddressListKind& kind) {
+    std::vector<ListColumn> columns{{kind.name, 18}};
+    if (*kind.second != '\0') columns.push_back({kind.second, 16});
     return columns;
 }
 
 }  // namespace
 
-AddressListBox::AddressListBox(wxWindow* parent, const AddressListSpec& spec)
-    : spec_(spec),
-      list_(new RowList(parent, spec.name, Columns(spec), false)),
+AddressListBox::AddressListBox(wxWindow* parent, const AddressListKind& kind)
+    : kind_(kind),
+      list_(new RowList(parent, kind.name, Columns(kind), false)),
       sizer_(new wxBoxSizer(wxVERTICAL)) {
-    list_->SetVisibleRows(spec.visibleRows);
+    list_->SetVisibleRows(kind.visibleRows);
     list_->OnSelect = [this](std::size_t) { UpdateButtons(); };
-    auto* const grid = new wxGridSizer(spec.upCommand == 0 ? 1 : 2, kGap, kGap);
-    AddButton(parent, grid, spec.addCommand, "add", spec.addTip);
-    if (spec.upCommand != 0) AddButton(parent, grid, spec.upCommand, "up", "One up DNS Server priority");
-    AddButton(parent, grid, spec.removeCommand, "remove", spec.removeTip);
-    if (spec.downCommand != 0) {
-        AddButton(parent, grid, spec.downCommand, "down", "One down DNS Server priority");
+    auto* const grid = new wxGridSizer(kind.upCommand == 0 ? 1 : 2, kGap, kGap);
+    AddButton(parent, grid, kind.addCommand, "add", kind.addTip);
+    if (kind.upCommand != 0) AddButton(parent, grid, kind.upCommand, "up", "One up DNS Server priority");
+    AddButton(parent, grid, kind.removeCommand, "remove", kind.removeTip);
+    if (kind.downCommand != 0) {
+        AddButton(parent, grid, kind.downCommand, "down", "One down DNS Server priority");
     }
     auto* const row = new wxBoxSizer(wxHORIZONTAL);
     row->Add(list_, 1, wxEXPAND | wxRIGHT, kGap);
@@ -68,12 +68,12 @@ void AddressListBox::AddPanel(EntryPanel* panel) {
 int AddressListBox::CommandOf(const wxKeyEvent& event) const {
     const int key = event.GetKeyCode();
     if (event.AltDown()) {
-        if (key == WXK_UP) return spec_.upCommand;
-        return key == WXK_DOWN ? spec_.downCommand : 0;
+        if (key == WXK_UP) return kind_.upCommand;
+        return key == WXK_DOWN ? kind_.downCommand : 0;
     }
     if (event.HasAnyModifiers()) return 0;
-    if ((key >= '0' && key <= '9') || (key >= WXK_NUMPAD0 && key <= WXK_NUMPAD9)) return spec_.addCommand;
-    return key == WXK_DELETE || key == WXK_NUMPAD_DELETE ? spec_.removeCommand : 0;
+    if ((key >= '0' && key <= '9') || (key >= WXK_NUMPAD0 && key <= WXK_NUMPAD9)) return kind_.addCommand;
+    return key == WXK_DELETE || key == WXK_NUMPAD_DELETE ? kind_.removeCommand : 0;
 }
 
 void AddressListBox::BindKeys() {
@@ -134,9 +134,9 @@ void AddressListBox::UpdateButtons() {
     for (wxButton* const button : buttons_) {
         const int command = button->GetId();
         bool possible = enabled_;
-        if (command != spec_.addCommand) possible = possible && row.has_value();
-        if (command == spec_.upCommand) possible = possible && *row > 0;
-        if (command == spec_.downCommand) possible = possible && *row + 1 < rows_.size();
+        if (command != kind_.addCommand) possible = possible && row.has_value();
+        if (command == kind_.upCommand) possible = possible && *row > 0;
+        if (command == kind_.downCommand) possible = possible && *row + 1 < rows_.size();
         // The button that was pressed may be the one: the keys go on in the list.
         if (!possible && button->HasFocus()) list_->SetFocus();
         button->Enable(possible);
@@ -150,7 +150,7 @@ void AddressListBox::SetRows(const std::vector<DetailsRow>& rows) {
     shown.reserve(rows.size());
     for (const DetailsRow& row : rows) {
         shown.push_back(
-            {*spec_.second == '\0' ? std::vector{row.text} : std::vector{row.text, row.subItem}, ""});
+            {*kind_.second == '\0' ? std::vector{row.text} : std::vector{row.text, row.subItem}, ""});
     }
     list_->SetRows(std::move(shown));
     UpdateButtons();

@@ -20,7 +20,7 @@ namespace corvane {
 class RowList;
 
 /// What differs between the three lists of addresses.
-struct AddressListSpec {
+struct AddressListKind {
     const char* name;    ///< Title of the first column, and the accessible name.
     const char* second;  ///< Title of the second column; empty for none.
     int visibleRows;     ///< Rows that show without scrolling.
@@ -37,7 +37,7 @@ struct AddressListSpec {
 /// commands, as menu events, as long as they are enabled.
 class AddressListBox : public AddressListView {
  public:
-    AddressListBox(wxWindow* parent, const AddressListSpec& spec);
+    AddressListBox(wxWindow* parent, const AddressListKind& kind);
     ~AddressListBox() override;
 
     /// The buttons were enabled or disabled.
@@ -75,12 +75,12 @@ class AddressListBox : public AddressListView {
     /// The button of a command; nullptr for another list's.
     [[nodiscard]] wxButton* ButtonOf(int command) const;
 
-    AddressListSpec spec_;
+    AddressListKind kind_;
     std::vector<DetailsRow> rows_;
     bool enabled_ = false;
     RowList* list_;
     wxBoxSizer* sizer_;
-    std::vector<wxButton*> buttons_;  ///< In the order of the commands in the specification.
+    std::vector<wxButton*> buttons_;  ///< In the tab order.
 };
 
 }  // namespace corvane

@@ -8,6 +8,7 @@
 
 #include "ui/Desktop.h"
 #include "ui/IPAddress.h"
+#include "ui/TextBox.h"
 #include "ui/WxText.h"
 
 namespace corvane {
@@ -19,9 +20,7 @@ constexpr int kNoteCharacters = 40;
 
 /// A box for a number of up to `digits` digits, whose whole text is selected when it gets the focus.
 wxTextCtrl* MakeNumberBox(wxWindow* parent, int digits) {
-    auto* const box = new wxTextCtrl(parent, wxID_ANY);
-    const wxString widest('0', static_cast<std::size_t>(digits));
-    box->SetInitialSize(box->GetSizeFromTextSize(box->GetTextExtent(widest).x));
+    wxTextCtrl* const box = MakeTextBox(parent, digits);
     box->Bind(wxEVT_SET_FOCUS, [box](wxFocusEvent& event) {
         event.Skip();
         box->SelectAll();

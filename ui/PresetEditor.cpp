@@ -11,6 +11,7 @@
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
 #include "ui/MacBoxRow.h"
+#include "ui/TextBox.h"
 #include "ui/logic/MacEntry.h"
 
 namespace corvane {
@@ -33,7 +34,7 @@ PresetEditor::PresetEditor(wxWindow* parent) : wxPanel(parent) {
     auto* const title = new wxStaticText(this, wxID_ANY, "Create / Edit Configuration Preset");
     title->SetFont(title->GetFont().Bold());
     auto* const label = new wxStaticText(this, wxID_ANY, "&Name:");
-    txtPresetName_ = new wxTextCtrl(this, wxID_ANY);
+    txtPresetName_ = MakeTextBox(this, 0);
     LabelFor(label, txtPresetName_);
     SetAccessibleName(txtPresetName_, "Preset name");
     auto* const name = new wxBoxSizer(wxHORIZONTAL);

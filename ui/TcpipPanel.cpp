@@ -21,21 +21,21 @@ namespace {
 
 constexpr int kGap = 6;
 
-constexpr AddressListSpec kIpList{.name = kIpTitle,
+constexpr AddressListKind kIpList{.name = kIpTitle,
                                   .second = "Subnet Mask",
                                   .visibleRows = 3,
                                   .addCommand = mnuAddIPAddress,
                                   .removeCommand = mnuRemoveIPAddress,
                                   .addTip = "Add IP Address",
                                   .removeTip = "Remove IP Address"};
-constexpr AddressListSpec kGatewayList{.name = kGatewayTitle,
+constexpr AddressListKind kGatewayList{.name = kGatewayTitle,
                                        .second = "Metric",
                                        .visibleRows = 2,
                                        .addCommand = mnuAddGateway,
                                        .removeCommand = mnuRemoveGateway,
                                        .addTip = "Add Gateway",
                                        .removeTip = "Remove Gateway"};
-constexpr AddressListSpec kDnsList{.name = kDnsTitle,
+constexpr AddressListKind kDnsList{.name = kDnsTitle,
                                    .second = "",
                                    .visibleRows = 2,
                                    .addCommand = mnuAddDNSServer,
@@ -75,11 +75,11 @@ wxSizer* TcpipPanel::MakeFacts() {
     return sizer;
 }
 
-std::unique_ptr<AddressListBox> TcpipPanel::MakeList(const AddressListSpec& spec) {
-    auto list = std::make_unique<AddressListBox>(this, spec);
+std::unique_ptr<AddressListBox> TcpipPanel::MakeList(const AddressListKind& kind) {
+    auto list = std::make_unique<AddressListBox>(this, kind);
     list->List().OnFocus = [this, &shown = list->List()] { OnListFocus(shown); };
     list->OnCommands = [this] { OnCommands(); };
-    GetSizer()->Add(list->Sizer(), spec.visibleRows, wxEXPAND | wxTOP, kGap);
+    GetSizer()->Add(list->Sizer(), kind.visibleRows, wxEXPAND | wxTOP, kGap);
     return list;
 }
 

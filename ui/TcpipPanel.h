@@ -83,7 +83,7 @@ class TcpipPanel : public wxPanel, private PresetEditorView {
     void RefreshPresetsList() override;
 
     wxSizer* MakeFacts();
-    std::unique_ptr<AddressListBox> MakeList(const AddressListSpec& spec);
+    std::unique_ptr<AddressListBox> MakeList(const AddressListKind& kind);
     [[nodiscard]] std::vector<EntryPanel*> OpenPanels() const;
     /// Puts an entry panel below its list and ties it to the editing of that list.
     void AddPanel(EntryPanel* panel, AddressListBox& list, std::function<void(const EditingTarget&)> add);

@@ -1,5 +1,7 @@
 #include "ui/TextBox.h"
 
+#include <algorithm>
+
 #include <wx/clipbrd.h>
 #include <wx/textctrl.h>
 
@@ -7,12 +9,32 @@
 
 namespace corvane {
 
-wxTextCtrl* MakeDigitBox(wxWindow* parent, int digits, long style) {
+namespace {
+
+/// Room above and below the text, frame included, in pixels at the normal scale.
+constexpr int kMargins = 10;
+
+void SetRoom(wxTextCtrl& box, int characters) {
+    const wxString widest('M', static_cast<std::size_t>(characters));
+    wxSize size =
+        characters == 0 ? box.GetBestSize() : box.GetSizeFromTextSize(box.GetTextExtent(widest).x);
+    size.y = std::max(size.y, box.GetCharHeight() + box.FromDIP(kMargins));
+    box.SetInitialSize(size);
+}
+
+}  // namespace
+
+wxTextCtrl* MakeTextBox(wxWindow* parent, int characters, long style) {
     auto* const box = new wxTextCtrl(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, style);
+    SetRoom(*box, characters);
+    return box;
+}
+
+wxTextCtrl* MakeDigitBox(wxWindow* parent, int digits, long style) {
+    wxTextCtrl* const box = MakeTextBox(parent, 0, style);
     box->SetMaxLength(static_cast<unsigned long>(digits));
     box->SetFont(wxFont(wxFontInfo(box->GetFont().GetFractionalPointSize()).Family(wxFONTFAMILY_TELETYPE)));
-    const wxString widest('M', static_cast<std::size_t>(digits));
-    box->SetInitialSize(box->GetSizeFromTextSize(box->GetTextExtent(widest).x));
+    SetRoom(*box, digits);
     return box;
 }
 

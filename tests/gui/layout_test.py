@@ -5,7 +5,7 @@ from typing import NamedTuple
 from controls import LEAVES, SHOWING, TABLES
 from main_window import OWN, MainWindowTest, picture
 from waiting import NotNow
-from window import LIST
+from window import LIST, octet_name
 
 PARTS = (*LEAVES, *TABLES)
 # In the details: their title and their lists.
@@ -190,6 +190,35 @@ class Layout(MainWindowTest):
         self.resize(560, 420)
         self.open_panel("lan0")
         self.assert_everything_can_be_seen()
+
+    def test_the_panels_of_the_lists_and_the_preset_editor_in_a_small_window(self):
+        self.open_with_links()
+        self.resize(560, 420)
+        for command in ("Add IP Address", "Add Gateway", "Add DNS Server"):
+            self.window.menu("TCP/IP", command).choose()
+            self.assert_everything_can_be_seen()
+        self.desktop.press("ctrl+t")
+        self.window.entry("Preset name").expect(focused=True)
+        self.assert_everything_can_be_seen()
+
+    def test_large_fonts_fit_into_the_boxes(self):
+        self.open_with_links(environment=LARGE_FONTS)
+        line = Area(*self.fact("Connection Name:").extents).height
+        self.open_panel("lan0")
+        boxes = [octet_name(0), "Vendor:"]
+        self.assert_heights(boxes, line)
+        self.window.menu("TCP/IP", "Add IP Address").choose()
+        self.assert_heights(["IP address, octet 1 of 4", "Subnet mask, octet 4 of 4", "Prefix length"], line)
+        self.window.menu("TCP/IP", "Add Gateway").choose()
+        self.assert_heights(["Gateway, octet 1 of 4", "Metric . . . ."], line)
+        self.desktop.press("ctrl+t")
+        self.assert_heights(["Preset name", octet_name(0)], line)
+
+    def assert_heights(self, boxes, line):
+        for name in boxes:
+            box = self.window.entry(name)
+            box.expect(showing=True)
+            self.assertGreaterEqual(Area(*box.extents).height, line, name)
 
     def test_dark_colours(self):
         self.open_with_links(environment={"GTK_THEME": "Adwaita:dark"})
