@@ -162,7 +162,7 @@ void frmMain::EditingPreset(bool editing) {
     list_->Enable(!editing);
     if (!editing) {
         list_->SetFocus();
-        ApplyDetails();
+        connections_.ShowSelected();
         RefreshSoon();
     }
     UpdateCommands();

@@ -115,6 +115,12 @@ class Add(DnsTest):
         self.add(FIRST)
         self.assert_servers("8.8..", FIRST, in_force=[FIRST])
 
+    def leave_the_preset_editor_again(self):
+        self.desktop.press("ctrl+t")
+        self.window.entry("Preset name").expect(focused=True)
+        self.expect_list()
+        self.desktop.press("alt+l")
+
     def test_another_connection_and_back_shows_the_new_order(self):
         self.veth("lan1", "10.2.0.2/24", mac="02:00:00:00:20:01")
         self.nicx("-n", "lan1", "-d", "10.2.0.53")
@@ -123,6 +129,9 @@ class Add(DnsTest):
         self.choose("lan0")
         self.list.click_row(SECOND)
         self.window.button(UP).click()
+        self.expect_list((SECOND,), (FIRST,))
+        self.leave_the_preset_editor_again()
+        self.expect_list((SECOND,), (FIRST,))
         self.choose("lan1")
         self.expect_list(("10.2.0.53",))
         self.choose("lan0")
