@@ -46,13 +46,6 @@ bool IsWholeQuad(const std::string& text) {
            });
 }
 
-std::string WithoutMargins(const std::string& text) {
-    constexpr char kMargins[] = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kMargins);
-    if (first == std::string::npos) return {};
-    return text.substr(first, text.find_last_not_of(kMargins) - first + 1);
-}
-
 std::string WithSelectionReplaced(std::string text, TextSelection selection, const std::string& by) {
     text.replace(static_cast<std::size_t>(selection.start), static_cast<std::size_t>(selection.length), by);
     return text;

@@ -39,13 +39,6 @@ bool AreHexDigits(const std::string& text) {
     return true;
 }
 
-std::string WithoutMargins(const std::string& text) {
-    constexpr char kMargins[] = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kMargins);
-    if (first == std::string::npos) return {};
-    return text.substr(first, text.find_last_not_of(kMargins) - first + 1);
-}
-
 /// What stands between separators, when the text has one kind of them and else only hexadecimal digits; else
 /// nothing.
 std::vector<std::string> GroupsOf(const std::string& text) {
@@ -92,6 +85,13 @@ std::string KeptOfText(const std::string& text) {
 }
 
 }  // namespace
+
+std::string WithoutMargins(const std::string& text) {
+    constexpr char kMargins[] = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(kMargins);
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(kMargins) - first + 1);
+}
 
 void MacEntry::KeyPress(int box, int character) {
     const std::optional<char> digit = HexDigit(character);

@@ -30,9 +30,9 @@ class MacEntry {
     /// the row ends.
     bool KeyDown(int box, BoxKey key, bool shift, bool control);
 
-    /// The text of a box changed, by the user or by SetText with another text. What is no hexadecimal digit, or
-    /// one too many, and did not come by a key (dropped by the mouse, from an input method) is taken out with a
-    /// beep.
+    /// The text of a box changed, by the user or by SetText with another text. What is no hexadecimal digit,
+    /// or one too many, and did not come by a key (dropped by the mouse, from an input method) is taken out
+    /// with a beep.
     void Changed(int box);
 
     void Clicked(int box);
@@ -63,6 +63,9 @@ class MacEntry {
     VendorEntry& vendor_;
     int arrivedIn_ = -1;  ///< The box that the digit typed last moved the focus to; -1: nothing of the kind.
 };
+
+/// A pasted text without the blanks, tabs and line ends around it.
+std::string WithoutMargins(const std::string& text);
 
 /// Boxes `first` to `last`: an empty one becomes "00", one with a single character gets a leading "0".
 void NormaliseOctets(MacBoxesView& boxes, int first, int last);
