@@ -76,14 +76,15 @@ Win32Error RegistryTables::Run(Statement& statement) {
 }
 
 RegistryTables::Schema RegistryTables::LookAtSchema(Win32Error& code) {
+    // In this order: another program may make the tables and their version, as one step, in between.
+    std::int64_t tables = 0;
+    code = Number(Sql::kSchemaSize, tables);
+    if (!Ok(code)) return Schema::kFailed;
     std::int64_t version = 0;
     code = Number(Sql::kUserVersion, version);
     if (!Ok(code)) return Schema::kFailed;
     if (version == kSchemaVersion) return Schema::kReady;
     if (version != 0) return version > kSchemaVersion ? Schema::kNewer : Schema::kForeign;
-    std::int64_t tables = 0;
-    code = Number(Sql::kSchemaSize, tables);
-    if (!Ok(code)) return Schema::kFailed;
     return tables == 0 ? Schema::kEmpty : Schema::kForeign;
 }
 
