@@ -66,7 +66,7 @@ frmMain::frmMain(ProgramFacts facts)
     settle_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { RefreshForChanges(); });
     changes_ = std::make_unique<ChangesWatch>([this] {
         gate_.NoteChange();
-        if (!settle_.IsRunning()) settle_.StartOnce(kSettleMilliseconds);
+        RefreshSoon();
     });
     // After the window is on the screen: an icon in the tray is not what the user waits for.
     CallAfter([this] {

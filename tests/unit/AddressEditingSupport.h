@@ -8,6 +8,7 @@
 
 #include "tests/unit/AddressListSupport.h"
 #include "tests/unit/QuadBoxesSupport.h"
+#include "tests/unit/StackSupport.h"
 #include "tests/unit/WindowCommandSupport.h"
 #include "ui/logic/DnsEditing.h"
 #include "ui/logic/GatewayEditing.h"
@@ -72,14 +73,6 @@ class AddressEditingTest : public WindowCommandTest {
     void ExpectMachineUntouched() const {
         EXPECT_THAT(ipHelper->diary, testing::IsEmpty());
         EXPECT_THAT(machine.registry->diary, testing::IsEmpty());
-    }
-    static FakeSeat::Box Refusal(int code, const std::string& apiName, const std::string& description) {
-        return Critical("Orvella Corvane", "DLL : IphlpApi.dll\r\n\r\nError Code : " + std::to_string(code) +
-                                               "\r\nAPI: " + apiName + "\r\nError Description : " +
-                                               description + "\r\n\r\nClick OK To Continue");
-    }
-    static FakeSeat::Box InvalidParameter(const std::string& apiName) {
-        return Refusal(87, apiName, "The parameter is incorrect.");
     }
 
     std::shared_ptr<RefusingIpHelper> ipHelper = std::make_shared<RefusingIpHelper>();

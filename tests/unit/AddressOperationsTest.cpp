@@ -3,6 +3,7 @@
 
 #include "platform/Text.h"
 #include "tcpip/AddressOperations.h"
+#include "tests/unit/StackSupport.h"
 #include "tests/unit/WindowCommandSupport.h"
 
 namespace corvane {
@@ -92,24 +93,9 @@ class AddressOperationsTest : public WindowCommandTest {
     /// The latest route that was asked for, every field of it.
     void ExpectRoute(const Ipv4Bytes& gateway, std::uint32_t metric) const {
         ASSERT_FALSE(ipHelper->askedRoutes.empty());
-        const IpForwardRow& row = ipHelper->askedRoutes.back();
-        EXPECT_EQ(row.destination, Ipv4Bytes());
-        EXPECT_EQ(row.mask, Ipv4Bytes());
-        EXPECT_EQ(row.nextHop, gateway);
-        EXPECT_EQ(row.ifIndex, kLabIndex);
-        EXPECT_EQ(row.type, 4U);
-        EXPECT_EQ(row.proto, 3U);
-        EXPECT_EQ(row.metric1, metric);
+        ExpectDefaultRoute(ipHelper->askedRoutes.back(), gateway, kLabIndex, metric);
     }
 
-    static FakeSeat::Box Refusal(int code, const std::string& apiName, const std::string& description) {
-        return Critical("Orvella Corvane", "DLL : IphlpApi.dll\r\n\r\nError Code : " + std::to_string(code) +
-                                               "\r\nAPI: " + apiName + "\r\nError Description : " +
-                                               description + "\r\n\r\nClick OK To Continue");
-    }
-    static FakeSeat::Box InvalidParameter(const std::string& apiName) {
-        return Refusal(87, apiName, "The parameter is incorrect.");
-    }
     static FakeSeat::Box ReadWriteFailure(const std::string& valueName, const std::string& error) {
         return Critical("Error! Cannot Read/Write Registry",
                         "Error while reading/writing in windows registry.\r\n\r\nRegistry Path: "

@@ -54,14 +54,7 @@ class GatewayEditingTest : public AddressEditingTest {
     /// The only route, every field of it.
     void ExpectRoute(const Ipv4Bytes& gateway, std::uint32_t metric) const {
         ASSERT_EQ(ipHelper->routes.size(), 1U);
-        const IpForwardRow& row = ipHelper->routes[0];
-        EXPECT_EQ(row.destination, Ipv4Bytes());
-        EXPECT_EQ(row.mask, Ipv4Bytes());
-        EXPECT_EQ(row.nextHop, gateway);
-        EXPECT_EQ(row.ifIndex, kLabIndex);
-        EXPECT_EQ(row.type, 4U);
-        EXPECT_EQ(row.proto, 3U);
-        EXPECT_EQ(row.metric1, metric);
+        ExpectDefaultRoute(ipHelper->routes[0], gateway, kLabIndex, metric);
     }
 
     GatewayPanel panel{diary};

@@ -34,7 +34,7 @@ void RemoveRow(AddressListView& list, const std::string& title, std::size_t row)
 
 void FillRows(AddressListView& list, const std::string& title, const std::vector<DetailsRow>& rows) {
     list.SetRows(rows);
-    list.SetHeader(title + " (" + std::to_string(rows.size()) + ")");
+    list.SetHeader(ListHeader(title, rows.size()));
 }
 
 void WarnOf(std::vector<std::string> sentences) {

@@ -34,11 +34,6 @@ class AddressListView {
     virtual void SelectRow(std::size_t row) = 0;
 };
 
-/// Titles of the first columns, without the number of rows.
-inline constexpr char kIpTitle[] = "IP Address";
-inline constexpr char kGatewayTitle[] = "Gateway";
-inline constexpr char kDnsTitle[] = "DNS Server";
-
 /// Position of the first row with this text.
 std::optional<std::size_t> FindRow(const AddressListView& list, const std::string& text);
 

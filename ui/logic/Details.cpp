@@ -10,21 +10,6 @@ constexpr char kDhcpDisabled[] = "DHCP Disabled";
 
 std::string Marked(const std::string& mac, const char* mark) { return mac + " (" + mark + ")"; }
 
-/// Rows of the entries that are not empty, each with its neighbour in a parallel list (which may be shorter).
-std::vector<DetailsRow> Rows(const std::vector<std::string>& texts,
-                             const std::vector<std::string>& subItems = {}) {
-    std::vector<DetailsRow> rows;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        if (texts[i].empty()) continue;
-        rows.push_back({texts[i], i < subItems.size() ? subItems[i] : std::string(), i});
-    }
-    return rows;
-}
-
-std::string Header(const std::string& title, const std::vector<DetailsRow>& rows) {
-    return title + " (" + std::to_string(rows.size()) + ")";
-}
-
 void FillTcpip(Details& details, const NicInfo& nic) {
     const bool dhcp = nic.TcpipBound && nic.DhcpEnabled;
     details.labTCPIP = nic.TcpipBound ? kEnabled : kDisabled;
@@ -35,6 +20,20 @@ void FillTcpip(Details& details, const NicInfo& nic) {
 }
 
 }  // namespace
+
+std::string ListHeader(const std::string& title, std::size_t rows) {
+    return title + " (" + std::to_string(rows) + ")";
+}
+
+std::vector<DetailsRow> ListRows(const std::vector<std::string>& texts,
+                                 const std::vector<std::string>& subItems) {
+    std::vector<DetailsRow> rows;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (texts[i].empty()) continue;
+        rows.push_back({texts[i], i < subItems.size() ? subItems[i] : std::string(), i});
+    }
+    return rows;
+}
 
 std::string DetailsMacText(const NicInfo& nic) {
     const std::string& changed = nic.NetworkAddress;
@@ -66,12 +65,12 @@ Details FillDetails(const NicInfo& nic) {
     details.labSpeed = nic.Speed;
     details.labStatus = nic.Status;
     FillTcpip(details, nic);
-    details.ListIP = Rows(nic.IpAddresses, nic.SubnetMasks);
-    details.headerIP = Header("IP Address", details.ListIP);
-    details.ListGateway = Rows(nic.Gateways, nic.GatewayMetrics);
-    details.headerGateway = Header("Gateway", details.ListGateway);
-    details.ListDNS = Rows(nic.DnsServers);
-    details.headerDNS = Header("DNS Server", details.ListDNS);
+    details.ListIP = ListRows(nic.IpAddresses, nic.SubnetMasks);
+    details.headerIP = ListHeader(kIpTitle, details.ListIP.size());
+    details.ListGateway = ListRows(nic.Gateways, nic.GatewayMetrics);
+    details.headerGateway = ListHeader(kGatewayTitle, details.ListGateway.size());
+    details.ListDNS = ListRows(nic.DnsServers);
+    details.headerDNS = ListHeader(kDnsTitle, details.ListDNS.size());
     return details;
 }
 

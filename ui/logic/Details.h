@@ -59,6 +59,18 @@ inline constexpr char kEnableCaption[] = "&Enable Network Connection";
 /// Caption of mnuEnableDHCP that means switching DHCP on; any other means off.
 inline constexpr char kEnableDhcpCaption[] = "Enable DHC&P";
 
+/// Titles of the first columns of the panel's own lists, without the number of rows.
+inline constexpr char kIpTitle[] = "IP Address";
+inline constexpr char kGatewayTitle[] = "Gateway";
+inline constexpr char kDnsTitle[] = "DNS Server";
+
+/// A title with the number of rows, such as "IP Address (2)".
+std::string ListHeader(const std::string& title, std::size_t rows);
+
+/// Rows of the texts that are not empty, each with its neighbour in a parallel list (which may be shorter).
+std::vector<DetailsRow> ListRows(const std::vector<std::string>& texts,
+                                 const std::vector<std::string>& subItems = {});
+
 /// The panel filled for a record. The traffic texts are those of the cleared panel.
 Details FillDetails(const NicInfo& nic);
 

@@ -31,16 +31,6 @@ std::optional<std::size_t> FindPreset(const std::string& name) {
     return static_cast<std::size_t>(found - presets.begin());
 }
 
-/// The entries that are not empty, each with its neighbour in a parallel list (which may be shorter).
-std::vector<DetailsRow> RowsOf(const PresetList& texts, const PresetList& subItems = {}) {
-    std::vector<DetailsRow> rows;
-    for (std::size_t i = 0; i < texts.Items.size(); ++i) {
-        if (texts.Items[i].empty()) continue;
-        rows.push_back({texts.Items[i], i < subItems.Items.size() ? subItems.Items[i] : std::string(), i});
-    }
-    return rows;
-}
-
 /// Copies a list's rows; an empty list leaves the preset's lists as they are.
 void CopyRows(const AddressListView& list, PresetList& texts, PresetList* subItems = nullptr) {
     if (list.Rows().empty()) return;
@@ -110,9 +100,10 @@ void PresetEditing::Fill(const PresetRecord& preset) {
             FillMac(preset.Mac);
         }
     }
-    FillRows(editor_.ListIP(), kIpTitle, RowsOf(preset.IpAddresses, preset.SubnetMasks));
-    FillRows(editor_.ListGateway(), kGatewayTitle, RowsOf(preset.Gateways, preset.GatewayMetrics));
-    FillRows(editor_.ListDNS(), kDnsTitle, RowsOf(preset.DnsServers));
+    FillRows(editor_.ListIP(), kIpTitle, ListRows(preset.IpAddresses.Items, preset.SubnetMasks.Items));
+    FillRows(editor_.ListGateway(), kGatewayTitle,
+             ListRows(preset.Gateways.Items, preset.GatewayMetrics.Items));
+    FillRows(editor_.ListDNS(), kDnsTitle, ListRows(preset.DnsServers.Items));
     UpdateEnabled();
 }
 
