@@ -2,10 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -122,18 +119,8 @@ void AppendList(std::string& bytes, const PresetList& list) {
 
 /// Reads up to kLargestPresetsFile bytes of a file. `size` becomes the size of the whole file.
 std::error_code ReadBeginning(const std::string& path, std::string& bytes, std::uintmax_t& size) {
-    std::error_code failure;
-    const std::filesystem::path file(std::u8string(path.begin(), path.end()));
-    size = std::filesystem::file_size(file, failure);
-    if (failure) return failure;
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) return {errno != 0 ? errno : EIO, std::generic_category()};
-    bytes.resize(static_cast<std::size_t>(std::min<std::uintmax_t>(size, kLargestPresetsFile)));
-    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (stream.bad()) return std::make_error_code(std::errc::io_error);
-    bytes.resize(static_cast<std::size_t>(stream.gcount()));
-    return {};
+    const std::error_code failure = FileSize(path, size);
+    return failure ? failure : ReadFileContents(path, bytes, kLargestPresetsFile);
 }
 
 [[noreturn]] void FailToRead(const std::string& path, const std::error_code& reason) {

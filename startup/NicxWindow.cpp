@@ -1,66 +1,19 @@
 #include <cstdlib>
 #include <iostream>
-#include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include <wx/app.h>
 #include <wx/init.h>
 #include <wx/log.h>
 
-#include "platform/Platform.h"
 #include "platform/Text.h"
 #include "startup/Startup.h"
-#include "ui/Desktop.h"
-#include "ui/WindowSeat.h"
+#include "startup/WindowApp.h"
 #include "ui/WxText.h"
-#include "ui/frmCLHelp.h"
-#include "ui/frmMain.h"
+#include "ui/gtk/Session.h"
 
 namespace corvane {
 namespace {
-
-/// Runs the start-up routine and, when it has loaded the main window, the event loop.
-class WindowApp : public wxApp {
- public:
-    explicit WindowApp(std::string commandLine) : commandLine_(std::move(commandLine)) {}
-
-    bool OnInit() override {
-        // No window here waits for idle moments; asking each of them costs time at every event.
-        wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
-        wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
-        DropLayoutMessages();
-        EndWhenDisplayIsLost(
-            "nicx-window: the display has gone away; the program ends. What it had reported as done is done.",
-            kExitRunTimeError);
-        return true;
-    }
-
-    int OnRun() override {
-        WindowSeat seat;
-        const ScopedSeat installed(seat);
-        bool windowLoaded = false;
-        const int exitCode = RunStartup(
-            commandLine_, {[](const std::string& text) { frmCLHelp(text).ShowModal(); },
-                           [&] {
-                               auto* const window = new frmMain({ProgramFolder, OsDescription.description});
-                               seat.SetMainWindow(window);
-                               window->Bind(wxEVT_DESTROY, [&seat, window](wxWindowDestroyEvent& event) {
-                                   event.Skip();
-                                   if (event.GetEventObject() == window) seat.SetMainWindow(nullptr);
-                               });
-                               window->Show();
-                               windowLoaded = true;
-                           }});
-        seat.UnloadSplash();
-        if (windowLoaded) wxApp::OnRun();
-        return exitCode;
-    }
-
- private:
-    std::string commandLine_;
-};
 
 std::string Variable(const char* name) {
     const char* const value = std::getenv(name);
@@ -111,19 +64,18 @@ int Run(int count, char** arguments) {
     const std::string text = Join(std::vector<std::string>(arguments + 1, arguments + count), " ");
     ShareHeap();
     wxSetAssertHandler(OnToolkitAssert);
-    wxApp::SetInstance(new WindowApp(text));
+    auto* const app = new WindowApp(text);
+    wxApp::SetInstance(app);
     const Toolkit toolkit(arguments);
     if (!toolkit.Started()) {
         SayNoDisplay();
         return kExitRunTimeError;
     }
-    Platform platform = MakeSystemPlatform();
-    platform.clock = std::make_shared<WindowClock>(platform.clock);
-    InstallPlatform(std::move(platform));
-    wxTheApp->CallOnInit();
-    const int exitCode = wxTheApp->OnRun();
-    wxTheApp->OnExit();
-    return exitCode;
+    DropLayoutMessages();
+    EndWhenDisplayIsLost(
+        "nicx-window: the display has gone away; the program ends. What it had reported as done is done.",
+        kExitRunTimeError);
+    return RunOnSystemPlatform(*app);
 }
 
 }  // namespace

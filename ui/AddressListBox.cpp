@@ -27,7 +27,7 @@ std::vector<ListColumn> Columns(const AddressListKind& kind) {
 
 AddressListBox::AddressListBox(wxWindow* parent, const AddressListKind& kind)
     : kind_(kind),
-      list_(new RowList(parent, kind.name, Columns(kind), false)),
+      list_(RowList::Make(parent, kind.name, Columns(kind), false)),
       sizer_(new wxBoxSizer(wxVERTICAL)) {
     list_->SetVisibleRows(kind.visibleRows);
     list_->OnSelect = [this](std::size_t) { UpdateButtons(); };
@@ -39,7 +39,7 @@ AddressListBox::AddressListBox(wxWindow* parent, const AddressListKind& kind)
         AddButton(parent, grid, kind.downCommand, "down", "One down DNS Server priority");
     }
     auto* const row = new wxBoxSizer(wxHORIZONTAL);
-    row->Add(list_, 1, wxEXPAND | wxRIGHT, kGap);
+    row->Add(&list_->Window(), 1, wxEXPAND | wxRIGHT, kGap);
     row->Add(grid);
     sizer_->Add(row, 1, wxEXPAND);
     BindKeys();
@@ -77,25 +77,22 @@ int AddressListBox::CommandOf(const wxKeyEvent& event) const {
 }
 
 void AddressListBox::BindKeys() {
-    list_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+    list_->Window().Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
         const int command = CommandOf(event);
         if (command == 0) {
             event.Skip();
         } else if (CommandEnabled(command)) {
             wxCommandEvent chosen(wxEVT_MENU, command);
-            list_->ProcessWindowEvent(chosen);
+            list_->Window().ProcessWindowEvent(chosen);
         }
     });
-    const auto showMenu = [this] {
+    list_->OnMenu = [this] {
         wxMenu menu;
         for (const wxButton* const button : buttons_) {
             menu.Append(button->GetId(), button->GetToolTipText())->Enable(button->IsEnabled());
         }
-        list_->PopupMenu(&menu);
+        list_->Window().PopupMenu(&menu);
     };
-    // The mouse tells the one, the keyboard's menu key and Shift+F10 the other.
-    list_->Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [showMenu](wxDataViewEvent&) { showMenu(); });
-    list_->Bind(wxEVT_CONTEXT_MENU, [showMenu](wxContextMenuEvent&) { showMenu(); });
 }
 
 void AddressListBox::Fill(const std::vector<DetailsRow>& rows, const std::string& header,
@@ -107,7 +104,7 @@ void AddressListBox::Fill(const std::vector<DetailsRow>& rows, const std::string
     if (before && !rows.empty()) {
         SelectRow(FindRow(*this, text).value_or(std::min(*before, rows.size() - 1)));
     } else {
-        list_->UnselectAll();
+        list_->ClearSelection();
         UpdateButtons();
     }
 }
@@ -138,7 +135,7 @@ void AddressListBox::UpdateButtons() {
         if (command == kind_.upCommand) possible = possible && *row > 0;
         if (command == kind_.downCommand) possible = possible && *row + 1 < rows_.size();
         // The button that was pressed may be the one: the keys go on in the list.
-        if (!possible && button->HasFocus()) list_->SetFocus();
+        if (!possible && button->HasFocus()) list_->Window().SetFocus();
         button->Enable(possible);
     }
     if (OnCommands) OnCommands();

@@ -1,27 +1,18 @@
 #pragma once
 
-#include <string>
-
 #include <wx/event.h>
+#include <wx/frame.h>
 #include <wx/stattext.h>
 #include <wx/window.h>
 
-class wxDataViewCtrl;
+#include "platform/Seat.h"
 
-/// What the toolkit leaves to the desktop's own library. Defined once per desktop (ui/gtk).
+/// What the toolkit leaves to the desktop's own library. Defined once per desktop (ui/gtk, ui/windows).
 namespace corvane {
 
-/// The threads of the desktop's own libraries share one heap from now on, since they hardly need any: half a
-/// mebibyte less. To be called before the toolkit is started.
-void ShareHeap();
-
-/// From now on a display that goes away ends the program with `words` on standard error and `exitCode`. To be
-/// called when the toolkit has been started.
-void EndWhenDisplayIsLost(const std::string& words, int exitCode);
-
-/// Keeps the desktop library's complaints about layouts before the first size off standard error; all other
-/// messages go there.
-void DropLayoutMessages();
+/// What the controls of a frame window lie on and the Tab key goes round in: the frame itself, or a panel that
+/// fills it. To be called once, before anything else is put into the frame.
+wxWindow* MakeGround(wxFrame* frame);
 
 /// Ties a label to the control that was made right after it: Alt and the label's mnemonic move the focus
 /// there, and the label's text is the control's accessible name.
@@ -41,15 +32,20 @@ void DropFrame(wxWindow* box);
 /// and out over the content cost as much at the start as the control itself.
 void UsePlainScrollBars(wxWindow* control);
 
-/// Puts the cursor of a list, from which the arrow keys go on, on a row; that selects it too.
-void MoveCursor(wxDataViewCtrl* list, int row);
-
 /// The character of a key that is down, with Shift and the like taken into account; 8 for backspace, 0 for a
 /// key that types nothing.
 int TypedCharacter(const wxKeyEvent& down);
 
+/// Whether Ctrl or Alt make a command of a key, so that it types nothing. The two together are AltGr on some
+/// desktops, and type.
+bool GivesCommand(const wxKeyEvent& key);
+
+/// Shows the desktop's own message box and waits for its answer. Without a parent it stands alone.
+BoxAnswer ShowMessageBox(wxWindow* parent, const wxString& title, const wxString& text, BoxIcon icon,
+                         BoxButtons buttons);
+
 /// While one lives, no key, click or scroll reaches any window, and those that come are dropped; windows go
-/// on painting.
+/// on painting. More than one may live at a time.
 class InputHold {
  public:
     InputHold();
@@ -58,7 +54,7 @@ class InputHold {
     InputHold& operator=(const InputHold&) = delete;
 
  private:
-    void* grab_;
+    void* grab_;  ///< What the desktop holds the input with.
 };
 
 }  // namespace corvane

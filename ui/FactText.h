@@ -2,20 +2,28 @@
 
 #include <string>
 
-#include <wx/stattext.h>
+class wxWindow;
 
-/// A text that the program shows and the user may want to copy: it can be selected, with the mouse and with
-/// the keyboard, and not be changed. What does not fit ends in "..." and is whole in the tool tip.
 namespace corvane {
 
-class FactText : public wxStaticText {
+/// A text that the program shows and the user may want to copy: it can be selected, with the mouse and with
+/// the keyboard, and not be changed. What does not fit is cut, and whole in the tool tip. Made of the
+/// desktop's own control for that (ui/gtk, ui/windows).
+class FactText {
  public:
-    /// `name` is the accessible name.
-    FactText(wxWindow* parent, const std::string& name);
+    /// Makes one that goes with its parent. `name` is the accessible name.
+    static FactText* Make(wxWindow* parent, const std::string& name);
+    FactText(const FactText&) = delete;
+    FactText& operator=(const FactText&) = delete;
 
-    void SetText(const std::string& text);
+    /// The control, for layouts.
+    [[nodiscard]] virtual wxWindow* Window() = 0;
 
-    [[nodiscard]] bool AcceptsFocus() const override { return true; }
+    virtual void SetText(const std::string& text) = 0;
+
+ protected:
+    FactText() = default;
+    ~FactText() = default;
 };
 
 }  // namespace corvane

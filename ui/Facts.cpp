@@ -7,8 +7,8 @@ namespace corvane {
 
 FactText* AddFact(wxWindow* parent, wxFlexGridSizer* grid, const char* label, const char* name) {
     grid->Add(new wxStaticText(parent, wxID_ANY, label), 0, wxALIGN_CENTER_VERTICAL);
-    auto* const fact = new FactText(parent, *name == '\0' ? label : name);
-    grid->Add(fact, 1, wxEXPAND);
+    auto* const fact = FactText::Make(parent, *name == '\0' ? label : name);
+    grid->Add(fact->Window(), 1, wxEXPAND);
     return fact;
 }
 

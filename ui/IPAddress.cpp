@@ -22,10 +22,10 @@ constexpr int kPadding = 4;
 /// The code of a typed character as the rules know it; 0 for what is not for them.
 int CharacterOf(const wxKeyEvent& event) {
     const int key = event.GetKeyCode();
-    if (event.AltDown()) return 0;
-    if (event.ControlDown()) {
+    if (GivesCommand(event)) {
         // The others are commands of the menus.
-        return key == 'C' || key == 'V' || key == 'X' || key == 'Z' ? key - 'A' + 1 : 0;
+        const bool edits = !event.AltDown() && (key == 'C' || key == 'V' || key == 'X' || key == 'Z');
+        return edits ? key - 'A' + 1 : 0;
     }
     const int character = TypedCharacter(event);
     const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);

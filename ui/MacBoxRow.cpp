@@ -43,7 +43,7 @@ bool MacBoxRow::HandleArrow(int box, const wxKeyEvent& event) {
 
 bool MacBoxRow::HandleCharacter(int box, const wxKeyEvent& event, int character) {
     const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
-    if (!typed || event.ControlDown() || event.AltDown()) return false;
+    if (!typed || GivesCommand(event)) return false;
     entry_->KeyPress(box, character);
     return true;
 }

@@ -21,21 +21,21 @@ constexpr int kVisibleRows = 3;
 
 PresetsPanel::PresetsPanel(wxWindow* parent)
     : wxPanel(parent),
-      presetsList_(new RowList(this, "Presets", {{"Presets", 30}}, false)),
+      presetsList_(RowList::Make(this, "Presets", {{"Presets", 30}}, false)),
       command20_(MakeButton(mnuApplyPreset, "Appl&y", "preset_apply",
                             "Apply the selected preset to the selected connection")),
       edit_(MakeButton(mnuEditPreset, "Ed&it", "preset_edit", "Change the selected preset")),
       command22_(MakeButton(mnuDeletePreset, "Delete", "preset_delete", "Delete the selected preset (Del)")) {
     presetsList_->SetVisibleRows(kVisibleRows);
     presetsList_->OnSelect = [this](std::size_t) { OnSelect(); };
-    presetsList_->OnFocus = [this] { OnListFocus(*presetsList_); };
+    presetsList_->OnFocus = [this] { OnListFocus(presetsList_->Window()); };
     const auto send = [this](const wxButton& button) {
         if (!button.IsEnabled()) return;
         wxCommandEvent chosen(wxEVT_MENU, button.GetId());
         ProcessWindowEvent(chosen);
     };
-    presetsList_->Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this, send](wxDataViewEvent&) { send(*edit_); });
-    presetsList_->Bind(wxEVT_CHAR_HOOK, [this, send](wxKeyEvent& event) {
+    presetsList_->OnActivate = [this, send] { send(*edit_); };
+    presetsList_->Window().Bind(wxEVT_CHAR_HOOK, [this, send](wxKeyEvent& event) {
         const int key = event.GetKeyCode();
         if ((key == WXK_DELETE || key == WXK_NUMPAD_DELETE) && !event.HasAnyModifiers()) {
             send(*command22_);
@@ -47,7 +47,7 @@ PresetsPanel::PresetsPanel(wxWindow* parent)
     for (wxButton* const button : {command20_, edit_, command22_})
         buttons->Add(button, 0, wxEXPAND | wxBOTTOM, kGap);
     auto* const sizer = new wxBoxSizer(wxHORIZONTAL);
-    sizer->Add(presetsList_, 1, wxEXPAND | wxRIGHT, kGap);
+    sizer->Add(&presetsList_->Window(), 1, wxEXPAND | wxRIGHT, kGap);
     sizer->Add(buttons);
     SetSizer(sizer);
     RefreshList();
@@ -70,7 +70,7 @@ void PresetsPanel::RefreshList() {
         return before && entry.name == before->name;
     });
     if (same == entries_.end()) {
-        presetsList_->UnselectAll();
+        presetsList_->ClearSelection();
     } else {
         presetsList_->SelectRow(static_cast<std::size_t>(same - entries_.begin()));
     }
@@ -84,7 +84,7 @@ std::optional<PresetEntry> PresetsPanel::Selected() const {
 
 void PresetsPanel::EnableCommands(bool usable, bool applicable) {
     const bool selected = Selected().has_value();
-    presetsList_->Enable(usable);
+    presetsList_->Window().Enable(usable);
     command20_->Enable(applicable && selected);
     edit_->Enable(usable && selected);
     command22_->Enable(usable && selected);

@@ -2,15 +2,14 @@
 
 #include <cstddef>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <wx/bmpbndl.h>
-#include <wx/dataview.h>
+class wxWindow;
 
-/// A report-style list: rows of texts under column titles, one selected row.
+/// A report-style list: rows of texts under column titles, one selected row. Made of the desktop's own list
+/// control (ui/gtk, ui/windows).
 namespace corvane {
 
 struct ListColumn {
@@ -25,49 +24,48 @@ struct ListRow {
     bool operator==(const ListRow&) const = default;
 };
 
-class RowList : public wxDataViewCtrl {
+class RowList {
  public:
-    /// `name` is the accessible name.
-    RowList(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
-            bool withIcons);
+    /// Makes one that goes with its parent. `name` is the accessible name.
+    static RowList* Make(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
+                         bool withIcons);
+    RowList(const RowList&) = delete;
+    RowList& operator=(const RowList&) = delete;
+
+    /// The control, for layouts, focus and keys.
+    [[nodiscard]] virtual wxWindow& Window() = 0;
 
     /// Replaces all rows; repaints only those that differ. The selection is not kept: select again.
-    void SetRows(std::vector<ListRow> rows);
+    virtual void SetRows(std::vector<ListRow> rows) = 0;
     /// Adds a row for the time until SetRows.
-    void AppendRow(ListRow row);
-    void SetText(std::size_t row, std::size_t column, const std::string& text);
-    void SetTitle(std::size_t column, const std::string& title);
+    virtual void AppendRow(ListRow row) = 0;
+    virtual void SetText(std::size_t row, std::size_t column, const std::string& text) = 0;
+    virtual void SetTitle(std::size_t column, const std::string& title) = 0;
 
     /// Selects a row and makes it visible, without telling `OnSelect`.
-    void SelectRow(std::size_t row);
-    [[nodiscard]] std::optional<std::size_t> SelectedRow() const;
-    [[nodiscard]] const std::vector<ListRow>& Rows() const { return rows_; }
+    virtual void SelectRow(std::size_t row) = 0;
+    /// No row is selected any more, without telling anybody.
+    virtual void ClearSelection() = 0;
+    [[nodiscard]] virtual std::optional<std::size_t> SelectedRow() const = 0;
 
     /// Called when the user selects a row.
     std::function<void(std::size_t row)> OnSelect;
-
     /// Called when the list gets the focus.
     std::function<void()> OnFocus;
+    /// Called when a row is double-clicked, or Enter is pressed on it.
+    std::function<void()> OnActivate;
+    /// Called when the list's menu is asked for, with the mouse or with the keyboard.
+    std::function<void()> OnMenu;
 
     /// Height that shows `rows` rows and the titles.
-    void SetVisibleRows(int rows);
+    virtual void SetVisibleRows(int rows) = 0;
 
     /// Draws the icons anew, after the theme changed.
-    void ReloadIcons();
+    virtual void ReloadIcons() = 0;
 
- private:
-    class Model;
-
-    /// For at least as many rows as there are.
-    void ReplaceAndAdd(std::vector<ListRow> rows);
-    void AddColumns(const std::vector<ListColumn>& columns, bool withIcons);
-    const wxBitmapBundle& IconOf(const std::string& name);
-
-    std::vector<ListRow> rows_;
-    std::map<std::string, wxBitmapBundle> icons_;
-    wxObjectDataPtr<Model> model_;
-    bool quiet_ = false;
-    bool appended_ = false;  ///< The last row is AppendRow's.
+ protected:
+    RowList() = default;
+    ~RowList() = default;
 };
 
 }  // namespace corvane

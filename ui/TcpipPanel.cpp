@@ -77,7 +77,7 @@ wxSizer* TcpipPanel::MakeFacts() {
 
 std::unique_ptr<AddressListBox> TcpipPanel::MakeList(const AddressListKind& kind) {
     auto list = std::make_unique<AddressListBox>(this, kind);
-    list->List().OnFocus = [this, &shown = list->List()] { OnListFocus(shown); };
+    list->List().OnFocus = [this, &shown = list->List()] { OnListFocus(shown.Window()); };
     list->OnCommands = [this] { OnCommands(); };
     GetSizer()->Add(list->Sizer(), kind.visibleRows, wxEXPAND | wxTOP, kGap);
     return list;
@@ -166,7 +166,7 @@ void TcpipPanel::AddPanel(EntryPanel* panel, AddressListBox& list,
         if (panel->IsOpen()) OnPanel(*panel);
     };
     panel->OnClosed = [this, &list] {
-        list.List().SetFocus();
+        list.List().Window().SetFocus();
         OnClosed();
     };
     list.AddPanel(panel);

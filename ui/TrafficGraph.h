@@ -15,6 +15,10 @@ class TrafficGraph : public wxPanel {
     void Add(const TrafficRates& rates);
     void Clear();
 
+    /// There is nothing to do in it with keys.
+    [[nodiscard]] bool AcceptsFocus() const override { return false; }
+    [[nodiscard]] bool AcceptsFocusFromKeyboard() const override { return false; }
+
  private:
     void OnPaint();
 

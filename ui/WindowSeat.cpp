@@ -2,7 +2,6 @@
 
 #include <wx/app.h>
 #include <wx/evtloop.h>
-#include <wx/msgdlg.h>
 #include <wx/textdlg.h>
 #include <wx/timer.h>
 
@@ -15,38 +14,6 @@
 namespace corvane {
 
 namespace {
-
-long BoxStyle(BoxIcon icon, BoxButtons buttons) {
-    long style = buttons == BoxButtons::kOk ? wxOK : wxYES_NO | wxCANCEL | wxYES_DEFAULT;
-    switch (icon) {
-        case BoxIcon::kCritical:
-            style |= wxICON_ERROR;
-            break;
-        case BoxIcon::kExclamation:
-            style |= wxICON_EXCLAMATION;
-            break;
-        case BoxIcon::kInformation:
-            style |= wxICON_INFORMATION;
-            break;
-        case BoxIcon::kQuestion:
-            style |= wxICON_QUESTION;
-            break;
-    }
-    return style;
-}
-
-BoxAnswer Answer(int id) {
-    switch (id) {
-        case wxID_OK:
-            return BoxAnswer::kOk;
-        case wxID_YES:
-            return BoxAnswer::kYes;
-        case wxID_NO:
-            return BoxAnswer::kNo;
-        default:
-            return BoxAnswer::kCancel;
-    }
-}
 
 /// The first line of a text.
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find_first_of("\r\n")); }
@@ -77,9 +44,7 @@ wxWindow* WindowSeat::Parent() const {
 
 BoxAnswer WindowSeat::ShowBox(const std::string& title, const std::string& text, BoxIcon icon,
                               BoxButtons buttons) {
-    wxMessageDialog box(Parent(), Wx(text), Wx(title), BoxStyle(icon, buttons));
-    if (buttons == BoxButtons::kYesNoCancel) box.SetYesNoCancelLabels("&Yes", "&No", "&Cancel");
-    const BoxAnswer answer = Answer(box.ShowModal());
+    const BoxAnswer answer = ShowMessageBox(Parent(), Wx(title), Wx(text), icon, buttons);
     if (window_ != nullptr && buttons == BoxButtons::kOk) window_->ShowStatus(FirstLine(text));
     return answer;
 }

@@ -32,7 +32,6 @@ class PictureBox : public wxPanel {
  public:
     explicit PictureBox(wxWindow* parent) : wxPanel(parent) {
         SetBackgroundStyle(wxBG_STYLE_PAINT);
-        // The link below it does the same for the keyboard.
         SetCanFocus(false);
         SetMinSize(ProgramPicture::Size(*this));
         SetCursor(wxCursor(wxCURSOR_HAND));
@@ -44,6 +43,10 @@ class PictureBox : public wxPanel {
         });
         Bind(wxEVT_LEFT_UP, [](wxMouseEvent&) { OpenWebsite(); });
     }
+
+    /// The link below it does the same for the keyboard.
+    [[nodiscard]] bool AcceptsFocus() const override { return false; }
+    [[nodiscard]] bool AcceptsFocusFromKeyboard() const override { return false; }
 
  private:
     ProgramPicture picture_;

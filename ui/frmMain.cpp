@@ -5,7 +5,6 @@
 #include <utility>
 
 #include <wx/app.h>
-#include <wx/infobar.h>
 #include <wx/menu.h>
 #include <wx/settings.h>
 #include <wx/sizer.h>
@@ -16,6 +15,7 @@
 #include "platform/Seat.h"
 #include "ui/ChangeMacPanel.h"
 #include "ui/CommandBar.h"
+#include "ui/Desktop.h"
 #include "ui/DetailsPanel.h"
 #include "ui/FactText.h"
 #include "ui/Icons.h"
@@ -81,24 +81,25 @@ void frmMain::MakeControls() {
     SetIcons(ProgramIcons());
     SetMenuBar(MakeMainMenu());
 
-    commandBar_ = new CommandBar(this);
-    splitter_ = new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+    ground_ = MakeGround(this);
+    commandBar_ = new CommandBar(ground_);
+    splitter_ = new wxSplitterWindow(ground_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                      wxSP_LIVE_UPDATE | wxSP_NOBORDER);
-    list_ = new RowList(splitter_, "Network Connections", ListColumns(), true);
+    list_ = RowList::Make(splitter_, "Network Connections", ListColumns(), true);
     fDetails_ = new DetailsPanel(splitter_);
     splitter_->SetMinimumPaneSize(GetCharHeight() * 5);
-    splitter_->SplitHorizontally(list_, fDetails_);
+    splitter_->SplitHorizontally(&list_->Window(), fDetails_);
 
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(commandBar_, 0, wxEXPAND | wxALL, kGap);
     sizer->Add(splitter_, 1, wxEXPAND);
     auto* const statusLine = new wxBoxSizer(wxHORIZONTAL);
-    labDone_ = new FactText(this, "Done last");
-    labCount_ = new FactText(this, "Number of connections");
-    statusLine->Add(labDone_, 4, wxRIGHT, kGap);
-    statusLine->Add(labCount_, 1);
+    labDone_ = FactText::Make(ground_, "Done last");
+    labCount_ = FactText::Make(ground_, "Number of connections");
+    statusLine->Add(labDone_->Window(), 4, wxRIGHT, kGap);
+    statusLine->Add(labCount_->Window(), 1);
     sizer->Add(statusLine, 0, wxEXPAND | wxALL, kGap);
-    SetSizer(sizer);
+    ground_->SetSizer(sizer);
     SetMinSize(FromDIP(kLeastSize));
     wxSize size = FromDIP(kWantedSize);
     size.DecTo(wxGetClientDisplayRect().GetSize());
@@ -113,7 +114,7 @@ void frmMain::MakeControls() {
         event.Skip();
         sashMoved_ = true;
     });
-    list_->SetFocus();
+    list_->Window().SetFocus();
 }
 
 const NicInfo* frmMain::SelectedNic() const {
@@ -133,7 +134,7 @@ void frmMain::RefreshConnections() {
 
 void frmMain::ShowPlaceholder(const ConnectionRow& row) {
     list_->AppendRow(ShownRow(row));
-    list_->Update();
+    list_->Window().Update();
 }
 
 void frmMain::ShowRows(const std::vector<ConnectionRow>& rows) {
@@ -238,8 +239,8 @@ void frmMain::ShowRowProgress(int subItem, const std::string& text) {
 
 void frmMain::ShowWarning(const std::string& text) {
     if (infoBar_ == nullptr) {
-        infoBar_ = new wxInfoBar(this);
-        GetSizer()->Prepend(infoBar_, 0, wxEXPAND);
+        infoBar_ = new wxInfoBar(ground_);
+        ground_->GetSizer()->Prepend(infoBar_, 0, wxEXPAND);
     }
     infoBar_->ShowMessage(Wx(text), wxICON_WARNING);
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <wx/frame.h>
+#include <wx/infobar.h>
 #include <wx/timer.h>
 
 #include "ui/ChangesWatch.h"
@@ -14,7 +15,6 @@
 #include "ui/logic/ConnectionList.h"
 #include "ui/logic/Traffic.h"
 
-class wxInfoBar;
 class wxMenu;
 class wxSplitterWindow;
 
@@ -97,6 +97,7 @@ class frmMain : public wxFrame, private ConnectionListView {
     std::optional<TrafficTexts> trafficTexts_;
     bool refreshing_ = false;
 
+    wxWindow* ground_ = nullptr;  ///< What the controls lie on.
     wxSplitterWindow* splitter_ = nullptr;
     bool sashMoved_ = false;
     wxInfoBar* infoBar_ = nullptr;

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include <wx/filedlg.h>
-#include <wx/infobar.h>
 #include <wx/menu.h>
 
 #include "inventory/NicInfo.h"
@@ -62,14 +61,12 @@ void frmMain::BindCommands() {
     });
 
     list_->OnSelect = [this](std::size_t row) { OnSelected(row); };
-    list_->Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent&) {
+    list_->OnActivate = [this] {
         Run([this] {
             if (const auto adapter = connections_.Selected()) OpenChangeMacPanel(*adapter);
         });
-    });
-    // The mouse tells the one, the keyboard's menu key and Shift+F10 the other.
-    list_->Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent&) { ShowContextMenu(); });
-    list_->Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent&) { ShowContextMenu(); });
+    };
+    list_->OnMenu = [this] { ShowContextMenu(); };
 }
 
 void frmMain::BindCommand(int id, std::function<void()> command) {
@@ -122,7 +119,7 @@ void frmMain::BindChangeMac(ChangeMacPanel& panel) {
         onSelected([&panel](std::size_t adapter) { OriginalMac(adapter, panel, panel.Vendor(), panel); });
     };
     panel.OnClosed = [this] {
-        list_->SetFocus();
+        list_->Window().SetFocus();
         RefreshSoon();
     };
 }
@@ -159,9 +156,9 @@ void frmMain::BindPresets() {
 
 void frmMain::EditingPreset(bool editing) {
     if (editing && fDetails_->ChangeMacIsOpen()) fDetails_->ChangeMac().Close();
-    list_->Enable(!editing);
+    list_->Window().Enable(!editing);
     if (!editing) {
-        list_->SetFocus();
+        list_->Window().SetFocus();
         connections_.ShowSelected();
         RefreshSoon();
     }
@@ -181,7 +178,7 @@ void frmMain::ShowContextMenu() {
     if (gate_.Busy() || !connections_.Selected()) return;
     wxMenu menu;
     AddConnectionCommands(menu, details_);
-    list_->PopupMenu(&menu);
+    list_->Window().PopupMenu(&menu);
 }
 
 void frmMain::UpdateCommands() {

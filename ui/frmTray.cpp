@@ -4,14 +4,12 @@
 
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
-#include "ui/WxText.h"
 #include "ui/frmMain.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr int kIconSize = 24;
 /// How often the lamps light up, and for how long.
 constexpr int kTimer2Milliseconds = 500;
 constexpr int kTimer3Milliseconds = 250;
@@ -19,17 +17,23 @@ constexpr int kTimer3Milliseconds = 250;
 }  // namespace
 
 std::unique_ptr<frmTray> frmTray::Make(frmMain& window) {
-    if (!wxTaskBarIcon::IsAvailable()) return nullptr;
-    return std::unique_ptr<frmTray>(new frmTray(window));
+    std::unique_ptr<frmTray> tray(new frmTray(window));
+    return tray->icon_ ? std::move(tray) : nullptr;
 }
 
-frmTray::frmTray(frmMain& window) : window_(window), tip_(TrayTip("")) {
+frmTray::frmTray(frmMain& window)
+    : window_(window),
+      tip_(TrayTip("")),
+      icon_(TrayIcon::Make(window, {.onClick = [this] { ShowOrHide(); },
+                                    .onActivate = [this] { ShowWindow(); },
+                                    .makeMenu = [this] { return MakeMenu(); }})) {
+    if (!icon_) return;
     static constexpr std::array kNames = {"tray_idle", "tray_sending", "tray_receiving", "tray_both"};
+    const int size = icon_->PictureSize();
     for (std::size_t i = 0; i < frames_.size(); ++i) {
-        frames_[i] = Icon(kNames[i], kIconSize).GetIcon(wxSize(kIconSize, kIconSize));
+        frames_[i] = Icon(kNames[i], size).GetIcon(wxSize(size, size));
     }
-    SetIcon(frames_[0], Wx(tip_));
-    Bind(wxEVT_TASKBAR_LEFT_DOWN, [this](wxTaskBarIconEvent&) { ShowOrHide(); });
+    icon_->Show(frames_[0], tip_);
     timer2_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
         if (active_ == TrayFrame::kIdle) return;
         ShowFrame(active_);
@@ -39,13 +43,11 @@ frmTray::frmTray(frmMain& window) : window_(window), tip_(TrayTip("")) {
     timer2_.Start(kTimer2Milliseconds);
 }
 
-frmTray::~frmTray() { RemoveIcon(); }
-
 void frmTray::ShowConnection(const std::string& name, const std::string& mac) {
     const std::string tip = TrayTip(TrayTipFor(name, mac));
     if (tip == tip_) return;
     tip_ = tip;
-    SetIcon(frames_.at(static_cast<std::size_t>(shown_)), Wx(tip_));
+    icon_->Show(frames_.at(static_cast<std::size_t>(shown_)), tip_);
 }
 
 void frmTray::ShowRates(const TrafficRates& rates) { active_ = TrayFrameFor(rates); }
@@ -53,10 +55,10 @@ void frmTray::ShowRates(const TrafficRates& rates) { active_ = TrayFrameFor(rate
 void frmTray::ShowFrame(TrayFrame frame) {
     if (frame == shown_) return;
     shown_ = frame;
-    SetIcon(frames_.at(static_cast<std::size_t>(frame)), Wx(tip_));
+    icon_->Show(frames_.at(static_cast<std::size_t>(frame)), tip_);
 }
 
-wxMenu* frmTray::CreatePopupMenu() {
+wxMenu* frmTray::MakeMenu() {
     auto* const menu = new wxMenu;
     AddTrayCommands(*menu);
     menu->Bind(wxEVT_MENU, [this](wxCommandEvent& event) {
@@ -72,8 +74,12 @@ wxMenu* frmTray::CreatePopupMenu() {
 void frmTray::ShowOrHide() {
     if (TrayClick(window_.IsShown(), window_.IsIconized()) == TrayAction::kHide) {
         window_.Hide();
-        return;
+    } else {
+        ShowWindow();
     }
+}
+
+void frmTray::ShowWindow() {
     window_.Iconize(false);
     window_.Show();
     window_.Raise();

@@ -5,9 +5,9 @@
 #include <string>
 
 #include <wx/icon.h>
-#include <wx/taskbar.h>
 #include <wx/timer.h>
 
+#include "ui/TrayIcon.h"
 #include "ui/logic/Traffic.h"
 #include "ui/logic/Tray.h"
 
@@ -16,11 +16,10 @@ namespace corvane {
 
 class frmMain;
 
-class frmTray : private wxTaskBarIcon {
+class frmTray {
  public:
     /// Nothing where the desktop has no tray.
     static std::unique_ptr<frmTray> Make(frmMain& window);
-    ~frmTray() override;
 
     /// The connection that the tip names.
     void ShowConnection(const std::string& name, const std::string& mac);
@@ -30,8 +29,9 @@ class frmTray : private wxTaskBarIcon {
  private:
     explicit frmTray(frmMain& window);
 
-    wxMenu* CreatePopupMenu() override;
+    wxMenu* MakeMenu();
     void ShowOrHide();
+    void ShowWindow();
     void ShowFrame(TrayFrame frame);
 
     frmMain& window_;
@@ -41,6 +41,7 @@ class frmTray : private wxTaskBarIcon {
     TrayFrame active_ = TrayFrame::kIdle;  ///< Of the latest tick.
     wxTimer timer2_;                       ///< Lights the lamps of the latest tick up.
     wxTimer timer3_;                       ///< Puts them out again, so that lasting traffic blinks.
+    std::unique_ptr<TrayIcon> icon_;       ///< Nothing where the desktop has no tray.
 };
 
 }  // namespace corvane

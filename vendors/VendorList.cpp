@@ -2,7 +2,6 @@
 
 #include <bit>
 #include <cstring>
-#include <filesystem>
 #include <functional>
 #include <system_error>
 #include <utility>
@@ -219,9 +218,8 @@ VendorRecord VendorTable::Record(std::size_t i) const {
 
 VendorTable LoadVendorList(const std::string& programFolder) {
     const std::string path = programFolder + kVendorFileName;
-    std::error_code failure;
-    const std::filesystem::path file(std::u8string(path.begin(), path.end()));
-    const std::uintmax_t size = std::filesystem::file_size(file, failure);
+    std::uintmax_t size = 0;
+    std::error_code failure = FileSize(path, size);
     if (failure) FailToRead(path, failure);
     if (size > kLargestFile) {
         throw RunTimeError(RunTimeError::kOutOfMemory, "The vendor list " + path + " is too large: " +

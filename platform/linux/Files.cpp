@@ -1,5 +1,6 @@
 #include "platform/Files.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -208,7 +209,7 @@ std::error_code Replace(const std::string& path, std::string_view contents) {
     return {};
 }
 
-std::error_code Read(const std::string& path, std::string& contents) {
+std::error_code Read(const std::string& path, std::string& contents, std::uintmax_t atMost) {
     // Without O_NONBLOCK opening a pipe would wait for its other end.
     const OpenFile file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
@@ -219,8 +220,9 @@ std::error_code Read(const std::string& path, std::string& contents) {
     // One byte more than the size tells the end without growing. Files of /proc and /sys claim size 0 or one
     // page.
     std::size_t length = 0;
-    contents.resize(static_cast<std::size_t>(status.st_size) + 1);
-    for (;;) {
+    const auto size = static_cast<std::uintmax_t>(status.st_size);
+    contents.resize(static_cast<std::size_t>(std::min(size, atMost)) + 1);
+    while (length < atMost) {
         if (length == contents.size()) contents.resize(length + length / 2 + 4096);
         const ssize_t got = read(file.Get(), contents.data() + length, contents.size() - length);
         if (got < 0 && errno == EINTR) continue;
@@ -228,7 +230,7 @@ std::error_code Read(const std::string& path, std::string& contents) {
         if (got == 0) break;
         length += static_cast<std::size_t>(got);
     }
-    contents.resize(length);
+    contents.resize(static_cast<std::size_t>(std::min<std::uintmax_t>(length, atMost)));
     return {};
 }
 
@@ -252,10 +254,17 @@ std::error_code ReplaceFileContents(const std::string& path, const std::string& 
     return WithoutExceptions([&] { return Replace(path, contents); });
 }
 
-std::error_code ReadFileContents(const std::string& path, std::string& contents) {
+std::error_code ReadFileContents(const std::string& path, std::string& contents, std::uintmax_t atMost) {
     contents.clear();
-    const std::error_code failure = WithoutExceptions([&] { return Read(path, contents); });
+    const std::error_code failure = WithoutExceptions([&] { return Read(path, contents, atMost); });
     if (failure) contents.clear();
+    return failure;
+}
+
+std::error_code FileSize(const std::string& path, std::uintmax_t& size) {
+    std::error_code failure;
+    const std::uintmax_t found = std::filesystem::file_size(path, failure);
+    if (!failure) size = found;
     return failure;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/Text.h"
+#include "platform/Utf8.h"
 #include "platform/linux/Utf16.h"
 
 namespace corvane {

@@ -12,7 +12,4 @@ std::string Utf16LeFromUtf8(std::string_view utf8);
 /// A surrogate without its partner becomes U+FFFD; a single byte at the end is left out.
 std::string Utf8FromUtf16Le(std::string_view bytes);
 
-/// RFC 3629: no overlong forms, no surrogates, nothing above U+10FFFF.
-bool IsUtf8(std::string_view bytes);
-
 }  // namespace corvane

@@ -1,13 +1,16 @@
 """The shape of the source tree: who may include whom, headers that stand alone, no forgotten test file."""
 
 import concurrent.futures
+import json
 import os
 import re
+import shlex
 import subprocess
 import tempfile
 import unittest
 
 SOURCE = os.environ["CORVANE_SOURCE"]
+WINDOWS_BUILD = os.path.join(SOURCE, "build-windows")
 
 # Folder -> the folders whose headers it may include, besides its own. Everything goes one way.
 ALLOWED = {
@@ -22,18 +25,25 @@ ALLOWED = {
     "ui/logic": {"platform", "vendors", "inventory", "mac", "tcpip", "presets"},
     "ui": {"platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic"},
     "ui/gtk": {"platform", "ui"},
+    "ui/windows": {"platform", "platform/windows", "ui", "ui/logic"},
     "startup": {"platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic", "ui"},
 }
-# Programs that are parts of the Linux back-end, or tools for its store.
-BACKEND_PROGRAMS = {"startup/NicxDhcp.cpp", "startup/NicxRegistry.cpp", "startup/RegistryTool.h", "startup/RegistryTool.cpp"}
+# Programs that are parts of a back-end, or tools for its store.
+BACKEND_PROGRAMS = {
+    "startup/NicxDhcp.cpp": "platform/linux",
+    "startup/NicxExe.cpp": "platform/windows",
+    "startup/NicxRegistry.cpp": "platform/linux",
+    "startup/RegistryTool.cpp": "platform/linux",
+    "startup/RegistryTool.h": "platform/linux",
+}
 
 # System headers that only these folders may see.
 CONFINED = {
     r"sqlite3\.h": {"platform/linux"},
     r"(linux|libmnl|net|netinet|arpa)/.*": {"platform/linux"},
     r"libudev\.h": {"platform/linux"},
-    r"windows\.h": {"platform/windows"},
-    r"wx/.*": {"ui", "ui/gtk", "startup"},
+    r"(windows|winsock2|iphlpapi|obj.*|ole.*|shellapi|shldisp)\.h|wrl/.*": {"platform/windows"},
+    r"wx/.*": {"ui", "ui/gtk", "ui/windows", "startup"},
     r"(gtk|gdk|atk)/.*": {"ui/gtk"},
 }
 
@@ -48,6 +58,22 @@ def sources(*suffixes):
 def folder_of(path):
     folder = os.path.dirname(path)
     return folder if folder in ALLOWED else None
+
+
+def is_windows_code(path):
+    return os.path.dirname(path) in ("platform/windows", "ui/windows")
+
+
+def windows_toolkit():
+    """The compiler's options for the window library, as the Windows program is built with it."""
+    with open(os.path.join(WINDOWS_BUILD, "compile_commands.json"), encoding="utf-8") as listing:
+        command = next(unit["command"] for unit in json.load(listing) if unit["file"].endswith("/ui/frmMain.cpp"))
+    words = shlex.split(command)
+    flags = [word for word in words if word.startswith("-D")]
+    for option, folder in zip(words, words[1:]):
+        if option == "-isystem":
+            flags += [option, folder]
+    return flags
 
 
 def includes(path):
@@ -74,7 +100,7 @@ class Structure(unittest.TestCase):
                 self.assertIsNotNone(target, f"{path} includes {name} by a path that is not from the root")
                 allowed = ALLOWED[folder] | {folder}
                 if path in BACKEND_PROGRAMS:
-                    allowed = allowed | {"platform/linux"}
+                    allowed = allowed | {BACKEND_PROGRAMS[path]}
                 if target not in allowed:
                     wrong.append(f"{path} includes {name}")
         self.assertGreater(seen, 100)
@@ -97,13 +123,17 @@ class Structure(unittest.TestCase):
         self.assertGreater(len(headers), 30)
         toolkit = subprocess.run(["wx-config", "--cxxflags", "core,base"], check=True, capture_output=True,
                                  text=True).stdout.replace("-I", "-isystem").split()
+        windows = windows_toolkit()
 
         def compile_alone(path):
             with tempfile.NamedTemporaryFile("w", suffix=".cpp") as unit:
                 unit.write(f'#include "{path}"\n')
                 unit.flush()
-                flags = toolkit if path.startswith("ui/") else []
-                run = subprocess.run(["g++", "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only", "-I", SOURCE,
+                compiler = "x86_64-w64-mingw32-g++-posix" if is_windows_code(path) else "g++"
+                flags = []
+                if path.startswith(("ui/", "startup/")):
+                    flags = windows if is_windows_code(path) else toolkit
+                run = subprocess.run([compiler, "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only", "-I", SOURCE,
                                       *flags, unit.name], capture_output=True, text=True)
                 return f"{path}\n{run.stderr}" if run.returncode else None
 

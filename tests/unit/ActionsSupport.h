@@ -7,7 +7,7 @@
 #include "startup/Actions.h"
 #include "startup/Startup.h"
 #include "tests/unit/CoreSupport.h"
-#include "tests/unit/FileSupport.h"
+#include "tests/unit/TempFolder.h"
 
 namespace corvane::test {
 

@@ -4,12 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <random>
-#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -18,53 +14,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Helpers for tests of file operations. POSIX only.
+#include "tests/unit/TempFolder.h"
+
+/// Helpers for tests of file operations. POSIX only, but for what TempFolder.h brings.
 namespace corvane::test {
-
-/// A new empty folder that everybody may enter and list; removed with its contents at the end of the scope.
-class TempFolder {
- public:
-    TempFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "corvane-test-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-        path_ = pattern;
-        std::filesystem::permissions(path_, std::filesystem::perms(0755));
-    }
-    ~TempFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-
-    /// Path of `name` in the folder; with an empty name the folder with a separator at its end.
-    [[nodiscard]] std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-    [[nodiscard]] const std::string& Path() const { return path_; }
-
-    /// Names in the folder.
-    [[nodiscard]] std::set<std::string> Names() const {
-        std::set<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path_))
-            names.insert(entry.path().filename());
-        return names;
-    }
-
- private:
-    std::string path_;
-};
-
-inline void WriteBytes(const std::string& path, const std::string& bytes) {
-    std::ofstream stream(path, std::ios::binary | std::ios::trunc);
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    if (!stream) throw std::runtime_error("cannot write " + path);
-}
-
-inline std::string ReadBytes(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) throw std::runtime_error("cannot open " + path);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 /// Runs `action` in a child process without any privilege and hands back what it returns, which must be 0 to
 /// 124; 125 when the privileges could not be given up, 126 when it threw, 128 + signal number when a signal

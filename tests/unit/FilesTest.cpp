@@ -54,6 +54,36 @@ TEST(ReadFileContents, FileWhoseSizeTheKernelGivesAsZeroIsReadWhole) {
     EXPECT_EQ(contents.back(), '\n');
 }
 
+TEST(ReadFileContents, NoMoreIsReadThanAskedFor) {
+    const TempFolder folder;
+    WriteBytes(folder / "file", "abcdef");
+    for (const auto& [atMost, expected] : {std::pair<std::uintmax_t, const char*>{0, ""},
+                                           {1, "a"},
+                                           {5, "abcde"},
+                                           {6, "abcdef"},
+                                           {7, "abcdef"}}) {
+        std::string contents;
+        EXPECT_EQ(ReadFileContents(folder / "file", contents, atMost).value(), 0);
+        EXPECT_EQ(contents, expected);
+    }
+}
+
+TEST(FileSize, IsThatOfTheFile) {
+    const TempFolder folder;
+    WriteBytes(folder / "file", "abcdef");
+    std::uintmax_t size = 0;
+    EXPECT_EQ(FileSize(folder / "file", size).value(), 0);
+    EXPECT_EQ(size, 6U);
+}
+
+TEST(FileSize, StaysAsItWasWhereThereIsNoFile) {
+    const TempFolder folder;
+    std::uintmax_t size = 7;
+    EXPECT_EQ(FileSize(folder / "file", size).value(), ENOENT);
+    EXPECT_EQ(FileSize(folder.Path(), size).value(), EISDIR);
+    EXPECT_EQ(size, 7U);
+}
+
 TEST(ReadFileContents, MissingFileGivesEnoentAndNoContents) {
     const TempFolder folder;
     std::string contents = "what was there";

@@ -1,5 +1,5 @@
-#include "tests/unit/FileSupport.h"
 #include "tests/unit/PresetEditorSupport.h"
+#include "tests/unit/TempFolder.h"
 #include "tests/unit/WindowCommandSupport.h"
 #include "ui/logic/PresetCommands.h"
 

@@ -10,8 +10,8 @@
 #include "platform/Text.h"
 #include "tests/unit/AddressListSupport.h"
 #include "tests/unit/CoreSupport.h"
-#include "tests/unit/FileSupport.h"
 #include "tests/unit/PresetsSupport.h"
+#include "tests/unit/TempFolder.h"
 #include "ui/logic/PresetCommands.h"
 #include "ui/logic/PresetEditing.h"
 

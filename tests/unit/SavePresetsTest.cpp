@@ -1,54 +1,22 @@
 #include <cerrno>
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "platform/RunTimeError.h"
 #include "presets/PresetsFile.h"
-#include "tests/unit/FileSupport.h"
-#include "tests/unit/PresetsSupport.h"
+#include "tests/unit/SavePresetsSupport.h"
 
 namespace corvane {
 namespace {
 
-using test::BoxSeat;
 using test::DhcpPreset;
-using test::FreshPresets;
 using test::OfficePreset;
 using test::ReadBytes;
-using test::SaveFailureText;
-using test::TempFolder;
+using test::SavePresetsTest;
 using test::WriteBytes;
 using List = std::vector<PresetRecord>;
-
-class SavePresetsTest : public testing::Test {
- protected:
-    /// Saves `list` and expects no box.
-    void Save(const List& list) {
-        Presets() = list;
-        EXPECT_TRUE(SavePresets(folder_ / ""));
-        EXPECT_TRUE(seat_.boxes.empty());
-    }
-
-    [[nodiscard]] std::string Path() const { return folder_ / "presets.npf"; }
-
-    /// Expects one box, the report of a failed save.
-    void ExpectBox(int number, const std::string& description, const std::string& path) const {
-        ASSERT_EQ(seat_.boxes.size(), 1U);
-        EXPECT_EQ(seat_.boxes[0].title, "Orvella Corvane");
-        EXPECT_EQ(seat_.boxes[0].text, SaveFailureText(number, description, path));
-        EXPECT_EQ(seat_.boxes[0].icon, BoxIcon::kCritical);
-        EXPECT_EQ(seat_.boxes[0].buttons, BoxButtons::kOk);
-    }
-
-    FreshPresets fresh_;
-    TempFolder folder_;
-    BoxSeat seat_;
-    ScopedSeat scope_{seat_};
-};
 
 TEST_F(SavePresetsTest, FileOfFourZeroBytesIsSavedAsACountOfOneAndFifteenBytes) {
     WriteBytes(Path(), std::string(4, '\0'));
@@ -87,14 +55,6 @@ TEST_F(SavePresetsTest, LongerListLeavesNothingOfTheOldFile) {
     Save({DhcpPreset()});
     Save({OfficePreset(), OfficePreset()});
     EXPECT_EQ(ReadBytes(Path()), BuildPresets({OfficePreset(), OfficePreset()}));
-}
-
-TEST_F(SavePresetsTest, FileThatIsALinkStaysOne) {
-    WriteBytes(folder_ / "elsewhere", std::string(4, '\0'));
-    std::filesystem::create_symlink("elsewhere", Path());
-    Save({OfficePreset()});
-    EXPECT_TRUE(std::filesystem::is_symlink(Path()));
-    EXPECT_EQ(ReadBytes(folder_ / "elsewhere"), BuildPresets({OfficePreset()}));
 }
 
 TEST_F(SavePresetsTest, LargestReadableListIsSavedAndAnyLargerOneIsRefused) {
@@ -136,40 +96,6 @@ TEST_F(SavePresetsTest, FolderInTheFilesPlaceIsReported) {
     std::filesystem::create_directory(Path());
     EXPECT_FALSE(SavePresets(folder_ / ""));
     ExpectBox(21, "Is a directory", Path());
-}
-
-TEST_F(SavePresetsTest, ReadOnlyFolderIsReportedAndTheFileStays) {
-    Save({DhcpPreset()});
-    std::filesystem::permissions(Path(), std::filesystem::perms(0666));
-    std::filesystem::permissions(folder_.Path(), std::filesystem::perms(0555));
-    const int code = test::WithoutPrivileges([&] {
-        Presets() = {OfficePreset()};
-        if (SavePresets(folder_ / "") || Presets() != List{OfficePreset()}) return 1;
-        ExpectBox(13, "Permission denied", Path());
-        return HasFailure() ? 2 : 0;
-    });
-    EXPECT_EQ(code, 0);
-    EXPECT_EQ(ReadBytes(Path()), BuildPresets({DhcpPreset()}));
-}
-
-TEST_F(SavePresetsTest, KilledAtAnyMomentLeavesTheOldOrTheNewListWhole) {
-    std::mt19937 random(test::TestSeed());
-    const List small = {DhcpPreset()};
-    const List large(3000, OfficePreset());
-    Save(small);
-    for (int round = 0; round < 40; ++round) {
-        test::KillWhileRepeating(random, [&](int run) {
-            Presets() = run % 2 == 0 ? large : small;
-            SavePresets(folder_ / "");
-        });
-        ReadPresets(folder_ / "");
-        ASSERT_TRUE(Presets() == small || Presets() == large) << "round " << round;
-        const std::size_t size = std::filesystem::file_size(Path());
-        ASSERT_EQ(size, BuildPresets(large).size())
-            << "the tail stays, so the size is always that of the large list";
-    }
-    Save(small);
-    EXPECT_EQ(folder_.Names(), std::set<std::string>{"presets.npf"});
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "startup/CommandLine.h"
 #include "startup/Startup.h"
 #include "tests/unit/CoreSupport.h"
-#include "tests/unit/FileSupport.h"
+#include "tests/unit/TempFolder.h"
 #include "vendors/VendorList.h"
 
 namespace corvane {

@@ -1,4 +1,9 @@
-corvane_test(NAME presets_test SOURCES unit/PresetsFileTest.cpp unit/SavePresetsTest.cpp LIBS corvane_core)
+corvane_test(NAME presets_test
+    SOURCES
+        unit/PresetsFileTest.cpp
+        unit/PresetsRightsTest.cpp
+        unit/SavePresetsTest.cpp
+    LIBS corvane_core)
 corvane_test(NAME presets_disk_test SOURCES unit/PresetsDiskTest.cpp LIBS corvane_core NETNS)
 
 # The files that the tests compare with are those of a writer that shares no code with the program.

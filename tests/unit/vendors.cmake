@@ -1,4 +1,9 @@
-corvane_test(NAME vendors_test SOURCES unit/VendorListTest.cpp unit/RandomMacTest.cpp LIBS corvane_core)
+corvane_test(NAME vendors_test
+    SOURCES
+        unit/RandomMacTest.cpp
+        unit/VendorListRightsTest.cpp
+        unit/VendorListTest.cpp
+    LIBS corvane_core)
 add_dependencies(vendors_test vendor_list)
 
 add_test(NAME make_vendor_list_test

@@ -1,37 +1,16 @@
 #include "ui/Desktop.h"
 
-#include <cstdio>
-#include <string_view>
+#include <string>
 
 #include <atk/atk.h>
 #include <gtk/gtk.h>
-#ifdef GDK_WINDOWING_X11
-#include <X11/Xlib.h>
-#include <unistd.h>
-#endif
-
-#include <wx/dataview.h>
+#include <wx/msgdlg.h>
 
 #include "ui/WxText.h"
-
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 namespace corvane {
 
 namespace {
-
-#ifdef GDK_WINDOWING_X11
-std::string lostWords;
-int lostExitCode = 1;
-
-/// Xlib's handler may not return and the connection is of no use any more, so nothing is tidied up.
-int OnDisplayLost(Display*) {
-    std::fprintf(stderr, "%s\n", lostWords.c_str());
-    _exit(lostExitCode);
-}
-#endif
 
 /// The widget that has the keyboard focus when a window has it: a scrolled list, for example, is not itself
 /// the widget that GTK knows by that name.
@@ -46,47 +25,47 @@ GtkWidget* FocusWidget(wxWindow* window) {
     return widget;
 }
 
-/// The toolkit lays windows out once before it knows their size, and GTK finds that there is no room. Nothing
-/// comes of it, so nobody need read it.
-bool IsLayoutMessage(std::string_view message) {
-    return message.starts_with("gtk_distribute_natural_allocation: assertion 'extra_space >= 0'") ||
-           message.starts_with("gtk_box_gadget_distribute: assertion 'size >= 0'");
-}
-
-GLogWriterOutput WriteMessage(GLogLevelFlags level, const GLogField* fields, gsize count, gpointer data) {
-    for (gsize i = 0; i < count; ++i) {
-        if (std::string_view(fields[i].key) != "MESSAGE") continue;
-        if (IsLayoutMessage(static_cast<const char*>(fields[i].value))) return G_LOG_WRITER_HANDLED;
-    }
-    return g_log_writer_default(level, fields, count, data);
-}
-
 /// A text box would otherwise press the default button.
 gboolean OnMnemonic(GtkWidget*, gboolean, gpointer control) {
     static_cast<wxWindow*>(control)->SetFocus();
     return TRUE;
 }
 
+long BoxStyle(BoxIcon icon, BoxButtons buttons) {
+    long style = buttons == BoxButtons::kOk ? wxOK : wxYES_NO | wxCANCEL | wxYES_DEFAULT;
+    switch (icon) {
+        case BoxIcon::kCritical:
+            style |= wxICON_ERROR;
+            break;
+        case BoxIcon::kExclamation:
+            style |= wxICON_EXCLAMATION;
+            break;
+        case BoxIcon::kInformation:
+            style |= wxICON_INFORMATION;
+            break;
+        case BoxIcon::kQuestion:
+            style |= wxICON_QUESTION;
+            break;
+    }
+    return style;
+}
+
+BoxAnswer Answer(int id) {
+    switch (id) {
+        case wxID_OK:
+            return BoxAnswer::kOk;
+        case wxID_YES:
+            return BoxAnswer::kYes;
+        case wxID_NO:
+            return BoxAnswer::kNo;
+        default:
+            return BoxAnswer::kCancel;
+    }
+}
+
 }  // namespace
 
-void ShareHeap() {
-#ifdef __GLIBC__
-    mallopt(M_ARENA_MAX, 1);
-#endif
-}
-
-void EndWhenDisplayIsLost(const std::string& words, int exitCode) {
-#ifdef GDK_WINDOWING_X11
-    lostWords = words;
-    lostExitCode = exitCode;
-    XSetIOErrorHandler(OnDisplayLost);
-#else
-    (void)words;
-    (void)exitCode;
-#endif
-}
-
-void DropLayoutMessages() { g_log_set_writer_func(WriteMessage, nullptr, nullptr); }
+wxWindow* MakeGround(wxFrame* frame) { return frame; }
 
 void FocusByMnemonic(wxWindow* control) {
     // The toolkit ties a label's mnemonic to the control that follows it in the tab order.
@@ -120,14 +99,17 @@ void UsePlainScrollBars(wxWindow* control) {
     }
 }
 
-void MoveCursor(wxDataViewCtrl* list, int row) {
-    GtkTreePath* const path = gtk_tree_path_new_from_indices(row, -1);
-    gtk_tree_view_set_cursor(GTK_TREE_VIEW(list->GtkGetTreeView()), path, nullptr, FALSE);
-    gtk_tree_path_free(path);
-}
+bool GivesCommand(const wxKeyEvent& key) { return key.ControlDown() || key.AltDown(); }
 
 int TypedCharacter(const wxKeyEvent& down) {
     return static_cast<int>(gdk_keyval_to_unicode(static_cast<guint>(down.GetRawKeyCode())));
+}
+
+BoxAnswer ShowMessageBox(wxWindow* parent, const wxString& title, const wxString& text, BoxIcon icon,
+                         BoxButtons buttons) {
+    wxMessageDialog box(parent, text, title, BoxStyle(icon, buttons));
+    if (buttons == BoxButtons::kYesNoCancel) box.SetYesNoCancelLabels("&Yes", "&No", "&Cancel");
+    return Answer(box.ShowModal());
 }
 
 InputHold::InputHold() {

@@ -1,6 +1,11 @@
 #include "ui/RowList.h"
 
+#include <map>
 #include <utility>
+
+#include <gtk/gtk.h>
+#include <wx/bmpbndl.h>
+#include <wx/dataview.h>
 
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
@@ -8,10 +13,51 @@
 
 namespace corvane {
 
-/// The rows as the control asks for them.
-class RowList::Model : public wxDataViewVirtualListModel {
+namespace {
+
+/// Puts the cursor of a list, from which the arrow keys go on, on a row; that selects it too.
+void MoveCursor(wxDataViewCtrl* list, int row) {
+    GtkTreePath* const path = gtk_tree_path_new_from_indices(row, -1);
+    gtk_tree_view_set_cursor(GTK_TREE_VIEW(list->GtkGetTreeView()), path, nullptr, FALSE);
+    gtk_tree_path_free(path);
+}
+
+class DataViewRowList : public wxDataViewCtrl, public RowList {
  public:
-    explicit Model(RowList& list) : list_(list) {}
+    DataViewRowList(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
+                    bool withIcons);
+
+    [[nodiscard]] wxWindow& Window() override { return *this; }
+    void SetRows(std::vector<ListRow> rows) override;
+    void AppendRow(ListRow row) override;
+    void SetText(std::size_t row, std::size_t column, const std::string& text) override;
+    void SetTitle(std::size_t column, const std::string& title) override;
+    void SelectRow(std::size_t row) override;
+    void ClearSelection() override { UnselectAll(); }
+    [[nodiscard]] std::optional<std::size_t> SelectedRow() const override;
+    void SetVisibleRows(int rows) override;
+    void ReloadIcons() override;
+
+ private:
+    class Model;
+
+    void BindEvents();
+    /// For at least as many rows as there are.
+    void ReplaceAndAdd(std::vector<ListRow> rows);
+    void AddColumns(const std::vector<ListColumn>& columns, bool withIcons);
+    const wxBitmapBundle& IconOf(const std::string& name);
+
+    std::vector<ListRow> rows_;
+    std::map<std::string, wxBitmapBundle> icons_;
+    wxObjectDataPtr<Model> model_;
+    bool quiet_ = false;
+    bool appended_ = false;  ///< The last row is AppendRow's.
+};
+
+/// The rows as the control asks for them.
+class DataViewRowList::Model : public wxDataViewVirtualListModel {
+ public:
+    explicit Model(DataViewRowList& list) : list_(list) {}
 
     void GetValueByRow(wxVariant& value, unsigned row, unsigned column) const override {
         const ListRow& shown = list_.rows_.at(row);
@@ -30,11 +76,11 @@ class RowList::Model : public wxDataViewVirtualListModel {
     bool withIcons = false;
 
  private:
-    RowList& list_;
+    DataViewRowList& list_;
 };
 
-RowList::RowList(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
-                 bool withIcons)
+DataViewRowList::DataViewRowList(wxWindow* parent, const std::string& name,
+                                 const std::vector<ListColumn>& columns, bool withIcons)
     : wxDataViewCtrl(parent, wxID_ANY, wxDefaultPosition, wxSize(200, 100), wxDV_SINGLE | wxDV_ROW_LINES),
       model_(new Model(*this)) {
     model_->withIcons = withIcons;
@@ -42,6 +88,10 @@ RowList::RowList(wxWindow* parent, const std::string& name, const std::vector<Li
     AddColumns(columns, withIcons);
     SetAccessibleName(this, Wx(name));
     UsePlainScrollBars(this);
+    BindEvents();
+}
+
+void DataViewRowList::BindEvents() {
     GetMainWindow()->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
         if (OnFocus) OnFocus();
@@ -51,9 +101,19 @@ RowList::RowList(wxWindow* parent, const std::string& name, const std::vector<Li
         const std::optional<std::size_t> row = SelectedRow();
         if (!quiet_ && row && OnSelect) OnSelect(*row);
     });
+    Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent&) {
+        if (OnActivate) OnActivate();
+    });
+    // The mouse tells the one, the keyboard's menu key and Shift+F10 the other.
+    Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent&) {
+        if (OnMenu) OnMenu();
+    });
+    Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent&) {
+        if (OnMenu) OnMenu();
+    });
 }
 
-void RowList::AddColumns(const std::vector<ListColumn>& columns, bool withIcons) {
+void DataViewRowList::AddColumns(const std::vector<ListColumn>& columns, bool withIcons) {
     const int characterWidth = GetCharWidth();
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const wxString title = Wx(columns[i].title);
@@ -69,7 +129,7 @@ void RowList::AddColumns(const std::vector<ListColumn>& columns, bool withIcons)
     }
 }
 
-void RowList::SetRows(std::vector<ListRow> rows) {
+void DataViewRowList::SetRows(std::vector<ListRow> rows) {
     quiet_ = true;
     if (std::exchange(appended_, false)) {
         rows_.pop_back();
@@ -85,7 +145,7 @@ void RowList::SetRows(std::vector<ListRow> rows) {
     quiet_ = false;
 }
 
-void RowList::ReplaceAndAdd(std::vector<ListRow> rows) {
+void DataViewRowList::ReplaceAndAdd(std::vector<ListRow> rows) {
     const std::size_t kept = rows_.size();
     for (std::size_t i = 0; i < kept; ++i) {
         if (rows_[i] == rows[i]) continue;
@@ -98,24 +158,24 @@ void RowList::ReplaceAndAdd(std::vector<ListRow> rows) {
     }
 }
 
-void RowList::AppendRow(ListRow row) {
+void DataViewRowList::AppendRow(ListRow row) {
     rows_.push_back(std::move(row));
     model_->RowAppended();
     appended_ = true;
 }
 
-void RowList::SetText(std::size_t row, std::size_t column, const std::string& text) {
+void DataViewRowList::SetText(std::size_t row, std::size_t column, const std::string& text) {
     rows_.at(row).texts.at(column) = text;
     model_->RowChanged(static_cast<unsigned>(row));
 }
 
-void RowList::SetTitle(std::size_t column, const std::string& title) {
+void DataViewRowList::SetTitle(std::size_t column, const std::string& title) {
     const wxString text = Wx(title);
     wxDataViewColumn* const shown = GetColumn(static_cast<unsigned>(column));
     if (shown->GetTitle() != text) shown->SetTitle(text);
 }
 
-void RowList::SelectRow(std::size_t row) {
+void DataViewRowList::SelectRow(std::size_t row) {
     const wxDataViewItem item = model_->GetItem(static_cast<unsigned>(row));
     const bool selected = SelectedRow() == row;
     // Also when it is selected: the arrow keys go on from the current row, which removed rows can have parted
@@ -127,28 +187,35 @@ void RowList::SelectRow(std::size_t row) {
     quiet_ = false;
 }
 
-std::optional<std::size_t> RowList::SelectedRow() const {
+std::optional<std::size_t> DataViewRowList::SelectedRow() const {
     const wxDataViewItem item = GetSelection();
     if (!item.IsOk()) return std::nullopt;
     return static_cast<std::size_t>(model_->GetRow(item));
 }
 
-void RowList::SetVisibleRows(int rows) {
+void DataViewRowList::SetVisibleRows(int rows) {
     // A row and the titles with the room that the toolkit gives them.
     const int row = GetCharHeight() + FromDIP(4);
     const int titles = GetCharHeight() + FromDIP(14);
     SetMinSize(wxSize(-1, row * rows + titles));
 }
 
-const wxBitmapBundle& RowList::IconOf(const std::string& name) {
+const wxBitmapBundle& DataViewRowList::IconOf(const std::string& name) {
     const auto [place, isNew] = icons_.try_emplace(name);
     if (isNew && !name.empty()) place->second = Icon(name);
     return place->second;
 }
 
-void RowList::ReloadIcons() {
+void DataViewRowList::ReloadIcons() {
     icons_.clear();
     for (std::size_t i = 0; i < rows_.size(); ++i) model_->RowChanged(static_cast<unsigned>(i));
+}
+
+}  // namespace
+
+RowList* RowList::Make(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
+                       bool withIcons) {
+    return new DataViewRowList(parent, name, columns, withIcons);
 }
 
 }  // namespace corvane

@@ -1,0 +1,120 @@
+#include "platform/windows/WindowsIpHelper.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/Text.h"
+#include "platform/windows/SystemTables.h"
+#include "platform/windows/WideText.h"
+#include "platform/windows/Windows.h"
+
+namespace corvane {
+
+namespace {
+
+Win32Error FromSystem(DWORD code) { return static_cast<Win32Error>(code); }
+
+DWORD Dword(const Ipv4Bytes& bytes) {
+    DWORD address = 0;
+    std::memcpy(&address, bytes.data(), sizeof address);
+    return address;
+}
+
+MIB_IPFORWARDROW SystemRow(const IpForwardRow& row) {
+    MIB_IPFORWARDROW system{};
+    system.dwForwardDest = Dword(row.destination);
+    system.dwForwardMask = Dword(row.mask);
+    system.dwForwardNextHop = Dword(row.nextHop);
+    system.dwForwardIfIndex = row.ifIndex;
+    system.dwForwardType = row.type;
+    system.dwForwardProto = row.proto;
+    system.dwForwardMetric1 = row.metric1;
+    // Unused metrics are all ones (MIB_IPFORWARDROW's description).
+    for (DWORD* const metric : {&system.dwForwardMetric2, &system.dwForwardMetric3, &system.dwForwardMetric4,
+                                &system.dwForwardMetric5}) {
+        *metric = static_cast<DWORD>(-1);
+    }
+    return system;
+}
+
+IP_ADAPTER_INDEX_MAP SystemEntry(const InterfaceEntry& entry) {
+    IP_ADAPTER_INDEX_MAP system{};
+    system.Index = entry.index;
+    const std::wstring name = Wide(entry.name);
+    std::copy_n(name.begin(), std::min<std::size_t>(name.size(), MAX_ADAPTER_NAME - 1), system.Name);
+    return system;
+}
+
+}  // namespace
+
+TableRead<InterfaceEntry> WindowsIpHelper::GetInterfaceInfo() { return InterfaceTable(); }
+
+Win32Error WindowsIpHelper::GetIfEntry(std::uint32_t index, IfRow& row) {
+    MIB_IFROW system{};
+    system.dwIndex = index;
+    const DWORD code = ::GetIfEntry(&system);
+    if (code != NO_ERROR) return FromSystem(code);
+    row.index = system.dwIndex;
+    std::copy_n(system.bPhysAddr, row.physAddr.size(), row.physAddr.begin());
+    row.speed = system.dwSpeed;
+    row.adminStatus = system.dwAdminStatus;
+    row.operStatus = static_cast<std::uint32_t>(system.dwOperStatus);
+    row.inOctets = system.dwInOctets;
+    row.outOctets = system.dwOutOctets;
+    return Win32Error::kSuccess;
+}
+
+TableRead<IpAddrRow> WindowsIpHelper::GetIpAddrTable() {
+    TableRead<IpAddrRow> read = AddressTable();
+    if (!read.rows.empty()) contexts_.Renew(AddressContextTable());
+    for (IpAddrRow& row : read.rows) {
+        row.nteContext = contexts_.WordFor({row.index, row.address}, row.nteContext);
+    }
+    return read;
+}
+
+TableRead<IpForwardRow> WindowsIpHelper::GetIpForwardTable() { return RouteTable(); }
+
+Win32Error WindowsIpHelper::AddIPAddress(const Ipv4Bytes& address, const Ipv4Bytes& mask,
+                                         std::uint32_t ifIndex, std::uint32_t& nteContext) {
+    ULONG context = 0;
+    ULONG instance = 0;
+    const DWORD code = ::AddIPAddress(Dword(address), Dword(mask), ifIndex, &context, &instance);
+    if (code != NO_ERROR) return FromSystem(code);
+    contexts_.Made(context);
+    nteContext = context;
+    return Win32Error::kSuccess;
+}
+
+Win32Error WindowsIpHelper::DeleteIPAddress(std::uint32_t nteContext) {
+    return FromSystem(::DeleteIPAddress(contexts_.ContextOf(nteContext)));
+}
+
+Win32Error WindowsIpHelper::CreateIpForwardEntry(const IpForwardRow& row) {
+    MIB_IPFORWARDROW system = SystemRow(row);
+    return FromSystem(::CreateIpForwardEntry(&system));
+}
+
+Win32Error WindowsIpHelper::DeleteIpForwardEntry(const IpForwardRow& row) {
+    MIB_IPFORWARDROW system = SystemRow(row);
+    return FromSystem(::DeleteIpForwardEntry(&system));
+}
+
+Win32Error WindowsIpHelper::IpReleaseAddress(const InterfaceEntry& entry) {
+    IP_ADAPTER_INDEX_MAP system = SystemEntry(entry);
+    return FromSystem(::IpReleaseAddress(&system));
+}
+
+Win32Error WindowsIpHelper::IpRenewAddress(const InterfaceEntry& entry) {
+    IP_ADAPTER_INDEX_MAP system = SystemEntry(entry);
+    return FromSystem(::IpRenewAddress(&system));
+}
+
+std::string WindowsIpHelper::SystemText(Win32Error code) {
+    char text[1000];
+    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        Number(code), 0, text, sizeof text, nullptr);
+    return FromCodePage({text, length});
+}
+
+}  // namespace corvane

@@ -1,0 +1,110 @@
+#include "platform/windows/WindowsShell.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "platform/Text.h"
+
+namespace corvane {
+
+namespace {
+
+/// Numbers of the shell's name spaces (CSIDL_CONTROLS and CSIDL_CONNECTIONS, shlobj.h).
+constexpr int kControlPanel = 3;
+constexpr int kConnections = 0x31;
+
+constexpr char kConnectionsName[] = "Network Connections";
+
+/// Turns a failing shell call into the answer that the callers know.
+template <class Action>
+bool WithoutExceptions(std::string& failure, const Action& action) {
+    try {
+        action();
+        return true;
+    } catch (const std::exception& error) {
+        failure = error.what();
+        return false;
+    }
+}
+
+std::vector<std::string> Names(const std::vector<ShellVerb>& verbs) {
+    std::vector<std::string> names;
+    for (const ShellVerb& verb : verbs) names.push_back(verb.Name());
+    return names;
+}
+
+/// ShellExecuteA's answers up to 32 are error codes of their own (shellapi.h); they have the system's texts.
+std::string SystemText(DWORD code) {
+    char text[1000];
+    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        code, 0, text, sizeof text, nullptr);
+    const std::string said = Trim(Without(Without(FromCodePage({text, length}), '\r'), '\n'));
+    return said.empty() ? "error " + std::to_string(code) : said;
+}
+
+}  // namespace
+
+bool WindowsShell::ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) {
+    return WithoutExceptions(failure, [&] {
+        const ShellFolder panel = ShellNameSpace(kControlPanel);
+        if (!panel.Exists()) throw ShellFailure("The shell has no Control Panel.");
+        std::vector<ShellFolderItem> found = panel.Items();
+        std::vector<ShellItem> listed;
+        for (const ShellFolderItem& item : found) listed.push_back({item.Name(), item.IsFolder()});
+        ShellFolder connections = ShellNameSpace(kConnections);
+        if (connections.Exists()) {
+            const std::string title = connections.Title();
+            const bool isListed = std::any_of(listed.begin(), listed.end(), [&](const ShellItem& item) {
+                const std::string name = ToLower(Without(item.name, '&'));
+                return name == ToLower(title) || name == ToLower(kConnectionsName);
+            });
+            if (isListed) {
+                connections = {};
+            } else {
+                listed.push_back({kConnectionsName, true});
+            }
+        }
+        panel_ = std::move(found);
+        connections_ = std::move(connections);
+        items = std::move(listed);
+    });
+}
+
+bool WindowsShell::FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) {
+    return WithoutExceptions(failure, [&] {
+        const ShellFolder folder = panelItem < panel_.size() ? panel_[panelItem].Open() : connections_;
+        if (!folder.Exists()) throw ShellFailure("The Control Panel has no such folder.");
+        std::vector<ShellFolderItem> found = folder.Items();
+        std::vector<std::string> listed;
+        for (const ShellFolderItem& item : found) listed.push_back(item.Name());
+        items_ = std::move(found);
+        openFolder_ = panelItem;
+        names = std::move(listed);
+    });
+}
+
+bool WindowsShell::ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
+                             std::string& failure) {
+    return WithoutExceptions(failure, [&] {
+        if (panelItem != openFolder_) throw ShellFailure("The folder is not the one that was opened.");
+        verbs_ = items_.at(item).Verbs();
+        verbs = Names(verbs_);
+    });
+}
+
+bool WindowsShell::DoVerb(std::size_t, std::size_t, std::size_t verb, std::string& failure) {
+    return WithoutExceptions(failure, [&] { verbs_.at(verb).Do(); });
+}
+
+bool WindowsShell::OpenDocument(const std::string& target, std::string& failure) {
+    const HINSTANCE answer =
+        ShellExecuteA(nullptr, "open", ToCodePage(target).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    const auto code = static_cast<DWORD>(reinterpret_cast<INT_PTR>(answer));
+    static constexpr DWORD kLastFailure = 32;
+    if (code > kLastFailure) return true;
+    failure = SystemText(code);
+    return false;
+}
+
+}  // namespace corvane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include <wx/app.h>
+
+/// The toolkit's application of the window program.
+namespace corvane {
+
+/// Runs the start-up routine for an argument text and, when it has loaded the main window, the event loop. To
+/// be run on the installed platform; brings the seat itself.
+class WindowApp : public wxApp {
+ public:
+    explicit WindowApp(std::string commandLine) : commandLine_(std::move(commandLine)) {}
+
+    bool OnInit() override;
+    /// The exit code of the start-up routine.
+    int OnRun() override;
+
+ private:
+    std::string commandLine_;
+};
+
+/// Installs this system's platform, with a clock that lets windows paint, and runs `app` from its
+/// initialisation to its end. The toolkit has been started with it. Returns the exit code.
+int RunOnSystemPlatform(WindowApp& app);
+
+}  // namespace corvane

@@ -1,0 +1,144 @@
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tests/wine/tools/Json.h"
+#include "tests/wine/tools/Observer.h"
+#include "tests/wine/tools/System.h"
+
+namespace corvane::test {
+
+namespace {
+
+constexpr DWORD kLongestName = 1024;
+
+std::string Code(LONG code) { return Error("code " + std::to_string(code)); }
+
+std::string Hexadecimal(const std::vector<std::uint8_t>& bytes) {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        text += kDigits[byte >> 4U];
+        text += kDigits[byte & 15U];
+    }
+    return text;
+}
+
+std::vector<std::uint8_t> Bytes(const std::string& hexadecimal) {
+    std::vector<std::uint8_t> bytes;
+    for (std::size_t i = 0; i + 1 < hexadecimal.size(); i += 2) {
+        bytes.push_back(static_cast<std::uint8_t>(std::stoul(hexadecimal.substr(i, 2), nullptr, 16)));
+    }
+    return bytes;
+}
+
+/// An open key below HKEY_LOCAL_MACHINE; null when there is none.
+class Key {
+ public:
+    explicit Key(const std::string& path) {
+        code_ = RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ | KEY_WRITE, &key_);
+    }
+    ~Key() {
+        if (key_ != nullptr) RegCloseKey(key_);
+    }
+    Key(const Key&) = delete;
+    Key& operator=(const Key&) = delete;
+
+    [[nodiscard]] HKEY Get() const { return key_; }
+    [[nodiscard]] LONG Code() const { return code_; }
+
+ private:
+    HKEY key_ = nullptr;
+    LONG code_ = 0;
+};
+
+}  // namespace
+
+std::string Interfaces(const Arguments& /*arguments*/) {
+    ULONG size = 0;
+    GetInterfaceInfo(nullptr, &size);
+    std::vector<std::uint8_t> buffer(size + sizeof(IP_INTERFACE_INFO));
+    size = static_cast<ULONG>(buffer.size());
+    auto* const info = reinterpret_cast<IP_INTERFACE_INFO*>(buffer.data());
+    const DWORD code = GetInterfaceInfo(info, &size);
+    if (code == ERROR_NO_DATA) return "[]";
+    if (code != NO_ERROR) return Code(static_cast<LONG>(code));
+    std::vector<std::string> found;
+    for (LONG i = 0; i < info->NumAdapters; ++i) {
+        const IP_ADAPTER_INDEX_MAP& entry = info->Adapter[i];
+        found.push_back(JsonArray({std::to_string(entry.Index), JsonText(std::wstring(entry.Name))}));
+    }
+    return JsonArray(found);
+}
+
+std::string ReadKey(const Arguments& arguments) {
+    if (arguments.size() != 1) return Error("usage: read KEY");
+    const Key key(arguments[0]);
+    if (key.Get() == nullptr) return "null";
+    JsonObject values;
+    for (DWORD i = 0;; ++i) {
+        std::vector<wchar_t> name(kLongestName);
+        std::vector<char> ansiName(kLongestName);
+        DWORD length = kLongestName;
+        DWORD ansiLength = kLongestName;
+        DWORD type = 0;
+        DWORD size = 0;
+        const LONG code =
+            RegEnumValueA(key.Get(), i, ansiName.data(), &ansiLength, nullptr, &type, nullptr, &size);
+        if (code == ERROR_NO_MORE_ITEMS) return values.Text();
+        if (code != ERROR_SUCCESS) return Code(code);
+        RegEnumValueW(key.Get(), i, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
+        std::vector<std::uint8_t> data(size);
+        if (const LONG read =
+                RegQueryValueExA(key.Get(), ansiName.data(), nullptr, &type, data.data(), &size);
+            read != ERROR_SUCCESS) {
+            return Code(read);
+        }
+        data.resize(size);
+        values.Add(Utf8(std::wstring(name.data(), length)),
+                   JsonArray({std::to_string(type), JsonText(Hexadecimal(data))}));
+    }
+}
+
+std::string Subkeys(const Arguments& arguments) {
+    if (arguments.size() != 1) return Error("usage: keys KEY");
+    const Key key(arguments[0]);
+    if (key.Get() == nullptr) return "null";
+    std::vector<std::string> names;
+    for (DWORD i = 0;; ++i) {
+        std::vector<wchar_t> name(kLongestName);
+        DWORD length = kLongestName;
+        const LONG code =
+            RegEnumKeyExW(key.Get(), i, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
+        if (code == ERROR_NO_MORE_ITEMS) return JsonArray(names);
+        if (code != ERROR_SUCCESS) return Code(code);
+        names.push_back(JsonText(std::wstring(name.data(), length)));
+    }
+}
+
+std::string WriteValue(const Arguments& arguments) {
+    if (arguments.size() != 4) return Error("usage: write KEY NAME TYPE HEXADECIMAL-BYTES");
+    HKEY key = nullptr;
+    LONG code = RegCreateKeyExA(HKEY_LOCAL_MACHINE, arguments[0].c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
+                                &key, nullptr);
+    if (code != ERROR_SUCCESS) return Code(code);
+    const std::vector<std::uint8_t> data = Bytes(arguments[3]);
+    code = RegSetValueExA(key, arguments[1].c_str(), 0, static_cast<DWORD>(std::stoul(arguments[2])),
+                          data.data(), static_cast<DWORD>(data.size()));
+    RegCloseKey(key);
+    return code == ERROR_SUCCESS ? "null" : Code(code);
+}
+
+std::string Delete(const Arguments& arguments) {
+    if (arguments.size() == 1) {
+        const LONG code = RegDeleteTreeA(HKEY_LOCAL_MACHINE, arguments[0].c_str());
+        return code == ERROR_SUCCESS ? "null" : Code(code);
+    }
+    if (arguments.size() != 2) return Error("usage: delete KEY [NAME]");
+    const Key key(arguments[0]);
+    if (key.Get() == nullptr) return Code(key.Code());
+    const LONG code = RegDeleteValueA(key.Get(), arguments[1].c_str());
+    return code == ERROR_SUCCESS ? "null" : Code(code);
+}
+
+}  // namespace corvane::test

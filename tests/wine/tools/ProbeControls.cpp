@@ -1,0 +1,199 @@
+#include "tests/wine/tools/ProbeControls.h"
+
+#include <algorithm>
+#include <array>
+#include <cwctype>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace corvane::test {
+
+namespace {
+
+constexpr int kLongestText = 1024;
+
+std::wstring Lower(std::wstring text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
+    return text;
+}
+
+int Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+    return static_cast<int>(SendMessageW(window, message, wParam, lParam));
+}
+
+LPARAM Pointer(void* data) { return reinterpret_cast<LPARAM>(data); }
+
+WPARAM Position(int position) { return static_cast<WPARAM>(position); }
+
+std::string Number(long long number) { return std::to_string(number); }
+
+RECT OnScreen(HWND window, RECT rect) {
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
+std::string MenuItem(HMENU menu, int position, HWND owner) {
+    std::array<wchar_t, kLongestText> text{};
+    MENUITEMINFOW info{};
+    info.cbSize = sizeof info;
+    info.fMask = MIIM_STRING | MIIM_STATE | MIIM_ID | MIIM_SUBMENU | MIIM_FTYPE;
+    info.dwTypeData = text.data();
+    info.cch = kLongestText;
+    GetMenuItemInfoW(menu, static_cast<UINT>(position), TRUE, &info);
+    JsonObject item;
+    item.Add("text", JsonText(std::wstring(text.data())));
+    item.Add("id", Number(info.wID));
+    item.Add("enabled", JsonBool((info.fState & (MFS_DISABLED | MFS_GRAYED)) == 0));
+    item.Add("checked", JsonBool((info.fState & MFS_CHECKED) != 0));
+    item.Add("separator", JsonBool((info.fType & MFT_SEPARATOR) != 0));
+    RECT rect{};
+    if (owner != nullptr && GetMenuItemRect(owner, menu, static_cast<UINT>(position), &rect) != FALSE) {
+        item.Add("rect", JsonRect(rect));
+    }
+    if (info.hSubMenu != nullptr) item.Add("items", MenuItems(info.hSubMenu, nullptr));
+    return item.Text();
+}
+
+std::string ListViewText(HWND list, int row, int column) {
+    std::array<wchar_t, kLongestText> text{};
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = text.data();
+    item.cchTextMax = kLongestText;
+    Ask(list, LVM_GETITEMTEXTW, Position(row), Pointer(&item));
+    return JsonText(std::wstring(item.pszText));
+}
+
+void AddListView(JsonObject& object, HWND list) {
+    std::vector<std::string> columns;
+    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+    const int columnCount = std::max(0, Ask(header, HDM_GETITEMCOUNT));
+    for (int column = 0; column < columnCount; ++column) {
+        std::array<wchar_t, kLongestText> text{};
+        HDITEMW item{};
+        item.mask = HDI_TEXT;
+        item.pszText = text.data();
+        item.cchTextMax = kLongestText;
+        Ask(header, HDM_GETITEMW, Position(column), Pointer(&item));
+        columns.push_back(JsonText(std::wstring(text.data())));
+    }
+    std::vector<std::string> rows;
+    std::vector<std::string> rects;
+    std::vector<std::string> selected;
+    const int rowCount = Ask(list, LVM_GETITEMCOUNT);
+    for (int row = 0; row < rowCount; ++row) {
+        std::vector<std::string> texts;
+        for (int column = 0; column < std::max(1, columnCount); ++column) {
+            texts.push_back(ListViewText(list, row, column));
+        }
+        rows.push_back(JsonArray(texts));
+        RECT rect{};
+        rect.left = LVIR_BOUNDS;
+        Ask(list, LVM_GETITEMRECT, Position(row), Pointer(&rect));
+        rects.push_back(JsonRect(OnScreen(list, rect)));
+        if ((Ask(list, LVM_GETITEMSTATE, Position(row), LVIS_SELECTED) & LVIS_SELECTED) != 0) {
+            selected.push_back(Number(row));
+        }
+    }
+    object.Add("columns", JsonArray(columns)).Add("rows", JsonArray(rows)).Add("rowRects", JsonArray(rects));
+    object.Add("selected", JsonArray(selected));
+    object.Add("focusedRow", Number(Ask(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED)));
+}
+
+/// A combo box or a list box: the same questions by other names.
+void AddChoices(JsonObject& object, HWND window, UINT count, UINT length, UINT text, UINT current) {
+    std::vector<std::string> choices;
+    const int number = std::max(0, Ask(window, count));
+    for (int i = 0; i < number; ++i) {
+        std::wstring choice(static_cast<std::size_t>(std::max(0, Ask(window, length, Position(i)))) + 1,
+                            L'\0');
+        Ask(window, text, Position(i), Pointer(choice.data()));
+        choice.resize(choice.find(L'\0'));
+        choices.push_back(JsonText(choice));
+    }
+    object.Add("choices", JsonArray(choices)).Add("choice", Number(Ask(window, current)));
+}
+
+void AddToolBar(JsonObject& object, HWND bar) {
+    std::vector<std::string> buttons;
+    const int count = Ask(bar, TB_BUTTONCOUNT);
+    for (int i = 0; i < count; ++i) {
+        TBBUTTON button{};
+        Ask(bar, TB_GETBUTTON, Position(i), Pointer(&button));
+        if ((button.fsStyle & BTNS_SEP) != 0) continue;
+        std::array<wchar_t, kLongestText> text{};
+        const auto id = static_cast<WPARAM>(button.idCommand);
+        if (Ask(bar, TB_GETBUTTONTEXTW, id, 0) > 0) Ask(bar, TB_GETBUTTONTEXTW, id, Pointer(text.data()));
+        RECT rect{};
+        Ask(bar, TB_GETITEMRECT, Position(i), Pointer(&rect));
+        JsonObject item;
+        item.Add("text", JsonText(std::wstring(text.data()))).Add("id", Number(button.idCommand));
+        item.Add("enabled", JsonBool((button.fsState & TBSTATE_ENABLED) != 0));
+        item.Add("rect", JsonRect(OnScreen(bar, rect)));
+        buttons.push_back(item.Text());
+    }
+    object.Add("buttons", JsonArray(buttons));
+}
+
+void AddButton(JsonObject& object, HWND button) {
+    const auto kind = GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK;
+    object.Add("checked", JsonBool(Ask(button, BM_GETCHECK) == BST_CHECKED));
+    object.Add("pushButton",
+               JsonBool(kind == BS_PUSHBUTTON || kind == BS_DEFPUSHBUTTON || kind == BS_OWNERDRAW));
+    object.Add("default", JsonBool(kind == BS_DEFPUSHBUTTON));
+}
+
+void AddEdit(JsonObject& object, HWND edit) {
+    DWORD from = 0;
+    DWORD to = 0;
+    SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&from), Pointer(&to));
+    object.Add("readOnly", JsonBool((GetWindowLongPtrW(edit, GWL_STYLE) & ES_READONLY) != 0));
+    object.Add("selection", JsonArray({Number(from), Number(to)}));
+}
+
+void AddStatic(JsonObject& object, HWND window) {
+    static const std::pair<const char*, LPWSTR> icons[] = {
+        {"error", reinterpret_cast<LPWSTR>(IDI_ERROR)},
+        {"warning", reinterpret_cast<LPWSTR>(IDI_WARNING)},
+        {"information", reinterpret_cast<LPWSTR>(IDI_INFORMATION)},
+        {"question", reinterpret_cast<LPWSTR>(IDI_QUESTION)}};
+    if ((GetWindowLongPtrW(window, GWL_STYLE) & SS_TYPEMASK) != SS_ICON) return;
+    const auto shown = reinterpret_cast<HICON>(SendMessageW(window, STM_GETICON, 0, 0));
+    std::string name = "other";
+    for (const auto& [icon, resource] : icons) {
+        // The system's own icons are shared: every load gives the same handle.
+        if (LoadIconW(nullptr, resource) == shown) name = icon;
+    }
+    object.Add("icon", JsonText(name));
+}
+
+}  // namespace
+
+std::string JsonRect(const RECT& rect) {
+    return JsonArray({Number(rect.left), Number(rect.top), Number(rect.right - rect.left),
+                      Number(rect.bottom - rect.top)});
+}
+
+std::string MenuItems(HMENU menu, HWND owner) {
+    std::vector<std::string> items;
+    const int count = GetMenuItemCount(menu);
+    for (int i = 0; i < count; ++i) items.push_back(MenuItem(menu, i, owner));
+    return JsonArray(items);
+}
+
+void AddControl(JsonObject& object, HWND window, const std::wstring& name) {
+    const std::wstring kind = Lower(name);
+    if (kind == L"syslistview32") AddListView(object, window);
+    if (kind == L"combobox") {
+        AddChoices(object, window, CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT, CB_GETCURSEL);
+    }
+    if (kind == L"listbox") AddChoices(object, window, LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT, LB_GETCURSEL);
+    if (kind == L"toolbarwindow32") AddToolBar(object, window);
+    if (kind == L"button") AddButton(object, window);
+    if (kind == L"edit" || kind.starts_with(L"richedit")) AddEdit(object, window);
+    if (kind == L"static") AddStatic(object, window);
+}
+
+}  // namespace corvane::test

@@ -1,0 +1,90 @@
+"""The main window of nicx.exe under Wine: how a case opens it, and what it looks at and works in it."""
+
+from machine import WineTest
+from parts import ENTRIES, TEXTS
+from waiting import NotNow
+
+TITLE = "Orvella Corvane"
+LIST = "Network Connections"
+LISTS = ("IP Address", "Gateway", "DNS Server")
+OCTETS = 6
+
+
+class WindowTest(WineTest):
+    """Base of the test cases on the main window."""
+
+    window = None
+
+    def open_window(self, *arguments, **options):
+        """Starts the program and waits until its main window has the keys."""
+        self.window = self.nicx(*arguments, title=TITLE, **options)
+        self.window.expect_window(TITLE)
+        self.window.settle()
+        return self.window
+
+    def end_window(self):
+        """Closes the main window; the program has nothing to complain of."""
+        self.window.close()
+        self.assertEqual(self.window.wait_exit(), 0)
+
+    def expect_box(self, title, text, icon, press="OK", by_key=False):
+        """Waits for a message box of exactly this text and icon and presses one of its buttons."""
+        buttons = ["OK"] if press == "OK" else ["Yes", "No", "Cancel"]
+        self.window.expect_box(title, text, icon, buttons).press(press, by_key)
+
+    # --- the list and the facts ----------------------------------------------------------------------------------
+
+    @property
+    def connections(self):
+        """The list of connections."""
+        return self.window.table(LIST)
+
+    def expect_row(self, name, *texts):
+        """Waits until the row of this name has these texts behind it; None stands for any."""
+        def look():
+            rows = {row[0]: row[1:] for row in self.connections.rows}
+            if name not in rows or any(text not in (None, found) for text, found in zip(texts, rows[name])):
+                raise NotNow(f"its rows are {rows}")
+        self.window.patiently(look, f"the row {(name, *texts)}")
+
+    def choose(self, name):
+        """Selects a connection with the mouse; the facts are its then."""
+        self.connections.click_row(name)
+        self.expect_facts({"Connection Name:": name})
+
+    def _facts(self):
+        # Caption and text have the same name, the text comes behind.
+        return {node.facts["name"]: node.text for node in self.window._root().walk() if node.kind in (*ENTRIES, *TEXTS)}
+
+    @property
+    def facts(self):
+        """All texts of the details and the status line, by accessible name."""
+        return self.window.patiently(self._facts, "the facts")
+
+    def expect_facts(self, wanted):
+        """Waits until the facts of these names have these texts."""
+        def look():
+            found = self._facts()
+            different = {name: found.get(name) for name, text in wanted.items() if found.get(name) != text}
+            if different:
+                raise NotNow(f"different are {different}")
+        self.window.patiently(look, f"the facts {wanted}")
+
+    def list_of(self, title):
+        """One of the lists of addresses, whose first header begins with this."""
+        return self.window.table(title)
+
+    # --- the panel for another MAC address -----------------------------------------------------------------------
+
+    def open_panel(self, name):
+        self.choose(name)
+        self.window.press("ctrl+m")
+        self.octet(0).expect(showing=True, focused=True)
+
+    def octet(self, number):
+        """The box of an octet; the first is number 0."""
+        return self.window.entry(f"MAC address, octet {number + 1} of {OCTETS}")
+
+    @property
+    def octets(self):
+        return [self.octet(number).text for number in range(OCTETS)]

@@ -1,0 +1,134 @@
+#include "ui/Desktop.h"
+
+#include <array>
+#include <cstddef>
+
+#include <wx/access.h>
+#include <wx/panel.h>
+
+#include "platform/windows/Windows.h"
+#include "ui/windows/Input.h"
+
+namespace corvane {
+
+namespace {
+
+/// Names a control; all else is told by the system's own object for it.
+class NamedAccessible : public wxAccessible {
+ public:
+    explicit NamedAccessible(wxWindow* control) : wxAccessible(control) {}
+
+    wxAccStatus GetName(int child, wxString* name) override {
+        if (child != wxACC_SELF) return wxACC_NOT_IMPLEMENTED;
+        *name = name_;
+        return wxACC_OK;
+    }
+    void SetName(const wxString& name) { name_ = name; }
+
+ private:
+    wxString name_;
+};
+
+}  // namespace
+
+// A frame has the colour of a workspace, and is none of the windows that the Tab key goes round in.
+wxWindow* MakeGround(wxFrame* frame) { return new wxPanel(frame); }
+
+// The system's dialogue manager moves the focus from a label's mnemonic to the control that follows the label
+// in the tab order.
+void FocusByMnemonic(wxWindow*) {}
+
+void LabelFor(const wxStaticText* label, wxWindow* control) {
+    SetAccessibleName(control, label->GetLabelText());
+}
+
+void SetAccessibleName(wxWindow* control, const wxString& name) {
+    auto* accessible = dynamic_cast<NamedAccessible*>(control->GetAccessible());
+    if (accessible == nullptr) {
+        accessible = new NamedAccessible(control);
+        control->SetAccessible(accessible);
+    }
+    accessible->SetName(name);
+}
+
+void DropFrame(wxWindow* box) {
+    box->SetWindowStyle((box->GetWindowStyle() & ~wxBORDER_MASK) | wxBORDER_NONE);
+}
+
+// The system has no others.
+void UsePlainScrollBars(wxWindow*) {}
+
+bool GivesCommand(const wxKeyEvent& key) { return key.ControlDown() != key.AltDown(); }
+
+int TypedCharacter(const wxKeyEvent& down) {
+    // The system has put what the key types, if anything, into the queue already. Looking there leaves
+    // accents that wait for their letter alone.
+    const HWND window = static_cast<const wxWindow*>(down.GetEventObject())->GetHWND();
+    MSG message;
+    if (PeekMessageW(&message, window, WM_CHAR, WM_CHAR, PM_NOREMOVE | PM_QS_POSTMESSAGE) == 0) return 0;
+    return static_cast<int>(message.wParam);
+}
+
+BoxAnswer ShowMessageBox(wxWindow* parent, const wxString& title, const wxString& text, BoxIcon icon,
+                         BoxButtons buttons) {
+    UINT style = buttons == BoxButtons::kOk ? MB_OK : MB_YESNOCANCEL;
+    switch (icon) {
+        case BoxIcon::kCritical:
+            style |= MB_ICONERROR;
+            break;
+        case BoxIcon::kExclamation:
+            style |= MB_ICONEXCLAMATION;
+            break;
+        case BoxIcon::kInformation:
+            style |= MB_ICONINFORMATION;
+            break;
+        case BoxIcon::kQuestion:
+            style |= MB_ICONQUESTION;
+            break;
+    }
+    const HWND owner = parent == nullptr ? nullptr : static_cast<HWND>(parent->GetHWND());
+    if (owner == nullptr) style |= MB_TASKMODAL | MB_SETFOREGROUND;
+    switch (MessageBoxW(owner, text.wc_str(), title.wc_str(), style)) {
+        case IDOK:
+            return BoxAnswer::kOk;
+        case IDYES:
+            return BoxAnswer::kYes;
+        case IDNO:
+            return BoxAnswer::kNo;
+        default:
+            return BoxAnswer::kCancel;
+    }
+}
+
+namespace {
+
+/// The hooks of all holds: the first one sets them, the last one takes them away.
+struct Hooks {
+    int holds = 0;
+    HHOOK keyboard = nullptr;
+    HHOOK mouse = nullptr;
+} hooks;
+
+/// Drops every key, respectively everything of the mouse, on its way out of the thread's queue.
+LRESULT CALLBACK DropInput(int code, WPARAM word, LPARAM data) {
+    return code < 0 ? CallNextHookEx(nullptr, code, word, data) : 1;
+}
+
+}  // namespace
+
+bool InputIsHeld() { return hooks.holds > 0; }
+
+InputHold::InputHold() : grab_(nullptr) {
+    if (hooks.holds++ > 0) return;
+    const DWORD thread = GetCurrentThreadId();
+    hooks.keyboard = SetWindowsHookExW(WH_KEYBOARD, DropInput, nullptr, thread);
+    hooks.mouse = SetWindowsHookExW(WH_MOUSE, DropInput, nullptr, thread);
+}
+
+InputHold::~InputHold() {
+    if (--hooks.holds > 0) return;
+    UnhookWindowsHookEx(hooks.keyboard);
+    UnhookWindowsHookEx(hooks.mouse);
+}
+
+}  // namespace corvane
