@@ -104,7 +104,6 @@ void frmMain::MakeControls() {
     wxSize size = FromDIP(kWantedSize);
     size.DecTo(wxGetClientDisplayRect().GetSize());
     SetSize(size);
-    Layout();
     // The two share the height until the user moves the sash.
     splitter_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
         event.Skip();
@@ -114,6 +113,7 @@ void frmMain::MakeControls() {
         event.Skip();
         sashMoved_ = true;
     });
+    Layout();
     list_->Window().SetFocus();
 }
 

@@ -13,6 +13,17 @@ namespace {
 /// With UTF-8 as the system's code page there is nothing to replace by a substitute.
 bool CodePageIsUtf8() { return GetACP() == CP_UTF8; }
 
+/// One "?" for each pair of surrogates: the system would put one for either half, and no other code page that
+/// a system can have holds the characters that need them.
+std::wstring WithoutPairs(const std::wstring& wide) {
+    std::wstring plain;
+    for (const wchar_t unit : wide) {
+        if (IS_LOW_SURROGATE(unit)) continue;
+        plain += IS_HIGH_SURROGATE(unit) ? L'?' : unit;
+    }
+    return plain;
+}
+
 std::string FromWide(const std::wstring& wide) {
     const auto length = static_cast<int>(wide.size());
     const DWORD flags = CodePageIsUtf8() ? 0 : WC_NO_BEST_FIT_CHARS;
@@ -27,7 +38,8 @@ std::string FromWide(const std::wstring& wide) {
 
 std::string ToCodePage(std::string_view utf8) {
     if (AsciiRun(utf8) == utf8.size()) return std::string(utf8);
-    return FromWide(Wide(utf8));
+    const std::wstring wide = Wide(utf8);
+    return FromWide(CodePageIsUtf8() ? wide : WithoutPairs(wide));
 }
 
 std::string FromCodePage(std::string_view bytes) {

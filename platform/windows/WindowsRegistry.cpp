@@ -88,8 +88,11 @@ RegistryRead WindowsRegistry::ReadValue(RegistryRoot root, const std::string& su
 
 Win32Error WindowsRegistry::WriteValue(RegistryRoot root, const std::string& subkey, const std::string& name,
                                        const RegistryValue& value) {
+    // The system stores a text that lacks its terminator with one when a NUL follows it in memory.
+    std::vector<std::uint8_t> data = value.data;
+    data.push_back(0);
     return WithKey(root, subkey, KEY_WRITE, [&](HKEY key) {
-        return RegSetValueExA(key, ToCodePage(name).c_str(), 0, value.type, value.data.data(),
+        return RegSetValueExA(key, ToCodePage(name).c_str(), 0, value.type, data.data(),
                               static_cast<DWORD>(value.data.size()));
     });
 }

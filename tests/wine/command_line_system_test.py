@@ -99,7 +99,7 @@ class Connections(CommandLine):
                          "dial-up connections' Folder From The List Below. Orvella Corvane Will Remember The Folder You "
                          "Selected. Control Pannel Folders")
         folders.click()
-        program.press("End")
+        program.press("Home", "Down")
         folders.expect(choice=1)
         program.press("alt+s")
         wait_for(lambda: self.diary, "the connection is disabled")

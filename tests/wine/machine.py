@@ -52,7 +52,7 @@ class PlugAndPlay(threading.Thread):
             self.failure = failure
 
     def _do(self, verb, connection):
-        name = next(link for link, described in self.test.connections.items() if described == connection)
+        name = next(link for link, described in self.test.connection_names.items() if described == connection)
         ip("link", "set", name, "down")
         if verb == "enable":
             digits = self.test.driver(name).get("NetworkAddress", (1, b"\0"))[1].decode().rstrip("\0")
@@ -80,7 +80,7 @@ class WineTest(World):
         self.registry.write(f"{ADAPTERS_KEY}\\{{0}}", "LLInterface", text(""))
         self.registry.delete(f"{ADAPTERS_KEY}\\{{0}}")
         # By the link's name: GUID and driver key, and the name of the connection.
-        self.links, self.connections = {}, {}
+        self.links, self.connection_names = {}, {}
 
     def nicx(self, *arguments, title=None, **options):
         """Starts the program with arguments, or without any."""
@@ -106,7 +106,7 @@ class WineTest(World):
 
     def describe(self, name, guid, driver, connection):
         """Writes the keys of one adapter. With a GUID that Wine gives no interface it is one that is disabled."""
-        self.links[name], self.connections[name] = (guid, driver), connection
+        self.links[name], self.connection_names[name] = (guid, driver), connection
         write = self.registry.write
         write(f"{ADAPTERS_KEY}\\{guid}", "LLInterface", text(""))
         write(f"{CONNECTIONS_KEY}\\{guid}\\Connection", "Name", text(connection))
@@ -152,7 +152,7 @@ class WineTest(World):
             write(key, "Name", text(name))
             write(key, "Folder", number(is_folder))
             write(key, "Connections", number(holds_connections))
-        names = list(self.connections.values()) if connections is None else connections
+        names = list(self.connection_names.values()) if connections is None else connections
         for position, name in enumerate(names):
             key = f"{SHELL_KEY}\\Connections\\{position:04}"
             write(key, "Name", text(name))

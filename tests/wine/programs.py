@@ -13,10 +13,9 @@ import subprocess
 import sys
 import time
 
-from waiting import PASSING, SECONDS, NotNow, end_with_parent, patiently
-
 from parts import MESSAGE_BOX, POPUP_MENU, Box, Menu, Node, Part
 from screen import Screen
+from waiting import PASSING, SECONDS, NotNow, end_with_parent, patiently
 
 # Longer than the time in which two clicks are a double click (Wine's default is half a second).
 DOUBLE_CLICK_SECONDS = 0.6
