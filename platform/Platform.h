@@ -151,8 +151,8 @@ class IpHelperApi {
     /// The live interfaces: those that are administratively up.
     virtual TableRead<InterfaceEntry> GetInterfaceInfo() = 0;
 
-    /// Fills `row` for interface `index`. kInvalidParameter when there is no such interface; `row` is then as
-    /// it was.
+    /// Fills `row` for interface `index`. When there is no such interface, kInvalidParameter or, on Windows,
+    /// what the system says; `row` is then as it was.
     virtual Win32Error GetIfEntry(std::uint32_t index, IfRow& row) = 0;
 
     /// IPv4 addresses of every interface, in ascending order of address.

@@ -33,7 +33,7 @@ DetailsPanel::DetailsPanel(wxWindow* parent)
     presets_ = new PresetsPanel(this);
     left_->Add(presets_, 0, wxEXPAND | wxTOP, kGap);
     tcpip_ = new TcpipPanel(this);
-    tcpip_->OnLayout = [this] { Arrange(); };
+    tcpip_->OnLayout = [this] { Rearrange(); };
     // Lists do not tell of their focus as other controls do.
     presets_->OnListFocus = [this](const wxWindow& list) { ShowFocused(list); };
     tcpip_->OnListFocus = [this](const wxWindow& list) { ShowFocused(list); };
@@ -88,6 +88,12 @@ void DetailsPanel::Arrange() {
     graph_->SetMinSize(wxSize(graph_->GetMinSize().x, height));
     FitInside();
     Layout();
+}
+
+void DetailsPanel::Rearrange() {
+    Arrange();
+    // What has moved at once with what was shown or hidden leaves its traces where it was, on some desktops.
+    Refresh();
 }
 
 wxSizer* DetailsPanel::MakeConnection() {
@@ -162,7 +168,7 @@ ChangeMacPanel& DetailsPanel::ChangeMac() {
     fChangeMAC_ = new ChangeMacPanel(this);
     // Below the facts, above the traffic.
     left_->Insert(1, fChangeMAC_, 0, wxEXPAND | wxTOP, 2 * kGap);
-    fChangeMAC_->OnLayout = [this] { Arrange(); };
+    fChangeMAC_->OnLayout = [this] { Rearrange(); };
     return *fChangeMAC_;
 }
 

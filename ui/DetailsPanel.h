@@ -47,6 +47,8 @@ class DetailsPanel : public wxScrolledWindow {
  private:
     /// Lays the two columns out for the width that there is.
     void Arrange();
+    /// Same after something in it was shown or hidden.
+    void Rearrange();
     /// Scrolls a control into view, or as much of it from its top as there is room for.
     void ShowChild(const wxWindow& child);
     /// Same for one that got the focus, unless by the mouse: it was in sight then.

@@ -90,6 +90,6 @@ void MacBoxRow::SetText(int box, const std::string& text) {
 
 TextSelection MacBoxRow::Selection(int box) const { return SelectionOf(Box(box)); }
 void MacBoxRow::Select(int box, TextSelection selection) { SelectIn(Box(box), selection); }
-void MacBoxRow::Focus(int box) { Box(box).SetFocus(); }
+void MacBoxRow::Focus(int box) { Box(box).SetFocusFromKbd(); }
 
 }  // namespace corvane

@@ -238,7 +238,7 @@ void TcpipPanel::SetPresetName(const std::string& name) {
     if (PresetName() != name) editor_->Name().SetValue(Wx(name));
 }
 
-void TcpipPanel::FocusPresetName() { editor_->Name().SetFocus(); }
+void TcpipPanel::FocusPresetName() { editor_->Name().SetFocusFromKbd(); }
 
 void TcpipPanel::SelectPresetName() {
     FocusPresetName();

@@ -100,19 +100,20 @@ void frmMain::MakeControls() {
     statusLine->Add(labCount_->Window(), 1);
     sizer->Add(statusLine, 0, wxEXPAND | wxALL, kGap);
     ground_->SetSizer(sizer);
-    SetMinSize(FromDIP(kLeastSize));
-    wxSize size = FromDIP(kWantedSize);
-    size.DecTo(wxGetClientDisplayRect().GetSize());
-    SetSize(size);
-    // The two share the height until the user moves the sash.
+    // The two share the height until the user moves the sash: the event of its moved position comes of other
+    // changes too.
     splitter_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
         event.Skip();
         if (!sashMoved_) splitter_->SetSashPosition(static_cast<int>(event.GetSize().y * kListShare));
     });
-    splitter_->Bind(wxEVT_SPLITTER_SASH_POS_CHANGED, [this](wxSplitterEvent& event) {
+    splitter_->Bind(wxEVT_SPLITTER_SASH_POS_CHANGING, [this](wxSplitterEvent& event) {
         event.Skip();
         sashMoved_ = true;
     });
+    SetMinSize(FromDIP(kLeastSize));
+    wxSize size = FromDIP(kWantedSize);
+    size.DecTo(wxGetClientDisplayRect().GetSize());
+    SetSize(size);
     Layout();
     list_->Window().SetFocus();
 }

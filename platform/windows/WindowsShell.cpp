@@ -73,7 +73,9 @@ bool WindowsShell::ControlPanelItems(std::vector<ShellItem>& items, std::string&
 
 bool WindowsShell::FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) {
     return WithoutExceptions(failure, [&] {
-        const ShellFolder folder = panelItem < panel_.size() ? panel_[panelItem].Open() : connections_;
+        ShellFolder folder;
+        if (panelItem < panel_.size()) folder = panel_[panelItem].Open();
+        if (panelItem == panel_.size()) folder = connections_;
         if (!folder.Exists()) throw ShellFailure("The Control Panel has no such folder.");
         std::vector<ShellFolderItem> found = folder.Items();
         std::vector<std::string> listed;

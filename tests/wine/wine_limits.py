@@ -10,3 +10,6 @@ NOT_SUPPORTED = {name: _NOT_SUPPORTED for name in ("AddIPAddress", "DeleteIPAddr
 # Interfaces that are down, or gone, stay in the table of interfaces for as long as Wine runs, and count as enabled. A
 # disabled connection is one whose adapter never had an interface (WineTest.describe).
 DEAD_INTERFACES_STAY = True
+
+# The speed of every interface of a test, in bit/s: Wine does not ask the kernel for it.
+SPEED = 0

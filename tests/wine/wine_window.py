@@ -2,6 +2,7 @@
 
 from machine import WineTest
 from parts import ENTRIES, TEXTS
+from programs import Program
 from waiting import NotNow
 
 TITLE = "Orvella Corvane"
@@ -14,12 +15,20 @@ class WindowTest(WineTest):
     """Base of the test cases on the main window."""
 
     window = None
+    tray_runs = False
 
     def open_window(self, *arguments, **options):
-        """Starts the program and waits until its main window has the keys."""
+        """Starts the program and waits until its main window has the keys. There is a tray, as Windows always has one; Wine
+        would open a window for the icon otherwise."""
+        if not self.tray_runs:
+            Program.start_tray(self.wine)
+            self.tray_runs = True
         self.window = self.nicx(*arguments, title=TITLE, **options)
         self.window.expect_window(TITLE)
-        self.window.settle()
+        # Wine's desktop takes the foreground from the program when it shows the icon; a click brings it back.
+        self.window.patiently(self.window.tray_place, "the icon in the tray")
+        self.window.label("Network Connection Details").click()
+        self.window.expect_window(TITLE)
         return self.window
 
     def end_window(self):
@@ -70,9 +79,12 @@ class WindowTest(WineTest):
                 raise NotNow(f"different are {different}")
         self.window.patiently(look, f"the facts {wanted}")
 
-    def list_of(self, title):
-        """One of the lists of addresses, whose first header begins with this."""
-        return self.window.table(title)
+    def expect_list(self, name, *rows):
+        """Waits until one of the lists of addresses has these rows; its header counts them."""
+        table = self.window.table(name)
+        table.expect(rows=list(rows))
+        self.assertEqual(table.headers[0], f"{name} ({len(rows)})")
+        return table
 
     # --- the panel for another MAC address -----------------------------------------------------------------------
 

@@ -4,9 +4,9 @@
 #include <cstddef>
 
 #include <wx/access.h>
-#include <wx/panel.h>
 
 #include "platform/windows/Windows.h"
+#include "ui/windows/Ground.h"
 #include "ui/windows/Input.h"
 
 namespace corvane {
@@ -32,10 +32,10 @@ class NamedAccessible : public wxAccessible {
 }  // namespace
 
 // A frame has the colour of a workspace, and is none of the windows that the Tab key goes round in.
-wxWindow* MakeGround(wxFrame* frame) { return new wxPanel(frame); }
+wxWindow* MakeGround(wxFrame* frame) { return new Ground(frame); }
 
-// The system's dialogue manager moves the focus from a label's mnemonic to the control that follows the label
-// in the tab order.
+// The ground of a frame, and in a dialogue the system, move the focus to the control that was made right
+// after the label.
 void FocusByMnemonic(wxWindow*) {}
 
 void LabelFor(const wxStaticText* label, wxWindow* control) {

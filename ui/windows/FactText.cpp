@@ -22,6 +22,10 @@ class BoxFactText : public wxTextCtrl, public FactText {
         SetBackgroundColour(parent->GetBackgroundColour());
         SetAccessibleName(this, Wx(name));
         SetMinSize(wxSize(GetCharWidth() * kLeastCharacters, GetCharHeight() + 2));
+        Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+            event.Skip();
+            UpdateTip();
+        });
     }
 
     [[nodiscard]] wxWindow* Window() override { return this; }
@@ -31,12 +35,25 @@ class BoxFactText : public wxTextCtrl, public FactText {
         // A text that stays the same keeps what the user has selected of it.
         if (GetValue() == value) return;
         ChangeValue(value);
-        SetToolTip(value);
+        UpdateTip();
     }
 
     [[nodiscard]] bool AcceptsFocusFromKeyboard() const override { return true; }
     /// Its text is as wide as it comes: the layout decides.
     [[nodiscard]] wxSize DoGetBestSize() const override { return GetMinSize(); }
+
+ private:
+    /// The tip has what does not fit.
+    void UpdateTip() {
+        const wxString text = GetValue();
+        const wxString tip = GetTextExtent(text).x > GetClientSize().x ? text : wxString();
+        if (GetToolTipText() == tip) return;
+        if (tip.empty()) {
+            UnsetToolTip();
+        } else {
+            SetToolTip(tip);
+        }
+    }
 };
 
 }  // namespace

@@ -36,23 +36,28 @@ class ListViewRowList : public wxListCtrl, public RowList {
     [[nodiscard]] wxString OnGetItemText(long row, long column) const override;
     [[nodiscard]] int OnGetItemImage(long row) const override;
     void BindEvents();
+    /// Tells the control how many rows there are.
+    void ShowCount(std::size_t rows);
     void Select(long row);
     /// A selected row stays selected, wherever the user clicks.
     void KeepSelection();
+    /// The last column takes the room that the others leave.
+    void WidenLastColumn();
     /// Makes the drawing of an icon known to the control.
     void AddIcon(const std::string& name);
 
     std::vector<ListRow> rows_;
     std::vector<std::string> icons_;  ///< In the order of the control's images.
     std::optional<std::size_t> selected_;
+    int lastColumnCharacters_;  ///< The least that it has room for.
     bool quiet_ = false;
-    bool appended_ = false;  ///< The last row is AppendRow's.
 };
 
 ListViewRowList::ListViewRowList(wxWindow* parent, const std::string& name,
                                  const std::vector<ListColumn>& columns)
     : wxListCtrl(parent, wxID_ANY, wxDefaultPosition, wxSize(200, 100),
-                 wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL) {
+                 wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL),
+      lastColumnCharacters_(columns.back().widthInCharacters) {
     // Columns stay in their order, as they are titled for.
     ListView_SetExtendedListViewStyleEx(GetHWND(), LVS_EX_HEADERDRAGDROP, 0);
     for (const ListColumn& column : columns) {
@@ -66,6 +71,10 @@ void ListViewRowList::BindEvents() {
     Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
         if (OnFocus) OnFocus();
+    });
+    Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        event.Skip();
+        WidenLastColumn();
     });
     Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent& event) {
         event.Skip();
@@ -96,28 +105,31 @@ int ListViewRowList::OnGetItemImage(long row) const {
 }
 
 void ListViewRowList::SetRows(std::vector<ListRow> rows) {
-    appended_ = false;
     const std::size_t before = rows_.size();
+    // The control may ask for the texts of its rows at any moment, so it never has more of them than there
+    // are.
+    if (rows.size() < before) ShowCount(rows.size());
     std::swap(rows_, rows);
+    if (rows_.size() > before) ShowCount(rows_.size());
     for (const ListRow& row : rows_) AddIcon(row.icon);
-    if (rows_.size() != before) {
-        quiet_ = true;
-        SetItemCount(static_cast<long>(rows_.size()));
-        quiet_ = false;
-    }
-    // What lies below the last row is not asked for, and so not painted by the control itself.
+    // What lies below the last row is no row's, and so not painted by asking for rows.
     if (rows_.size() < before) Refresh();
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         if (i >= before || !(rows[i] == rows_[i])) RefreshItem(static_cast<long>(i));
     }
 }
 
+void ListViewRowList::ShowCount(std::size_t rows) {
+    quiet_ = true;
+    SetItemCount(static_cast<long>(rows));
+    quiet_ = false;
+}
+
 void ListViewRowList::AppendRow(ListRow row) {
     AddIcon(row.icon);
     rows_.push_back(std::move(row));
-    SetItemCount(static_cast<long>(rows_.size()));
+    ShowCount(rows_.size());
     RefreshItem(static_cast<long>(rows_.size()) - 1);
-    appended_ = true;
 }
 
 void ListViewRowList::SetText(std::size_t row, std::size_t column, const std::string& text) {
@@ -174,6 +186,14 @@ std::optional<std::size_t> ListViewRowList::SelectedRow() const {
 void ListViewRowList::SetVisibleRows(int rows) {
     const DWORD size = ListView_ApproximateViewRect(GetHWND(), -1, -1, rows);
     SetMinSize(wxSize(-1, HIWORD(size) + GetSize().y - GetClientSize().y));
+}
+
+void ListViewRowList::WidenLastColumn() {
+    const int last = GetColumnCount() - 1;
+    int room = GetClientSize().x;
+    for (int column = 0; column < last; ++column) room -= GetColumnWidth(column);
+    const int least = (lastColumnCharacters_ + 2) * GetCharWidth();
+    if (const int width = std::max(room, least); GetColumnWidth(last) != width) SetColumnWidth(last, width);
 }
 
 void ListViewRowList::AddIcon(const std::string& name) {

@@ -71,11 +71,13 @@ class FormTrayIcon : public TrayIcon {
     void ShowMenu() {
         const std::unique_ptr<wxMenu> menu(events_.makeMenu());
         const HWND form = form_->GetHWND();
+        const HWND before = GetForegroundWindow();
         // Otherwise the menu would stay open when the user clicks elsewhere; the message makes the switch
         // take effect (see TrackPopupMenu).
         SetForegroundWindow(form);
         form_->PopupMenu(menu.get());
         PostMessageW(form, WM_NULL, 0, 0);
+        if (GetForegroundWindow() == form && before != nullptr) SetForegroundWindow(before);
     }
 
     const wxWindow& window_;
