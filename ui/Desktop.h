@@ -10,8 +10,8 @@
 /// What the toolkit leaves to the desktop's own library. Defined once per desktop (ui/gtk, ui/windows).
 namespace corvane {
 
-/// What the controls of a frame window lie on and the Tab key goes round in: the frame itself, or a panel that
-/// fills it. To be called once, before anything else is put into the frame.
+/// What the controls of a frame window lie on and the Tab key goes round in: the frame itself, or a panel
+/// that fills it. To be called once, before anything else is put into the frame.
 wxWindow* MakeGround(wxFrame* frame);
 
 /// Ties a label to the control that was made right after it: Alt and the label's mnemonic move the focus
@@ -25,7 +25,12 @@ void FocusByMnemonic(wxWindow* control);
 /// Names a control that has no label of its own for those who cannot see it.
 void SetAccessibleName(wxWindow* control, const wxString& name);
 
-/// Leaves of a text box only its text: what it lies on draws the frame. Its size follows its text size.
+/// Height of a text box of one line in its present font, frame included. `best` is what the toolkit would
+/// give it.
+int TextBoxHeight(const wxWindow& box, int best);
+
+/// Leaves of a text box only its text: what it lies on draws the frame. Its size follows its text size; where
+/// the text would not stand in the middle of a higher box, the box gets a largest height.
 void DropFrame(wxWindow* box);
 
 /// Gives a scrolling control plain scroll bars, which take room only when they are needed. Those that fade in

@@ -1,5 +1,6 @@
 #include "ui/IPAddress.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <wx/dcclient.h>
@@ -74,7 +75,8 @@ void IPAddress::LayBoxes() {
     int height = 0;
     for (wxTextCtrl* const box : text1_) {
         const wxSize size = box->GetMinSize();
-        box->SetSize(x, padding / 2, size.x, size.y);
+        const int own = box->GetMaxHeight() > 0 ? std::min(box->GetMaxHeight(), size.y) : size.y;
+        box->SetSize(x, padding / 2 + (size.y - own) / 2, size.x, own);
         x += size.x + dot;
         height = size.y;
     }

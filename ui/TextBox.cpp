@@ -1,24 +1,19 @@
 #include "ui/TextBox.h"
 
-#include <algorithm>
-
 #include <wx/clipbrd.h>
 #include <wx/textctrl.h>
 
+#include "ui/Desktop.h"
 #include "ui/WxText.h"
 
 namespace corvane {
 
 namespace {
 
-/// Room above and below the text, frame included, in pixels at the normal scale.
-constexpr int kMargins = 10;
-
 void SetRoom(wxTextCtrl& box, int characters) {
     const wxString widest('M', static_cast<std::size_t>(characters));
-    wxSize size =
-        characters == 0 ? box.GetBestSize() : box.GetSizeFromTextSize(box.GetTextExtent(widest).x);
-    size.y = std::max(size.y, box.GetCharHeight() + box.FromDIP(kMargins));
+    wxSize size = characters == 0 ? box.GetBestSize() : box.GetSizeFromTextSize(box.GetTextExtent(widest).x);
+    size.y = TextBoxHeight(box, size.y);
     box.SetInitialSize(size);
 }
 

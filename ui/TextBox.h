@@ -10,8 +10,7 @@ class wxWindow;
 /// What the small entry boxes have in common.
 namespace corvane {
 
-/// A box of one line that has room for `characters` of its widest; 0 for the toolkit's width. The toolkit
-/// itself makes it too low for large fonts.
+/// A box of one line that has room for `characters` of its widest; 0 for the toolkit's width.
 wxTextCtrl* MakeTextBox(wxWindow* parent, int characters, long style = 0);
 
 /// A box that holds `digits` characters, in a font of equal widths.

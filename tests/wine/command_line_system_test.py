@@ -1,5 +1,5 @@
-"""The command line of nicx.exe and the system around it: disabling and restarting by the shell, its data files, where the
-program lies and how it is called."""
+"""The command line of nicx.exe and the system around it: disabling and restarting by the shell, its data files, where
+the program lies and how it is called."""
 
 import pathlib
 import time
@@ -96,8 +96,8 @@ class Connections(CommandLine):
         folders = dialog.control(("listbox",), None)
         self.assertEqual(folders.choices, ["Fonts", "Netzwerkverbindungen"])
         self.assertEqual(dialog.text.replace("\n", " "), "Please Manually Select 'Network Connections' or 'Network and "
-                         "dial-up connections' Folder From The List Below. Orvella Corvane Will Remember The Folder You "
-                         "Selected. Control Pannel Folders")
+                         "dial-up connections' Folder From The List Below. Orvella Corvane Will Remember The Folder "
+                         "You Selected. Control Pannel Folders")
         folders.click()
         program.press("Home", "Down")
         folders.expect(choice=1)

@@ -1,6 +1,6 @@
 """The machine as Windows would describe it. What nicx.exe finds in the registry of a test's prefix is what plug and
-play writes there on Windows, made from the links of the test's network namespace; the folder of network connections, which
-Wine has not, is testshell.dll (tests/wine/shell).
+play writes there on Windows, made from the links of the test's network namespace; the folder of network connections,
+which Wine has not, is testshell.dll (tests/wine/shell).
 
     class Cases(WineTest):
         def test_something(self):

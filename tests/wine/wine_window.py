@@ -4,11 +4,16 @@ from machine import WineTest
 from parts import ENTRIES, TEXTS
 from programs import Program
 from waiting import NotNow
+from world import ip
 
 TITLE = "Orvella Corvane"
 LIST = "Network Connections"
-LISTS = ("IP Address", "Gateway", "DNS Server")
 OCTETS = 6
+OWN, OWN_TEXT = "02:00:00:00:10:01", "02-00-00-00-10-01"
+SECOND, SECOND_TEXT = "02:00:00:00:10:02", "02-00-00-00-10-02"
+NEW, NEW_TEXT, TYPED = "00:0c:29:4f:8e:35", "00-0C-29-4F-8E-35", "000c294f8e35"
+OFFICE = ("Office", 2 | 8 | 16 | 32, NEW_TEXT, ["10.1.0.5", "10.2.0.5"], ["255.255.255.0", "255.255.0.0"],
+          ["10.1.0.1"], ["20"], ["10.1.0.53", "9.9.9.9"])
 
 
 class WindowTest(WineTest):
@@ -18,8 +23,8 @@ class WindowTest(WineTest):
     tray_runs = False
 
     def open_window(self, *arguments, **options):
-        """Starts the program and waits until its main window has the keys. There is a tray, as Windows always has one; Wine
-        would open a window for the icon otherwise."""
+        """Starts the program and waits until its main window has the keys. There is a tray, as Windows always has one;
+        Wine would open a window for the icon otherwise."""
         if not self.tray_runs:
             Program.start_tray(self.wine)
             self.tray_runs = True
@@ -99,4 +104,21 @@ class WindowTest(WineTest):
 
     @property
     def octets(self):
-        return [self.octet(number).text for number in range(OCTETS)]
+        facts = self.facts
+        return [facts[f"MAC address, octet {number + 1} of {OCTETS}"] for number in range(OCTETS)]
+
+
+class TwoConnectionsTest(WindowTest):
+    """Base of the test cases on a machine with two connections, lan0 and lan1."""
+
+    def setUp(self):
+        super().setUp()
+        self.veth("lan0", "10.1.0.2/24", mac=OWN)
+        self.veth("lan1", "10.2.0.2/16", mac=SECOND)
+        ip("route", "add", "default", "via", "10.1.0.1", "metric", "5")
+        self.describe_links()
+        self.describe_shell()
+
+    def choose_item(self, menu, name):
+        self.window.press({"Connection": "alt+c", "TCP/IP": "alt+t", "Presets": "alt+s"}[menu])
+        self.window.popup().click(name)

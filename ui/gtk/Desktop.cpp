@@ -1,5 +1,6 @@
 #include "ui/Desktop.h"
 
+#include <algorithm>
 #include <string>
 
 #include <atk/atk.h>
@@ -80,6 +81,12 @@ void LabelFor(const wxStaticText* label, wxWindow* control) {
 void SetAccessibleName(wxWindow* control, const wxString& name) {
     const std::string text = Utf8(name);
     atk_object_set_name(gtk_widget_get_accessible(FocusWidget(control)), text.c_str());
+}
+
+int TextBoxHeight(const wxWindow& box, int best) {
+    // The toolkit makes it too low for large fonts.
+    static constexpr int kMargins = 10;
+    return std::max(best, box.GetCharHeight() + box.FromDIP(kMargins));
 }
 
 void DropFrame(wxWindow* box) {

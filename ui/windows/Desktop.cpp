@@ -51,8 +51,15 @@ void SetAccessibleName(wxWindow* control, const wxString& name) {
     accessible->SetName(name);
 }
 
+int TextBoxHeight(const wxWindow& box, int best) {
+    // The system puts the text at the top of a box, so one with a frame is as high as the text needs.
+    static constexpr int kMargins = 6;
+    return box.HasFlag(wxBORDER_NONE) ? box.GetCharHeight() + box.FromDIP(kMargins) : best;
+}
+
 void DropFrame(wxWindow* box) {
     box->SetWindowStyle((box->GetWindowStyle() & ~wxBORDER_MASK) | wxBORDER_NONE);
+    box->SetMaxSize(wxSize(-1, box->GetCharHeight()));
 }
 
 // The system has no others.
