@@ -49,6 +49,9 @@ bool GivesCommand(const wxKeyEvent& key);
 BoxAnswer ShowMessageBox(wxWindow* parent, const wxString& title, const wxString& text, BoxIcon icon,
                          BoxButtons buttons);
 
+/// Paints what is due and lets timers run; keys, clicks and everything else wait, in their order.
+void LetWindowsPaint();
+
 /// While one lives, no key, click or scroll reaches any window, and those that come are dropped; windows go
 /// on painting. More than one may live at a time.
 class InputHold {

@@ -18,19 +18,6 @@ namespace {
 /// The first line of a text.
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find_first_of("\r\n")); }
 
-/// Paints and lets timers run.
-void RunPaintEvents() {
-    static constexpr long kPainting = wxEVT_CATEGORY_UI | wxEVT_CATEGORY_TIMER;
-    if (wxEventLoopBase* const active = wxEventLoopBase::GetActive()) {
-        active->YieldFor(kPainting);
-        return;
-    }
-    // Before the main loop runs.
-    wxGUIEventLoop loop;
-    const wxEventLoopActivator activate(&loop);
-    loop.YieldFor(kPainting);
-}
-
 }  // namespace
 
 WindowSeat::WindowSeat() = default;
@@ -90,7 +77,7 @@ void WindowSeat::ShowSplash() {
     static constexpr auto kPatience = std::chrono::milliseconds(100);
     Splash().Show();
     const auto deadline = std::chrono::steady_clock::now() + kPatience;
-    while (!Splash().Painted() && std::chrono::steady_clock::now() < deadline) RunPaintEvents();
+    while (!Splash().Painted() && std::chrono::steady_clock::now() < deadline) LetWindowsPaint();
 }
 void WindowSeat::SplashSystem(const std::string& text) { Splash().SetSystem(Wx(text)); }
 void WindowSeat::SplashStatus(const std::string& text) {
@@ -115,7 +102,7 @@ void WindowSeat::LetEventsRun() {
         splashChanged_ = false;
         splash_->Update();
     }
-    RunPaintEvents();
+    LetWindowsPaint();
 }
 
 void WindowSeat::Refresh() {

@@ -209,9 +209,19 @@ std::error_code Replace(const std::string& path, std::string_view contents) {
     return {};
 }
 
-std::error_code Read(const std::string& path, std::string& contents, std::uintmax_t atMost) {
+int OpenToRead(const std::string& path) {
+    static constexpr int kFlags = O_RDONLY | O_CLOEXEC;
     // Without O_NONBLOCK opening a pipe would wait for its other end.
-    const OpenFile file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const int descriptor = open(path.c_str(), kFlags | O_NONBLOCK);
+    struct stat status {};
+    if (descriptor >= 0 || errno != EWOULDBLOCK) return descriptor;
+    // Somebody has a lease on the file (fcntl(2)), such as a file server, and is asked to give it back.
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return -1;
+    return open(path.c_str(), kFlags);
+}
+
+std::error_code Read(const std::string& path, std::string& contents, std::uintmax_t atMost) {
+    const OpenFile file(OpenToRead(path));
     struct stat status {};
     if (!file.IsOpen() || fstat(file.Get(), &status) != 0) return LastError();
     if (S_ISDIR(status.st_mode)) return FromNumber(EISDIR);

@@ -105,6 +105,28 @@ TEST(ReadFileContents, PipeIsRefusedWithoutWaitingForItsOtherEnd) {
     EXPECT_EQ(ReadFileContents(folder / "pipe", contents).value(), EINVAL);
 }
 
+TEST(ReadFileContents, FileUnderALeaseIsReadWhenItsHolderGivesItBack) {
+    const TempFolder folder;
+    WriteBytes(folder / "file", "abc");
+    const int holder = open((folder / "file").c_str(), O_RDWR | O_CLOEXEC);
+    // The signal that asks for the lease waits until it is asked after.
+    sigset_t asked;
+    sigemptyset(&asked);
+    sigaddset(&asked, SIGIO);
+    ASSERT_EQ(pthread_sigmask(SIG_BLOCK, &asked, nullptr), 0);
+    ASSERT_EQ(fcntl(holder, F_SETLEASE, F_WRLCK), 0);
+    std::string contents;
+    std::error_code code;
+    std::thread reader([&] { code = ReadFileContents(folder / "file", contents); });
+    int signalNumber = 0;
+    EXPECT_EQ(sigwait(&asked, &signalNumber), 0);
+    EXPECT_EQ(fcntl(holder, F_SETLEASE, F_UNLCK), 0);
+    reader.join();
+    close(holder);
+    EXPECT_EQ(code.value(), 0);
+    EXPECT_EQ(contents, "abc");
+}
+
 TEST(ReadFileContents, EndlessDeviceIsRefused) {
     std::string contents;
     EXPECT_EQ(ReadFileContents("/dev/zero", contents).value(), EINVAL);

@@ -54,6 +54,8 @@ class Refusals(CommandLine):
         self.run_with(["-re", "-di"], code=2)
 
     def test_a_connection_that_is_not_there(self):
+        # The first run notes the original address.
+        self.run_with(["-n", "wlan", "-s"], code=3)
         before = self.stored()
         box = ("NIC Not Found- Orvella Corvane v4", "ERROR! Network connection 'wlan' was not found.", "error")
         self.run_with(["-n", "wlan", "-m", NEW], box, code=3)

@@ -201,9 +201,12 @@ class Program(Part):
 
     @staticmethod
     def start_tray(wine):
-        """Starts what shows tray icons; Wine puts those of its programs there when it is there before they are."""
+        """Starts what shows tray icons; Wine puts those of its programs there when it is there before they are. Its size
+        and place are fixed: Wine does not always notice that an icon moves with it, and takes a click on the icon for
+        one on the desktop then."""
         tray = subprocess.Popen(
-            ["trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request", "--height", "32"],
+            ["trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "120",
+             "--heighttype", "pixel", "--height", "32"],
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, preexec_fn=end_with_parent)
         wine.test.addCleanup(tray.wait)
         wine.test.addCleanup(tray.kill)

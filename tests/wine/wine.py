@@ -18,7 +18,7 @@ import tempfile
 import threading
 
 HERE = pathlib.Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE.parent / "gui"), str(HERE.parent / "netns")]
+sys.path += [str(HERE.parent / "gui"), str(HERE.parent / "netns")]
 
 from waiting import NotNow, end_with_parent, patiently
 

@@ -5,6 +5,7 @@
 
 #include <atk/atk.h>
 #include <gtk/gtk.h>
+#include <wx/evtloop.h>
 #include <wx/msgdlg.h>
 
 #include "ui/WxText.h"
@@ -117,6 +118,18 @@ BoxAnswer ShowMessageBox(wxWindow* parent, const wxString& title, const wxString
     wxMessageDialog box(parent, text, title, BoxStyle(icon, buttons));
     if (buttons == BoxButtons::kYesNoCancel) box.SetYesNoCancelLabels("&Yes", "&No", "&Cancel");
     return Answer(box.ShowModal());
+}
+
+void LetWindowsPaint() {
+    static constexpr long kPainting = wxEVT_CATEGORY_UI | wxEVT_CATEGORY_TIMER;
+    if (wxEventLoopBase* const active = wxEventLoopBase::GetActive()) {
+        active->YieldFor(kPainting);
+        return;
+    }
+    // Before the main loop runs.
+    wxGUIEventLoop loop;
+    const wxEventLoopActivator activate(&loop);
+    loop.YieldFor(kPainting);
 }
 
 InputHold::InputHold() {

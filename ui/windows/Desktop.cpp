@@ -107,6 +107,20 @@ BoxAnswer ShowMessageBox(wxWindow* parent, const wxString& title, const wxString
     }
 }
 
+void LetWindowsPaint() {
+    // The toolkit's own way takes all other messages out of the queue and puts them back without their
+    // windows, so that keys are lost. A window that is never done with its painting is not waited for.
+    static constexpr int kMostMessages = 200;
+    MSG message;
+    for (int i = 0; i < kMostMessages; ++i) {
+        if (PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE) == 0 &&
+            PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE) == 0) {
+            return;
+        }
+        DispatchMessageW(&message);
+    }
+}
+
 namespace {
 
 /// The hooks of all holds: the first one sets them, the last one takes them away.
