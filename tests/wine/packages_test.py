@@ -6,7 +6,6 @@ import pathlib
 import re
 import shutil
 import struct
-import subprocess
 import sys
 import tempfile
 import unittest

@@ -247,4 +247,7 @@ class Box(Part):
             self.program.press(button.mnemonic)
         else:
             button.click()
+            # Now and then Wine takes no notice of a click on a window that has just come up.
+            if not self.program.is_gone(handle):
+                button.click()
         self.program.expect_gone(handle, self.what)

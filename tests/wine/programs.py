@@ -21,6 +21,8 @@ from waiting import PASSING, SECONDS, NotNow, end_with_parent, patiently
 DOUBLE_CLICK_SECONDS = 0.6
 # Wine itself may take its time to begin.
 START_SECONDS = 60
+# What a window needs to go, on a machine with much else to do.
+GOING_SECONDS = 5
 
 
 class Program(Part):
@@ -89,12 +91,20 @@ class Program(Part):
                 raise NotNow(f"the windows are {found}")
         self.patiently(look, f"the windows {titles}")
 
-    def expect_gone(self, handle, what):
+    def expect_gone(self, handle, what, seconds=SECONDS):
         def look():
             if self.process.poll() is None and any(node.handle == handle for node in self.snapshot()):
                 raise NotNow("it is still there")
-        patiently(look, f"the end of {what}")
+        patiently(look, f"the end of {what}", seconds)
         self.settle()
+
+    def is_gone(self, handle):
+        """Whether a window goes soon."""
+        try:
+            self.expect_gone(handle, "the window", GOING_SECONDS)
+            return True
+        except AssertionError:
+            return False
 
     def popup(self):
         """The pop-up menu that is open."""
