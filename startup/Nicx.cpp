@@ -33,8 +33,8 @@ bool IsSet(const char* variable) {
     return value != nullptr && *value != '\0';
 }
 
-/// Whether nobody would read what is printed, as when a desktop's menu started the program: there is a display
-/// and no terminal that controls the process.
+/// Whether nobody would read what is printed, as when a desktop's menu started the program: there is a
+/// display and no terminal that controls the process.
 bool HelpBelongsInAWindow() {
     if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) return false;
     const int terminal = open("/dev/tty", O_RDWR | O_CLOEXEC);

@@ -1,7 +1,6 @@
 #include <string>
 
 #include <wx/init.h>
-#include <wx/log.h>
 #include <wx/msw/wrapwin.h>
 
 #include "platform/Text.h"
@@ -23,31 +22,11 @@ void OnToolkitAssert(const wxString& file, int line, const wxString& function, c
     TellDebugger(words);
 }
 
-/// The toolkit, as long as it lives.
-class Toolkit {
- public:
-    Toolkit(HINSTANCE instance, int show) {
-        const wxLogNull silent;
-        // The arguments are the program's own: the toolkit sees none of them.
-        started_ = wxEntryStart(instance, nullptr, nullptr, show);
-    }
-    ~Toolkit() {
-        if (started_) wxEntryCleanup();
-    }
-    Toolkit(const Toolkit&) = delete;
-    Toolkit& operator=(const Toolkit&) = delete;
-
-    [[nodiscard]] bool Started() const { return started_; }
-
- private:
-    bool started_ = false;
-};
-
 int Run(HINSTANCE instance, int show) {
     wxSetAssertHandler(OnToolkitAssert);
     auto* const app = new WindowApp(Join(ProgramArguments(), " "));
     wxApp::SetInstance(app);
-    const Toolkit toolkit(instance, show);
+    const Toolkit toolkit([&] { return wxEntryStart(instance, nullptr, nullptr, show); });
     if (!toolkit.Started()) {
         MessageBoxW(nullptr, L"The window library could not be started.", L"Orvella Corvane", MB_ICONERROR);
         return kExitRunTimeError;

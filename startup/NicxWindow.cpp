@@ -4,7 +4,6 @@
 #include <vector>
 
 #include <wx/init.h>
-#include <wx/log.h>
 
 #include "platform/Text.h"
 #include "startup/Startup.h"
@@ -39,34 +38,14 @@ void OnToolkitAssert(const wxString& file, int line, const wxString& function, c
               << Utf8(condition) << ' ' << Utf8(message) << '\n';
 }
 
-/// The toolkit, as long as it lives.
-class Toolkit {
- public:
-    explicit Toolkit(char** arguments) {
-        const wxLogNull silent;
-        // The arguments are the program's own: the toolkit sees none of them.
-        started_ = wxEntryStart(count_, arguments);
-    }
-    ~Toolkit() {
-        if (started_) wxEntryCleanup();
-    }
-    Toolkit(const Toolkit&) = delete;
-    Toolkit& operator=(const Toolkit&) = delete;
-
-    [[nodiscard]] bool Started() const { return started_; }
-
- private:
-    int count_ = 1;
-    bool started_ = false;
-};
-
 int Run(int count, char** arguments) {
     const std::string text = Join(std::vector<std::string>(arguments + 1, arguments + count), " ");
     ShareHeap();
     wxSetAssertHandler(OnToolkitAssert);
     auto* const app = new WindowApp(text);
     wxApp::SetInstance(app);
-    const Toolkit toolkit(arguments);
+    int nameAlone = 1;
+    const Toolkit toolkit([&] { return wxEntryStart(nameAlone, arguments); });
     if (!toolkit.Started()) {
         SayNoDisplay();
         return kExitRunTimeError;

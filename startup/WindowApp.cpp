@@ -3,6 +3,9 @@
 #include <memory>
 #include <utility>
 
+#include <wx/init.h>
+#include <wx/log.h>
+
 #include "platform/Platform.h"
 #include "startup/Startup.h"
 #include "ui/WindowSeat.h"
@@ -10,6 +13,22 @@
 #include "ui/frmMain.h"
 
 namespace corvane {
+
+namespace {
+
+/// Starts the toolkit without its complaints: the program tells of a failure in its own words.
+bool StartSilently(const std::function<bool()>& start) {
+    const wxLogNull silent;
+    return start();
+}
+
+}  // namespace
+
+Toolkit::Toolkit(const std::function<bool()>& start) : started_(StartSilently(start)) {}
+
+Toolkit::~Toolkit() {
+    if (started_) wxEntryCleanup();
+}
 
 bool WindowApp::OnInit() {
     // No window here waits for idle moments; asking each of them costs time at every event.

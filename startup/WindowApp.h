@@ -1,12 +1,29 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 
 #include <wx/app.h>
 
-/// The toolkit's application of the window program.
+/// What the window programs of all systems share: the toolkit and its application.
 namespace corvane {
+
+/// The toolkit, as long as it lives.
+class Toolkit {
+ public:
+    /// `start` is the system's way to start it. The program's arguments are its own: the toolkit is to see
+    /// none of them.
+    explicit Toolkit(const std::function<bool()>& start);
+    ~Toolkit();
+    Toolkit(const Toolkit&) = delete;
+    Toolkit& operator=(const Toolkit&) = delete;
+
+    [[nodiscard]] bool Started() const { return started_; }
+
+ private:
+    bool started_;
+};
 
 /// Runs the start-up routine for an argument text and, when it has loaded the main window, the event loop. To
 /// be run on the installed platform; brings the seat itself.
