@@ -13,7 +13,6 @@ foreach(tool IN ITEMS rsvg-convert:librsvg2-bin icotool:icoutils)
     endif()
 endforeach()
 
-enable_language(RC)
 set(resources ${CMAKE_CURRENT_BINARY_DIR}/resources)
 set(drawing ${CMAKE_SOURCE_DIR}/ui/icons/app.svg)
 set(icon ${resources}/nicx.ico)

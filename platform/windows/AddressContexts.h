@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "platform/Platform.h"
@@ -29,10 +30,10 @@ class AddressContexts {
     void Made(std::uint32_t context) { standIns_.erase(context); }
 
  private:
-    [[nodiscard]] bool IsContext(std::uint32_t number) const;
-
     std::map<Address, std::uint32_t> contexts_;
-    std::map<std::uint32_t, std::uint32_t> standIns_;  ///< Word to context.
+    std::set<std::uint32_t> numbers_;                  ///< All contexts.
+    std::map<std::uint32_t, std::uint16_t> words_;     ///< Context to the word that stands for it.
+    std::map<std::uint32_t, std::uint32_t> standIns_;  ///< And back.
     std::uint16_t latest_ = 0;
 };
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "platform/Text.h"
+#include "platform/windows/SystemMessage.h"
 #include "platform/windows/WideText.h"
 
 namespace corvane {
@@ -44,10 +44,8 @@ std::string Description(HRESULT code) {
     Bstr said;
     if (GetErrorInfo(0, &info) == S_OK && SUCCEEDED(info->GetDescription(said.Out())) && !said.Text().empty())
         return said.Text();
-    wchar_t text[1000];
-    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                                        static_cast<DWORD>(code), 0, text, std::size(text), nullptr);
-    if (length > 0) return Trim(Without(Without(Narrow({text, length}), '\r'), '\n'));
+    const std::string system = SystemMessageLine(static_cast<std::uint32_t>(code));
+    if (!system.empty()) return system;
     char number[32];
     std::snprintf(number, sizeof number, "error 0x%08lX", static_cast<unsigned long>(code));
     return number;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/Text.h"
+#include "platform/windows/SystemMessage.h"
 #include "platform/windows/SystemTables.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/Windows.h"
@@ -110,11 +110,6 @@ Win32Error WindowsIpHelper::IpRenewAddress(const InterfaceEntry& entry) {
     return FromSystem(::IpRenewAddress(&system));
 }
 
-std::string WindowsIpHelper::SystemText(Win32Error code) {
-    char text[1000];
-    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                                        Number(code), 0, text, sizeof text, nullptr);
-    return FromCodePage({text, length});
-}
+std::string WindowsIpHelper::SystemText(Win32Error code) { return SystemMessage(Number(code)); }
 
 }  // namespace corvane

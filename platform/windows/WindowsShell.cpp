@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/Text.h"
+#include "platform/windows/SystemMessage.h"
 
 namespace corvane {
 
@@ -35,11 +36,8 @@ std::vector<std::string> Names(const std::vector<ShellVerb>& verbs) {
 }
 
 /// ShellExecuteA's answers up to 32 are error codes of their own (shellapi.h); they have the system's texts.
-std::string SystemText(DWORD code) {
-    char text[1000];
-    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                                        code, 0, text, sizeof text, nullptr);
-    const std::string said = Trim(Without(Without(FromCodePage({text, length}), '\r'), '\n'));
+std::string FailureOf(std::uint32_t code) {
+    const std::string said = SystemMessageLine(code);
     return said.empty() ? "error " + std::to_string(code) : said;
 }
 
@@ -105,7 +103,7 @@ bool WindowsShell::OpenDocument(const std::string& target, std::string& failure)
     const auto code = static_cast<DWORD>(reinterpret_cast<INT_PTR>(answer));
     static constexpr DWORD kLastFailure = 32;
     if (code > kLastFailure) return true;
-    failure = SystemText(code);
+    failure = FailureOf(code);
     return false;
 }
 
