@@ -6,7 +6,6 @@ those of the day and the machine.
 """
 
 import math
-import os
 import pathlib
 import signal
 import shutil
@@ -24,19 +23,15 @@ sys.path[:0] = [str(ROOT / "tests/netns"), str(ROOT / "tests/gui")]
 from Xlib import X, error
 
 import desktop as gui
+import pictures as album
+from pictures import DESKTOP_COLOUR, MARGIN, NOWHERE
 from world import BIN, FAR, DhcpServer, World, end_with_parent, ip, wait_for
 
 TITLE = "Orvella Corvane"
 LOADING = "Orvella Corvane - Loading"
-DESKTOP_COLOUR = 0x54687E
 SCREEN = 1280, 1024
-# Around what is shown of the desktop.
-MARGIN = 8
-# A corner where the pointer lights up nothing.
-NOWHERE = 1279, 0
 # The graph shows two minutes.
 GRAPH_SECONDS = 124
-LARGEST_FILE = 120_000
 
 TRAFFIC_PORT = 9
 PACKET = bytes(1400)
@@ -197,7 +192,7 @@ class Pictures(World):
         program.kill()
         program.wait()
         size, pixels = pictures[-1]
-        self.write("splash", "-size", size, "-depth", "8", "bgra:-", "-alpha", "off", pixels=pixels)
+        album.write(self.folder / "splash.png", "-size", size, "-depth", "8", "bgra:-", "-alpha", "off", pixels=pixels)
 
     def help_options(self):
         title = "Command Line Help - Orvella Corvane v4"
@@ -304,17 +299,7 @@ class Pictures(World):
     def keep(self, name, place):
         self.desktop.move(*NOWHERE)
         self.desktop.settle()
-        x, y, width, height = place
-        screen = subprocess.run(["import", "-silent", "-window", "root", "miff:-"], check=True, stdout=subprocess.PIPE)
-        self.write(name, "miff:-", "-crop", f"{width}x{height}+{x}+{y}", "+repage", pixels=screen.stdout)
-
-    def write(self, name, *source, pixels):
-        """Writes a picture with as few colours as look the same."""
-        path = self.folder / f"{name}.png"
-        subprocess.run(["convert", *source, "+dither", "-colors", "256", "-strip", "-define",
-                        "png:exclude-chunks=date,time", f"PNG8:{path}"], check=True, input=pixels)
-        self.assertLess(path.stat().st_size, LARGEST_FILE, f"{path} is too large")
-        print(f"{path.name}: {path.stat().st_size} bytes", flush=True)
+        album.keep(self.folder / f"{name}.png", place)
 
 
 if __name__ == "__main__":

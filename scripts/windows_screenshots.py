@@ -2,23 +2,18 @@
 tests/netns/sandbox and tests/gui/display, with the environment of the tests in tests/wine."""
 
 import pathlib
-import subprocess
 import sys
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path[:0] = [str(ROOT / "tests/wine")]
 
+from pictures import DESKTOP_COLOUR, MARGIN, NOWHERE, keep
 from programs import Program
 from wine import REG_SZ
-from wine_window import TITLE, WindowTest
+from wine_window import WindowTest
 from world import ip, preset_bytes
 
-DESKTOP_COLOUR = 0x54687E
-# A corner where the pointer lights up nothing.
-NOWHERE = 1279, 0
-MARGIN = 8
-LARGEST_FILE = 120_000
 HOME = ("Home", 1 | 2 | 4, "", ["0.0.0.0"], ["0.0.0.0"], [""], [""], [""])
 OFFICE = ("Office", 2 | 8 | 16 | 32, "8C-56-C5-FB-82-03", ["192.168.40.17"], ["255.255.255.0"], ["192.168.40.1"], ["10"],
           ["192.168.40.53", "192.168.40.54"])
@@ -73,13 +68,7 @@ class Pictures(WindowTest):
             window = parent
         x, y, width, height = self.window.screen.extents(window)
         x, y = max(0, x - MARGIN), max(0, y - MARGIN)
-        path = self.pictures / f"{name}.png"
-        pixels = subprocess.run(["import", "-silent", "-window", "root", "miff:-"], check=True, stdout=subprocess.PIPE)
-        subprocess.run(["convert", "miff:-", "-crop", f"{width + 2 * MARGIN}x{height + 2 * MARGIN}+{x}+{y}", "+repage",
-                        "+dither", "-colors", "256", "-strip", "-define", "png:exclude-chunks=date,time", f"PNG8:{path}"],
-                       check=True, input=pixels.stdout)
-        self.assertLess(path.stat().st_size, LARGEST_FILE, f"{path} is too large")
-        print(f"{path.name}: {path.stat().st_size} bytes", flush=True)
+        keep(self.pictures / f"{name}.png", (x, y, width + 2 * MARGIN, height + 2 * MARGIN))
 
 
 if __name__ == "__main__":

@@ -25,6 +25,7 @@ from gi.repository import Gio
 
 from controls import (ACTIVE, BUTTONS, LEAVES, MODAL, SHOWING, TABLES, VISIBLE, Control, MenuItem, Node, Part,
                       Table)
+from keyboard import Keyboard
 from screen import Screen
 from waiting import PASSING, SECONDS, NotNow, end_with_parent, patiently
 
@@ -284,7 +285,7 @@ class Application(Part):
         self.desktop.click(button)
 
 
-class Desktop:
+class Desktop(Keyboard):
     """The screen, keyboard and mouse of a test case, and the programs that it starts."""
 
     def __init__(self, test):
@@ -329,20 +330,6 @@ class Desktop:
             if not any(self.screen.pid(window) in pids for window in self.screen.active()):
                 raise NotNow("no window of the test's programs gets the keys")
         patiently(look, "a window to type to")
-
-    def press(self, *chords):
-        """Presses keys by their X names, such as "Tab", "alt+y" or "shift+F10", one chord after the other."""
-        for chord in chords:
-            self._expect_keys()
-            self.screen.press(chord)
-            self.settle()
-
-    def type(self, text):
-        """Types a text faster than any program follows; each key goes to what then has the focus."""
-        self._expect_keys()
-        for character in text:
-            self.screen.press(character)
-        self.settle()
 
     def move(self, x, y):
         self.screen.move(x, y)

@@ -10,6 +10,7 @@ from Xlib import X, display
 from Xlib.ext import xtest
 
 from controls import ACTIVE, SHOWING
+from facts import Facts
 from waiting import NotNow
 from window import TITLE, WindowTest
 from world import wait_for
@@ -72,7 +73,7 @@ def picture(window, x=0, y=0, width=None, height=None):
     return [(data[i + 2], data[i + 1], data[i]) for i in range(0, len(data), 4)]
 
 
-class MainWindowTest(WindowTest):
+class MainWindowTest(Facts, WindowTest):
     """Base of the test cases on the main window."""
 
     # --- what it shows -------------------------------------------------------------------------------------------
@@ -81,20 +82,6 @@ class MainWindowTest(WindowTest):
         # Caption and text have the same name, the text comes behind.
         return {node.name: node.text for node, role in self.window.root().walk()
                 if role == "label" and node.has(SHOWING)}
-
-    @property
-    def facts(self):
-        """All texts of the details and the status line, by accessible name."""
-        return self.window.patiently(self._facts, "the facts")
-
-    def expect_facts(self, wanted):
-        """Waits until the facts of these names have these texts."""
-        def look():
-            found = self._facts()
-            different = {name: found.get(name) for name, text in wanted.items() if found.get(name) != text}
-            if different:
-                raise NotNow(f"different are {different}")
-        self.window.patiently(look, f"the facts {wanted}")
 
     def expect_names(self, *names):
         """Waits until the list has the connections of these names, in this order."""

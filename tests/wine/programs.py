@@ -14,6 +14,7 @@ import sys
 import time
 
 from parts import MESSAGE_BOX, POPUP_MENU, Box, Menu, Node, Part
+from keyboard import Keyboard
 from screen import Screen
 from waiting import PASSING, SECONDS, NotNow, end_with_parent, patiently
 
@@ -25,7 +26,7 @@ START_SECONDS = 60
 GOING_SECONDS = 5
 
 
-class Program(Part):
+class Program(Keyboard, Part):
     """A running program; as a Part it is its main window, the one without an owner whose title is `title`."""
 
     def __init__(self, wine, path, *arguments, title=None, **options):
@@ -172,20 +173,6 @@ class Program(Part):
             if not any(self.screen.pid(window) == self.pid for window in self.screen.active()):
                 raise NotNow("no window of the program gets the keys")
         self.patiently(look, "a window to type to")
-
-    def press(self, *chords):
-        """Presses keys by their X names, such as "Tab", "alt+y" or "shift+F10", one chord after the other."""
-        for chord in chords:
-            self._expect_keys()
-            self.screen.press(chord)
-            self.settle()
-
-    def type(self, text):
-        """Types a text faster than any program follows."""
-        self._expect_keys()
-        for character in text:
-            self.screen.press(character)
-        self.settle()
 
     def click_at(self, find, button=1, times=1):
         """Clicks on the middle of a place as soon as that stays where it is."""

@@ -1,6 +1,7 @@
 """The main window of nicx.exe under Wine: how a case opens it, and what it looks at and works in it."""
 
 from machine import WineTest
+from facts import Facts
 from parts import ENTRIES, TEXTS
 from programs import Program
 from waiting import NotNow
@@ -16,7 +17,7 @@ OFFICE = ("Office", 2 | 8 | 16 | 32, NEW_TEXT, ["10.1.0.5", "10.2.0.5"], ["255.2
           ["10.1.0.1"], ["20"], ["10.1.0.53", "9.9.9.9"])
 
 
-class WindowTest(WineTest):
+class WindowTest(Facts, WineTest):
     """Base of the test cases on the main window."""
 
     window = None
@@ -69,20 +70,6 @@ class WindowTest(WineTest):
     def _facts(self):
         # Caption and text have the same name, the text comes behind.
         return {node.facts["name"]: node.text for node in self.window._root().walk() if node.kind in (*ENTRIES, *TEXTS)}
-
-    @property
-    def facts(self):
-        """All texts of the details and the status line, by accessible name."""
-        return self.window.patiently(self._facts, "the facts")
-
-    def expect_facts(self, wanted):
-        """Waits until the facts of these names have these texts."""
-        def look():
-            found = self._facts()
-            different = {name: found.get(name) for name, text in wanted.items() if found.get(name) != text}
-            if different:
-                raise NotNow(f"different are {different}")
-        self.window.patiently(look, f"the facts {wanted}")
 
     def expect_list(self, name, *rows):
         """Waits until one of the lists of addresses has these rows; its header counts them."""
