@@ -38,7 +38,7 @@ void DropFrame(wxWindow* box);
 void UsePlainScrollBars(wxWindow* control);
 
 /// The character of a key that is down, with Shift and the like taken into account; 8 for backspace, 0 for a
-/// key that types nothing.
+/// key that types nothing. Also 0 where the desktop tells characters by wxEVT_CHAR only.
 int TypedCharacter(const wxKeyEvent& down);
 
 /// Whether Ctrl or Alt make a command of a key, so that it types nothing. The two together are AltGr on some

@@ -20,17 +20,11 @@ namespace {
 /// Room between the frame and what is in it, in pixels at the normal scale.
 constexpr int kPadding = 4;
 
-/// The code of a typed character as the rules know it; 0 for what is not for them.
-int CharacterOf(const wxKeyEvent& event) {
-    const int key = event.GetKeyCode();
-    if (GivesCommand(event)) {
-        // The others are commands of the menus.
-        const bool edits = !event.AltDown() && (key == 'C' || key == 'V' || key == 'X' || key == 'Z');
-        return edits ? key - 'A' + 1 : 0;
-    }
-    const int character = TypedCharacter(event);
-    const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
-    return typed ? character : 0;
+/// The code of a key that edits with Ctrl, as the rules know it; 0 for the commands of the menus.
+int EditingKey(const wxKeyEvent& down) {
+    const int key = down.GetKeyCode();
+    const bool edits = !down.AltDown() && (key == 'C' || key == 'V' || key == 'X' || key == 'Z');
+    return edits ? key - 'A' + 1 : 0;
 }
 
 }  // namespace
@@ -92,20 +86,32 @@ bool IPAddress::TakesKey(int box, const wxKeyEvent& event) {
         return !event.AltDown() && entry_.KeyDown(box, key == WXK_LEFT ? BoxKey::kLeft : BoxKey::kRight,
                                                   event.ShiftDown(), event.ControlDown());
     }
-    const int character = CharacterOf(event);
-    return character != 0 && !entry_.KeyPress(box, character);
+    letThrough_ = 0;
+    if (GivesCommand(event)) {
+        const int character = EditingKey(event);
+        return character != 0 && !entry_.KeyPress(box, character);
+    }
+    const int character = TypedCharacter(event);
+    if (TakesCharacter(box, character)) return true;
+    letThrough_ = character;
+    return false;
+}
+
+bool IPAddress::TakesCharacter(int box, int character) {
+    const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
+    return typed && !entry_.KeyPress(box, character);
 }
 
 void IPAddress::BindBox(int box) {
     wxTextCtrl& text = Box(box);
-    // Keys are taken before the toolkit's input method sees them, which deletes a selected text before it
-    // asks whether the character is wanted.
+    // Where an input method deletes a selected text before it asks whether a character is wanted, keys are
+    // taken before it sees them.
     text.Bind(wxEVT_KEY_DOWN, [this, box](wxKeyEvent& event) { event.Skip(!TakesKey(box, event)); });
     text.Bind(wxEVT_CHAR, [this, box](wxKeyEvent& event) {
-        // What an input method has composed; other characters have been asked for.
-        static constexpr int kLastAscii = 127;
+        // What the key going down did not tell, on some desktops all that is typed.
         const int character = event.GetUnicodeKey();
-        event.Skip(character <= kLastAscii || entry_.KeyPress(box, character));
+        const bool asked = character == std::exchange(letThrough_, 0);
+        event.Skip(GivesCommand(event) || asked || !TakesCharacter(box, character));
     });
     text.Bind(wxEVT_TEXT, [this, box](wxCommandEvent&) { entry_.Changed(box); });
     text.Bind(wxEVT_TEXT_PASTE, [this, box](wxClipboardTextEvent&) { entry_.Pasted(box, ClipboardText()); });

@@ -52,9 +52,13 @@ class IPAddress : public wxPanel, private QuadBoxesView {
     void BindBox(int box);
     /// Whether the key was one for the rules, and taken.
     bool TakesKey(int box, const wxKeyEvent& event);
+    /// Whether the character was one for the rules, and taken.
+    bool TakesCharacter(int box, int character);
     void OnPaint();
 
     std::array<wxTextCtrl*, kQuadBoxes> text1_{};
+    /// The character that the rules were asked for when its key went down, and let through; 0: none.
+    int letThrough_ = 0;
     /// The box that Focus has told of its focus already; -1: none.
     int toldFocus_ = -1;
     wxSize label1_;  ///< Size of the frame around the boxes.

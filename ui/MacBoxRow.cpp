@@ -50,12 +50,12 @@ bool MacBoxRow::HandleCharacter(int box, const wxKeyEvent& event, int character)
 
 void MacBoxRow::BindBox(int box) {
     wxTextCtrl& text = Box(box);
-    // Keys are taken before the toolkit's input method sees them, which deletes a selected text before it
-    // asks whether the character is wanted.
+    // Where an input method deletes a selected text before it asks whether a character is wanted, keys are
+    // taken before it sees them.
     text.Bind(wxEVT_KEY_DOWN, [this, box](wxKeyEvent& event) {
         if (!HandleArrow(box, event) && !HandleCharacter(box, event, TypedCharacter(event))) event.Skip();
     });
-    // What an input method has composed.
+    // What the key going down did not tell, on some desktops all that is typed.
     text.Bind(wxEVT_CHAR, [this, box](wxKeyEvent& event) {
         if (!HandleCharacter(box, event, event.GetUnicodeKey())) event.Skip();
     });

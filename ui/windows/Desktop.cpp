@@ -67,14 +67,8 @@ void UsePlainScrollBars(wxWindow*) {}
 
 bool GivesCommand(const wxKeyEvent& key) { return key.ControlDown() != key.AltDown(); }
 
-int TypedCharacter(const wxKeyEvent& down) {
-    // The system has put what the key types, if anything, into the queue already. Looking there leaves
-    // accents that wait for their letter alone.
-    const HWND window = static_cast<const wxWindow*>(down.GetEventObject())->GetHWND();
-    MSG message;
-    if (PeekMessageW(&message, window, WM_CHAR, WM_CHAR, PM_NOREMOVE | PM_QS_POSTMESSAGE) == 0) return 0;
-    return static_cast<int>(message.wParam);
-}
+// The system sends the character after the key, and nothing is done to the text before it is there.
+int TypedCharacter(const wxKeyEvent&) { return 0; }
 
 BoxAnswer ShowMessageBox(wxWindow* parent, const wxString& title, const wxString& text, BoxIcon icon,
                          BoxButtons buttons) {
