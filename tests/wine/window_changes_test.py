@@ -150,11 +150,36 @@ class Lists(TwoConnectionsTest):
         if not data.rstrip(b"\0").endswith(server.encode()):
             raise NotNow(f"the servers are {data}")
 
-    def test_an_ip_address_that_wine_cannot_add(self):
+    def open_ip_panel(self):
         self.open_window()
         self.choose("lan0")
         self.choose_item("TCP/IP", "Add IP Address")
         self.window.entry("IP address, octet 1 of 4").expect(showing=True, focused=True)
+
+    def expect_octets(self, *texts):
+        self.assertEqual(tuple(self.window.entry(f"IP address, octet {number} of 4").text for number in range(1, 5)),
+                         texts)
+
+    def test_only_digits_and_dots_are_entered(self):
+        self.open_ip_panel()
+        self.window.type("1a0é-7")
+        self.expect_octets("107", "", "", "")
+        # A full box hands the next digit on; from an empty one backspace goes back to the one before and empties it.
+        self.window.type("45.x6")
+        self.expect_octets("107", "45", "6", "")
+        self.window.press("BackSpace", "BackSpace", "BackSpace")
+        self.expect_octets("107", "", "", "")
+        self.window.type("300")
+        self.expect_octets("107", "", "", "")
+        self.window.type("20.30.4")
+        self.expect_octets("107", "20", "30", "4")
+        self.window.press("ctrl+a", "ctrl+x")
+        self.expect_octets("107", "20", "30", "")
+        self.window.press("ctrl+v")
+        self.expect_octets("107", "20", "30", "4")
+
+    def test_an_ip_address_that_wine_cannot_add(self):
+        self.open_ip_panel()
         self.window.type("10.1.0.9")
         self.window.entry("Subnet mask, octet 1 of 4").click()
         self.window.type("255.255.255.0")
