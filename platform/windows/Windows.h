@@ -8,10 +8,12 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
-// In this order: windows.h alone would bring an older form of the socket declarations.
+// In this order: windows.h alone would bring an older form of the socket declarations, iphlpapi.h needs the later
+// ones for all that it declares.
 // clang-format off
 #include <winsock2.h>
 #include <windows.h>
+#include <ws2ipdef.h>
 #include <iphlpapi.h>
 #include <objbase.h>
 #include <oleauto.h>

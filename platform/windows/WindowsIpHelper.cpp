@@ -29,12 +29,20 @@ MIB_IPFORWARDROW SystemRow(const IpForwardRow& row) {
     system.dwForwardType = row.type;
     system.dwForwardProto = row.proto;
     system.dwForwardMetric1 = row.metric1;
-    // Unused metrics are all ones (MIB_IPFORWARDROW's description).
-    for (DWORD* const metric : {&system.dwForwardMetric2, &system.dwForwardMetric3, &system.dwForwardMetric4,
-                                &system.dwForwardMetric5}) {
-        *metric = static_cast<DWORD>(-1);
-    }
     return system;
+}
+
+/// The metric of an interface for IPv4; 0 when the system does not tell.
+DWORD InterfaceMetric(DWORD index) {
+    MIB_IPINTERFACE_TABLE* table = nullptr;
+    if (GetIpInterfaceTable(AF_INET, &table) != NO_ERROR) return 0;
+    const auto* const end = table->Table + table->NumEntries;
+    const auto* const row =
+        std::find_if(static_cast<const MIB_IPINTERFACE_ROW*>(table->Table), end,
+                     [index](const MIB_IPINTERFACE_ROW& each) { return each.InterfaceIndex == index; });
+    const DWORD metric = row == end ? 0 : row->Metric;
+    FreeMibTable(table);
+    return metric;
 }
 
 IP_ADAPTER_INDEX_MAP SystemEntry(const InterfaceEntry& entry) {
@@ -92,6 +100,13 @@ Win32Error WindowsIpHelper::DeleteIPAddress(std::uint32_t nteContext) {
 
 Win32Error WindowsIpHelper::CreateIpForwardEntry(const IpForwardRow& row) {
     MIB_IPFORWARDROW system = SystemRow(row);
+    const DWORD code = ::CreateIpForwardEntry(&system);
+    if (code != ERROR_BAD_ARGUMENTS) return FromSystem(code);
+    // Since Windows Vista the metric of a route includes that of its interface, and a smaller one is refused
+    // (CreateIpForwardEntry's description). The smallest there is comes nearest to what was asked for.
+    const DWORD smallest = InterfaceMetric(system.dwForwardIfIndex);
+    if (system.dwForwardMetric1 >= smallest) return FromSystem(code);
+    system.dwForwardMetric1 = smallest;
     return FromSystem(::CreateIpForwardEntry(&system));
 }
 

@@ -23,8 +23,7 @@ import time
 
 from gi.repository import Gio
 
-from controls import (ACTIVE, BUTTONS, LEAVES, MODAL, SHOWING, TABLES, VISIBLE, Control, MenuItem, Node, Part,
-                      Table)
+from controls import ACTIVE, BUTTONS, MODAL, SHOWING, MenuItem, Node, Part
 from keyboard import Keyboard
 from screen import Screen
 from waiting import PASSING, SECONDS, NotNow, end_with_parent, patiently

@@ -6,7 +6,7 @@ import subprocess
 from ip_panel import ADDRESS, CAPTION, EMPTY, IP_LIST, MASK, PERSISTENT, IpPanelTest
 from waiting import NotNow
 from window import TITLE
-from world import NOBODY, REG_MULTI_SZ, ip, multi
+from world import NOBODY, REG_MULTI_SZ, ip
 
 OWN = "02:00:00:00:10:01"
 FIRST = "10.1.0.2"

@@ -3,7 +3,7 @@
 import subprocess
 
 from live_test import await_tick
-from preset_window import (ADDRESSES, CHECKS, DHCP, EDITOR, GATEWAYS, LISTS, MAC, NAME, OFFICE, ORIGINAL, OVERWRITE,
+from preset_window import (ADDRESSES, DHCP, EDITOR, GATEWAYS, LISTS, MAC, NAME, OFFICE, ORIGINAL, OVERWRITE,
                            RANDOM, SERVERS, UNUSED, PresetTest, preset)
 from window import EMPTY, LIST, OCTETS, octet_name
 from world import ip, preset_bytes

@@ -17,7 +17,9 @@ import sys
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "netns"))
 
-from desktop import ACTIVE, MODAL, SHOWING, VISIBLE, Control, Desktop, NotNow, Table
+from controls import ACTIVE, MODAL, SHOWING, VISIBLE, Control, Table
+from desktop import Desktop
+from waiting import NotNow
 from world import World
 
 TITLE = "Orvella Corvane"

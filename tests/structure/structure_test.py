@@ -43,7 +43,7 @@ CONFINED = {
     r"sqlite3\.h": {"platform/linux"},
     r"(linux|libmnl|net|netinet|arpa)/.*": {"platform/linux"},
     r"libudev\.h": {"platform/linux"},
-    r"(windows|winsock2|iphlpapi|obj.*|ole.*|shellapi|shldisp)\.h|wrl/.*": {"platform/windows"},
+    r"(windows|winsock2|ws2.*|iphlpapi|obj.*|ole.*|shellapi|shldisp)\.h|wrl/.*": {"platform/windows"},
     r"wx/.*": {"ui", "ui/gtk", "ui/windows", "startup"},
     r"(gtk|gdk|atk)/.*": {"ui/gtk"},
 }
@@ -150,6 +150,17 @@ class Structure(unittest.TestCase):
         tests = [path for path in sources("Test.cpp", "_test.py", ".cpp") if path.startswith("tests/")]
         self.assertGreater(len(tests), 20)
         self.assertEqual([path for path in tests if os.path.basename(path) not in listings], [])
+
+    def test_python_names_exist_and_are_used(self):
+        scripts = sources(".py")
+        for path in filter(None, sources("")):
+            with open(os.path.join(SOURCE, path), "rb") as start:
+                if re.match(rb"#!.*python", start.readline()):
+                    scripts.append(path)
+        self.assertGreater(len(scripts), 20)
+        found = subprocess.run(["pyflakes3", *sorted(set(scripts))], cwd=SOURCE, capture_output=True, text=True)
+        self.assertEqual(found.stdout + found.stderr, "")
+        self.assertEqual(found.returncode, 0)
 
     def test_every_source_file_is_listed(self):
         listings = ""
