@@ -17,6 +17,7 @@ corvane_wine_tests(NAME wine_command_line FILE ${CMAKE_CURRENT_LIST_DIR}/command
 corvane_wine_tests(NAME wine_command_line_system FILE ${CMAKE_CURRENT_LIST_DIR}/command_line_system_test.py)
 corvane_wine_tests(NAME wine_main_window FILE ${CMAKE_CURRENT_LIST_DIR}/main_window_test.py)
 corvane_wine_tests(NAME wine_window_changes FILE ${CMAKE_CURRENT_LIST_DIR}/window_changes_test.py)
+corvane_wine_tests(NAME wine_tray FILE ${CMAKE_CURRENT_LIST_DIR}/tray_test.py)
 corvane_wine_tests(NAME wine_programs FILE ${CMAKE_CURRENT_LIST_DIR}/windows_programs_test.py)
 corvane_wine_tests(NAME wine_packages FILE ${CMAKE_CURRENT_LIST_DIR}/packages_test.py)
 corvane_wine_tests(NAME wine_installer FILE ${CMAKE_CURRENT_LIST_DIR}/installer_test.py)

@@ -12,7 +12,10 @@ add_executable(sample WIN32 ${tools}/Sample.cpp)
 target_link_libraries(sample PRIVATE comctl32)
 target_link_options(sample PRIVATE -municode)
 
-foreach(target observer probe sample)
+add_executable(taskbar ${tools}/Taskbar.cpp ${tools}/TaskbarIcons.cpp)
+target_link_libraries(taskbar PRIVATE wine_json)
+
+foreach(target observer probe sample taskbar)
     set_target_properties(${target} PROPERTIES PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests
         LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     target_link_options(${target} PRIVATE -static)
