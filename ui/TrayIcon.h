@@ -16,7 +16,8 @@ struct TrayEvents {
     std::function<void()> onClick;
     /// The program was asked to come to the front.
     std::function<void()> onActivate;
-    /// The icon's menu is asked for; it handles its commands itself and belongs to the icon.
+    /// The icon's menu is asked for; it handles its commands itself and belongs to the icon. Nothing: there
+    /// is none now.
     std::function<wxMenu*()> makeMenu;
 };
 

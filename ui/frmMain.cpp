@@ -182,7 +182,7 @@ void frmMain::ApplyDetails() {
 
 void frmMain::ShowInTray() {
     const NicInfo* const nic = SelectedNic();
-    if (tray_ && nic != nullptr) tray_->ShowConnection(nic->Name, nic->Mac);
+    if (tray_) tray_->ShowConnection(nic == nullptr ? "" : nic->Name, nic == nullptr ? "" : nic->Mac);
 }
 
 void frmMain::OnSelected(std::size_t row) {
@@ -197,13 +197,14 @@ void frmMain::RefreshSoon() {
 void frmMain::Timer1Tick() {
     try {
         const NicInfo* const nic = SelectedNic();
-        if (nic == nullptr) return;
-        const std::optional<TrafficMonitor::Tick> tick = traffic_.Read(nic->IfIndex);
+        const std::optional<TrafficMonitor::Tick> tick =
+            nic == nullptr ? std::nullopt : traffic_.Read(nic->IfIndex);
+        // Of what cannot be read no lamp tells.
+        if (tray_) tray_->ShowRates(tick ? tick->rates : TrafficRates{});
         if (!tick) return;
         trafficTexts_ = tick->texts;
         fDetails_->FillTraffic(tick->texts);
         fDetails_->AddToGraph(tick->rates);
-        if (tray_) tray_->ShowRates(tick->rates);
     } catch (const std::exception&) {
         // A tick that fails is given up quietly; the next one comes in a second.
     }

@@ -59,6 +59,7 @@ void frmTray::ShowFrame(TrayFrame frame) {
 }
 
 wxMenu* frmTray::MakeMenu() {
+    if (dialogs_.Any()) return nullptr;
     auto* const menu = new wxMenu;
     AddTrayCommands(*menu);
     menu->Bind(wxEVT_MENU, [this](wxCommandEvent& event) {
@@ -72,6 +73,7 @@ wxMenu* frmTray::MakeMenu() {
 }
 
 void frmTray::ShowOrHide() {
+    if (dialogs_.Any()) return;
     if (TrayClick(window_.IsShown(), window_.IsIconized()) == TrayAction::kHide) {
         window_.Hide();
     } else {
@@ -80,6 +82,7 @@ void frmTray::ShowOrHide() {
 }
 
 void frmTray::ShowWindow() {
+    if (dialogs_.Any()) return;
     window_.Iconize(false);
     window_.Show();
     window_.Raise();

@@ -5,6 +5,7 @@
 #include <string>
 
 #include <wx/icon.h>
+#include <wx/modalhook.h>
 #include <wx/timer.h>
 
 #include "ui/TrayIcon.h"
@@ -15,6 +16,24 @@
 namespace corvane {
 
 class frmMain;
+
+/// Knows of the dialogs that wait for the user. The toolkit disables the windows behind them, but not one
+/// that is hidden, and not the icon.
+class OpenDialogs : private wxModalDialogHook {
+ public:
+    OpenDialogs() { Register(); }
+
+    [[nodiscard]] bool Any() const { return count_ > 0; }
+
+ private:
+    int Enter(wxDialog*) override {
+        ++count_;
+        return wxID_NONE;
+    }
+    void Exit(wxDialog*) override { --count_; }
+
+    int count_ = 0;
+};
 
 class frmTray {
  public:
@@ -35,6 +54,7 @@ class frmTray {
     void ShowFrame(TrayFrame frame);
 
     frmMain& window_;
+    OpenDialogs dialogs_;  ///< They have the user's attention first.
     std::string tip_;
     std::array<wxIcon, 4> frames_;  ///< One for each TrayFrame.
     TrayFrame shown_ = TrayFrame::kIdle;

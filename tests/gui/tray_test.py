@@ -246,6 +246,11 @@ class Menu(TrayTest):
         self.choose_from_menu("About Us")
         self.window.expect_box(ABOUT)
         self.window.expect_windows(ABOUT)
+        # The box has the user's attention first.
+        for button in (1, 3):
+            self.window.click_tray(button=button)
+            self.settle_hidden()
+            self.window.expect_windows(ABOUT)
         self.desktop.screen.press("Escape")
         self.window.expect_windows()
         self.settle_hidden()

@@ -1,5 +1,7 @@
 #include "ui/logic/Tray.h"
 
+#include <algorithm>
+
 #include "ui/logic/ConnectionList.h"
 
 namespace corvane {
@@ -12,10 +14,11 @@ bool ContinuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 
 
 std::string TrayTip(const std::string& text) {
     std::string tip = "Orvella Corvane v4.5 - " + text;
-    if (tip.size() <= kTrayTipLength) return tip;
-    std::size_t end = kTrayTipLength;
-    while (ContinuesCharacter(tip[end])) --end;
-    tip.resize(end);
+    std::size_t characters = 0;
+    const auto end = std::find_if(tip.begin(), tip.end(), [&characters](char byte) {
+        return !ContinuesCharacter(byte) && ++characters > kTrayTipLength;
+    });
+    tip.erase(end, tip.end());
     return tip;
 }
 

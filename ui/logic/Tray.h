@@ -8,11 +8,11 @@
 /// Rules of the tray icon.
 namespace corvane {
 
-/// Length of the tip, as in the record of Shell_NotifyIconA (shellapi.h) before version 5.
+/// Length of the tip in characters, as in the record of Shell_NotifyIconA (shellapi.h) before version 5.
 inline constexpr std::size_t kTrayTipLength = 64;
 
-/// "Orvella Corvane v4.5 - " followed by `text`, cut to 64 bytes, never in the middle of a character. Padding
-/// it is the business of a system that wants a fixed length.
+/// "Orvella Corvane v4.5 - " followed by `text`, cut to 64 characters. Padding it, and cutting it further for
+/// a closing NUL, is the business of a system that wants a fixed length.
 std::string TrayTip(const std::string& text);
 
 /// What the tip says of the selected connection: its name and, when it has one, its address, such as

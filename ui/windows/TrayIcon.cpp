@@ -70,6 +70,7 @@ class FormTrayIcon : public TrayIcon {
 
     void ShowMenu() {
         const std::unique_ptr<wxMenu> menu(events_.makeMenu());
+        if (menu == nullptr) return;
         const HWND form = form_->GetHWND();
         const HWND before = GetForegroundWindow();
         // Otherwise the menu would stay open when the user clicks elsewhere; the message makes the switch
