@@ -1,6 +1,7 @@
 """The icon in the tray: its tip, its lamps, its menu, and the main window that it shows and hides."""
 
 import subprocess
+import time
 
 from gi.repository import GLib
 from Xlib import X
@@ -17,6 +18,8 @@ ABOUT = "About Orvella Corvane"
 ICONIC_STATE = 3
 # Four times what the toolkit waits before it shows a tip.
 TIP_SECONDS = 2
+# Three blinks of the lamps.
+QUIET_SECONDS = 1.5
 
 
 class Tips:
@@ -121,6 +124,13 @@ class Icon(TrayTest):
         self.connections.expect_row("lan0", "Yes", "02-00-00-00-40-01")
         self.assertEqual(self.tip(), "Orvella Corvane v4.5 - lan0, 02-00-00-00-40-01")
 
+    def test_the_tip_says_when_there_is_no_connection(self):
+        self.open_with_tray()
+        self.assertEqual(self.tip(), f"Orvella Corvane v4.5 - lan0, {OWN_TEXT}")
+        ip("link", "delete", "lan0")
+        self.expect_fact("Number of connections", "0 connections")
+        self.assertEqual(self.tip(), "Orvella Corvane v4.5 - NIC Not Found")
+
     def test_its_lamps_light_up_with_traffic(self):
         ip("-n", FAR, "address", "add", "10.1.0.1/24", "dev", "lan0")
         self.open_with_tray()
@@ -141,6 +151,17 @@ class Icon(TrayTest):
         # They blink.
         expect_picture(lambda found: found == dark)
         expect_picture(lambda found: found != dark)
+        # They do not go on when the counters can no longer be read.
+        ip("link", "set", "lan0", "down")
+        lit = time.monotonic()
+
+        def rest():
+            nonlocal lit
+            if picture(self.icon()) != dark:
+                lit = time.monotonic()
+            if time.monotonic() < lit + QUIET_SECONDS:
+                raise NotNow("they blink")
+        self.window.patiently(rest, "dark lamps")
 
     def test_without_a_tray_there_is_no_icon(self):
         self.open_window()
