@@ -10,13 +10,11 @@ programs have called it for, picture for picture, and sends an icon's messages.
             self.expect_hidden()
 """
 
-import subprocess
-import threading
 from typing import NamedTuple
 
 from programs import START_SECONDS
 from waiting import NotNow, patiently
-from wine import TOOLS, Observer, text
+from wine import Observer, text
 from wine_window import TITLE, TwoConnectionsTest
 from world import CONNECTIONS_KEY
 
@@ -84,16 +82,15 @@ class Icon(NamedTuple):
 class Taskbar(Observer):
     """taskbar.exe. It runs as long as the test."""
 
-    def __init__(self, wine):  # pylint: disable=super-init-not-called
-        self.process = patiently(lambda: self._start(wine), "the taskbar", START_SECONDS)
-        self._lock = threading.Lock()
+    def __init__(self, wine):
+        super().__init__(patiently(lambda: self._start_with_window(wine), "the taskbar", START_SECONDS))
         self._pictures = {}
         patiently(self.expect_first, "the taskbar that programs find")
 
     @staticmethod
-    def _start(wine):
+    def _start_with_window(wine):
         """It may be the first that needs Wine's desktop, and gets no window when that is not ready."""
-        process = wine.start(TOOLS / "taskbar.exe", stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        process = Observer.start(wine, "taskbar.exe")
         if process.stdout.readline():
             return process
         code = process.wait()

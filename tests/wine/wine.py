@@ -78,11 +78,16 @@ def end_processes(prefix):
 
 
 class Observer:
-    """observer.exe, which tells what Windows says. It runs as long as the test."""
+    """observer.exe, which tells what Windows says, or another program that answers as it does. It runs as long as the
+    test."""
 
-    def __init__(self, wine):
-        self.process = wine.start(TOOLS / "observer.exe", stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    def __init__(self, process):
+        self.process = process
         self._lock = threading.Lock()
+
+    @staticmethod
+    def start(wine, program="observer.exe"):
+        return wine.start(TOOLS / program, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
     def ask(self, *question):
         """The answer to a question, whose parts must not have tabs or line ends in them."""
@@ -144,7 +149,7 @@ class Wine:
                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                        preexec_fn=end_with_parent)
         patiently(self._expect_socket, "Wine's server")
-        self.observer = Observer(self)
+        self.observer = Observer(Observer.start(self))
         self.registry = Registry(self.observer)
 
     def _mount(self):
