@@ -44,7 +44,7 @@ class Program(Keyboard, Part):
     def snapshot(self):
         """The program's visible windows, the topmost first."""
         threads = self.wine.observer.ask("windows", self.name)
-        return [Node(window) for thread in threads for window in thread["windows"]]
+        return [Node(window) for windows in threads for window in windows]
 
     @property
     def windows(self):
@@ -153,8 +153,7 @@ class Program(Keyboard, Part):
                 return
             for window in self._x_windows()[:1]:
                 self.screen.settle(window, 1)
-            threads = self.wine.observer.ask("windows", self.name)
-            if any(thread["pendingInput"] for thread in threads):
+            if any(self.wine.observer.ask("input", self.name)):
                 raise NotNow("it has input to handle")
         patiently(look, f"{self.what} rests")
 

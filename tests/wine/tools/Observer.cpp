@@ -26,8 +26,8 @@ Arguments Parts(const std::string& line) {
 
 std::string Answer(const std::string& line) {
     static const std::map<std::string, std::string (*)(const Arguments&)> questions = {
-        {"windows", Windows}, {"interfaces", Interfaces}, {"read", ReadKey},
-        {"keys", Subkeys},    {"write", WriteValue},      {"delete", Delete}};
+        {"windows", Windows}, {"input", Input},      {"interfaces", Interfaces}, {"read", ReadKey},
+        {"keys", Subkeys},    {"write", WriteValue}, {"delete", Delete}};
     Arguments parts = Parts(line);
     const auto question = questions.find(parts.front());
     if (question == questions.end()) return Error("unknown question " + parts.front());

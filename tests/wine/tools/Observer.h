@@ -9,8 +9,13 @@ namespace corvane::test {
 using Arguments = std::vector<std::string>;
 
 /// windows PROGRAM: visible windows of all processes of this file name, such as "nicx.exe", as ProbeWindows.h
-/// describes them, the topmost first. An error when one of them does not answer, because it is busy.
+/// describes them, as [[window, ...], ...] by thread. An error when one of them does not answer, because it
+/// is busy.
 std::string Windows(const Arguments& arguments);
+
+/// input PROGRAM: whether keys or mouse buttons wait, for each thread that has visible windows, as
+/// [true, ...]. An error as for windows.
+std::string Input(const Arguments& arguments);
 
 /// interfaces: what GetInterfaceInfo answers, as [[index, name], ...].
 std::string Interfaces(const Arguments& arguments);

@@ -89,11 +89,13 @@ std::string ReadKey(const Arguments& arguments) {
         if (code != ERROR_SUCCESS) return Code(code);
         RegEnumValueW(key.Get(), i, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
         std::vector<std::uint8_t> data(size);
-        if (const LONG read =
-                RegQueryValueExA(key.Get(), ansiName.data(), nullptr, &type, data.data(), &size);
-            read != ERROR_SUCCESS) {
-            return Code(read);
+        LONG read = ERROR_SUCCESS;
+        // A value may grow while it is read.
+        while ((read = RegQueryValueExA(key.Get(), ansiName.data(), nullptr, &type, data.data(), &size)) ==
+               ERROR_MORE_DATA) {
+            data.resize(size);
         }
+        if (read != ERROR_SUCCESS) return Code(read);
         data.resize(size);
         values.Add(Utf8(std::wstring(name.data(), length)),
                    JsonArray({std::to_string(type), JsonText(Hexadecimal(data))}));

@@ -79,8 +79,8 @@ class ProbeMemory {
     void* place_;
 };
 
-/// What a thread shows (ProbeWindows.h), or nothing when it does not answer.
-std::string DescribeThread(DWORD thread, HWND window) {
+/// A thread's answer (ProbeWindows.h), or nothing when it does not answer.
+std::string AskThread(DWORD thread, HWND window, ProbeQuestion question) {
     static ProbeMemory memory;
     static const HMODULE library = LoadLibraryW(kProbeLibrary);
     static const auto procedure =
@@ -90,24 +90,29 @@ std::string DescribeThread(DWORD thread, HWND window) {
     const HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, procedure, library, thread);
     if (hook == nullptr) return {};
     DWORD_PTR result = 0;
-    SendMessageTimeoutW(window, message, 0, 0, SMTO_ABORTIFHUNG, kPatienceMilliseconds, &result);
+    SendMessageTimeoutW(window, message, static_cast<WPARAM>(question), 0, SMTO_ABORTIFHUNG,
+                        kPatienceMilliseconds, &result);
     UnhookWindowsHookEx(hook);
     return memory.Text();
 }
 
-}  // namespace
-
-std::string Windows(const Arguments& arguments) {
-    if (arguments.size() != 1) return Error("usage: windows PROGRAM");
+/// The answers of all threads of a program, as a JSON array.
+std::string AskProgram(const Arguments& arguments, ProbeQuestion question) {
+    if (arguments.size() != 1) return Error("the question needs the name of a program");
     Search search;
     search.program = arguments.front();
     EnumWindows(NoteThread, reinterpret_cast<LPARAM>(&search));
     std::vector<std::string> answers;
     for (const auto& [thread, window] : search.threads) {
-        answers.push_back(DescribeThread(thread, window));
+        answers.push_back(AskThread(thread, window, question));
         if (answers.back().empty()) return Error("the program is busy");
     }
     return JsonArray(answers);
 }
+
+}  // namespace
+
+std::string Windows(const Arguments& arguments) { return AskProgram(arguments, ProbeQuestion::kWindows); }
+std::string Input(const Arguments& arguments) { return AskProgram(arguments, ProbeQuestion::kInput); }
 
 }  // namespace corvane::test

@@ -11,8 +11,10 @@ namespace corvane::test {
 
 inline constexpr wchar_t kProbeLibrary[] = L"probe.dll";
 inline constexpr char kProbeProcedure[] = "ProbeProcedure";
-/// Name of the registered message.
+/// Name of the registered message. Its first word is the ProbeQuestion.
 inline constexpr wchar_t kProbeMessage[] = L"CorvaneProbe";
+/// kInput is answered at once; describing all windows takes its time, and whoever waits asks often.
+enum class ProbeQuestion : std::uint8_t { kWindows, kInput };
 /// Name of the shared memory.
 inline constexpr wchar_t kProbeMemory[] = L"CorvaneProbeMemory";
 

@@ -9,12 +9,12 @@ namespace corvane::test {
 
 namespace {
 
-void Answer() {
+void Answer(ProbeQuestion question) {
     const HANDLE memory = OpenFileMappingW(FILE_MAP_WRITE, FALSE, kProbeMemory);
     if (memory == nullptr) return;
     void* const place = MapViewOfFile(memory, FILE_MAP_WRITE, 0, 0, kProbeMemorySize);
     if (place != nullptr) {
-        const std::string text = DescribeThread();
+        const std::string text = question == ProbeQuestion::kInput ? DescribeInput() : DescribeThread();
         ProbeHeader header{1, 0};
         if (text.size() <= kProbeMemorySize - sizeof header)
             header.size = static_cast<std::uint32_t>(text.size());
@@ -29,7 +29,8 @@ void Answer() {
 
 extern "C" __declspec(dllexport) LRESULT CALLBACK ProbeProcedure(int code, WPARAM wParam, LPARAM lParam) {
     static const UINT message = RegisterWindowMessageW(kProbeMessage);
-    if (code == HC_ACTION && reinterpret_cast<const CWPSTRUCT*>(lParam)->message == message) Answer();
+    const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+    if (code == HC_ACTION && sent.message == message) Answer(static_cast<ProbeQuestion>(sent.wParam));
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 

@@ -103,12 +103,12 @@ BOOL CALLBACK AddVisible(HWND window, LPARAM found) {
 }  // namespace
 
 std::string DescribeThread() {
-    JsonObject object;
-    // Takes what the display has sent into account.
-    object.Add("pendingInput", JsonBool(GetInputState() != FALSE));
     std::vector<std::string> found;
     EnumThreadWindows(GetCurrentThreadId(), AddVisible, reinterpret_cast<LPARAM>(&found));
-    return object.Add("windows", JsonArray(found)).Text();
+    return JsonArray(found);
 }
+
+// Takes what the display has sent into account.
+std::string DescribeInput() { return JsonBool(GetInputState() != FALSE); }
 
 }  // namespace corvane::test

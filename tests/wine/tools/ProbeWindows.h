@@ -5,8 +5,8 @@
 /// The windows of the calling thread, as its own process sees them.
 namespace corvane::test {
 
-/// What the calling thread shows, as a JSON object: pendingInput (keys or mouse buttons wait to be handled)
-/// and windows, its visible top-level windows, the topmost first. A window has:
+/// What the calling thread shows, as a JSON array: its visible top-level windows, the topmost first. A window
+/// has:
 ///   handle, class, text, rect [x, y, width, height] in screen coordinates, visible, enabled, focused (it has
 ///   the keyboard), id (of the control), style, name (what a screen reader calls it), children (in z-order,
 ///   which is the tab order); and where they apply: client (rect of the inner area of a top-level window),
@@ -18,5 +18,8 @@ namespace corvane::test {
 /// A menu item has: text, id, enabled, checked, separator, items (of its submenu), and rect when it can be
 /// seen.
 std::string DescribeThread();
+
+/// Whether keys or mouse buttons wait for the calling thread, as JSON.
+std::string DescribeInput();
 
 }  // namespace corvane::test
