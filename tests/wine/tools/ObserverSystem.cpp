@@ -52,6 +52,41 @@ class Key {
     LONG code_ = 0;
 };
 
+/// When a value of the key was written last.
+std::uint64_t LastWrite(HKEY key) {
+    FILETIME time{};
+    RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, &time);
+    return static_cast<std::uint64_t>(time.dwHighDateTime) << 32U | time.dwLowDateTime;
+}
+
+std::string Values(HKEY key) {
+    JsonObject values;
+    for (DWORD i = 0;; ++i) {
+        std::vector<wchar_t> name(kLongestName);
+        std::vector<char> ansiName(kLongestName);
+        DWORD length = kLongestName;
+        DWORD ansiLength = kLongestName;
+        DWORD type = 0;
+        DWORD size = 0;
+        const LONG code = RegEnumValueA(key, i, ansiName.data(), &ansiLength, nullptr, &type, nullptr, &size);
+        if (code == ERROR_NO_MORE_ITEMS) return values.Text();
+        if (code != ERROR_SUCCESS) return Code(code);
+        RegEnumValueW(key, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
+        std::vector<std::uint8_t> data(size);
+        LONG read = ERROR_SUCCESS;
+        // A value may grow while it is read.
+        while ((read = RegQueryValueExA(key, ansiName.data(), nullptr, &type, data.data(), &size)) ==
+               ERROR_MORE_DATA) {
+            data.resize(size);
+        }
+        if (read != ERROR_SUCCESS) return Code(read);
+        data.resize(size);
+        values.Add(Utf8(std::wstring(name.data(), length)),
+                   JsonArray({std::to_string(type), JsonText(Hexadecimal(data))}));
+    }
+}
+
 }  // namespace
 
 std::string Interfaces(const Arguments& /*arguments*/) {
@@ -75,30 +110,12 @@ std::string ReadKey(const Arguments& arguments) {
     if (arguments.size() != 1) return Error("usage: read KEY");
     const Key key(arguments[0]);
     if (key.Get() == nullptr) return "null";
-    JsonObject values;
-    for (DWORD i = 0;; ++i) {
-        std::vector<wchar_t> name(kLongestName);
-        std::vector<char> ansiName(kLongestName);
-        DWORD length = kLongestName;
-        DWORD ansiLength = kLongestName;
-        DWORD type = 0;
-        DWORD size = 0;
-        const LONG code =
-            RegEnumValueA(key.Get(), i, ansiName.data(), &ansiLength, nullptr, &type, nullptr, &size);
-        if (code == ERROR_NO_MORE_ITEMS) return values.Text();
-        if (code != ERROR_SUCCESS) return Code(code);
-        RegEnumValueW(key.Get(), i, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
-        std::vector<std::uint8_t> data(size);
-        LONG read = ERROR_SUCCESS;
-        // A value may grow while it is read.
-        while ((read = RegQueryValueExA(key.Get(), ansiName.data(), nullptr, &type, data.data(), &size)) ==
-               ERROR_MORE_DATA) {
-            data.resize(size);
-        }
-        if (read != ERROR_SUCCESS) return Code(read);
-        data.resize(size);
-        values.Add(Utf8(std::wstring(name.data(), length)),
-                   JsonArray({std::to_string(type), JsonText(Hexadecimal(data))}));
+    // Values have numbers, and those behind a new one get others: what is read is of one moment only when
+    // nobody has written meanwhile.
+    for (;;) {
+        const std::uint64_t before = LastWrite(key.Get());
+        std::string values = Values(key.Get());
+        if (LastWrite(key.Get()) == before) return values;
     }
 }
 
