@@ -8,8 +8,8 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
-// In this order: windows.h alone would bring an older form of the socket declarations, iphlpapi.h needs the later
-// ones for all that it declares.
+// In this order: windows.h alone would bring an older form of the socket declarations, iphlpapi.h needs the
+// later ones for all that it declares.
 // clang-format off
 #include <winsock2.h>
 #include <windows.h>
