@@ -98,8 +98,7 @@ bool IPAddress::TakesKey(int box, const wxKeyEvent& event) {
 }
 
 bool IPAddress::TakesCharacter(int box, int character) {
-    const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
-    return typed && !entry_.KeyPress(box, character);
+    return IsTyped(character) && !entry_.KeyPress(box, character);
 }
 
 void IPAddress::BindBox(int box) {

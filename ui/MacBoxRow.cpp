@@ -42,8 +42,7 @@ bool MacBoxRow::HandleArrow(int box, const wxKeyEvent& event) {
 }
 
 bool MacBoxRow::HandleCharacter(int box, const wxKeyEvent& event, int character) {
-    const bool typed = character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
-    if (!typed || GivesCommand(event)) return false;
+    if (!IsTyped(character) || GivesCommand(event)) return false;
     entry_->KeyPress(box, character);
     return true;
 }

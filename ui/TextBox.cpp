@@ -1,6 +1,7 @@
 #include "ui/TextBox.h"
 
 #include <wx/clipbrd.h>
+#include <wx/defs.h>
 #include <wx/textctrl.h>
 
 #include "ui/Desktop.h"
@@ -47,6 +48,10 @@ void SelectIn(wxTextCtrl& box, TextSelection selection) {
     } else {
         box.SetSelection(selection.start, selection.start + selection.length);
     }
+}
+
+bool IsTyped(int character) {
+    return character == WXK_BACK || (character >= WXK_SPACE && character != WXK_DELETE);
 }
 
 std::string ClipboardText() {

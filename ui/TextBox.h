@@ -20,6 +20,9 @@ wxTextCtrl* MakeDigitBox(wxWindow* parent, int digits, long style);
 TextSelection SelectionOf(const wxTextCtrl& box);
 void SelectIn(wxTextCtrl& box, TextSelection selection);
 
+/// Whether a character is typed into a text or, as backspace, takes one away; 0 is none.
+bool IsTyped(int character);
+
 /// The text on the clipboard; empty when there is none.
 std::string ClipboardText();
 

@@ -180,6 +180,11 @@ class Lamps(TrayTest):
             return found
         return self.window.patiently(look, f"the lamps {[sorted(state) for state in wanted]}")
 
+    def start_blinking(self):
+        begin = self.taskbar.length
+        self.start_traffic(self.BOTH_WAYS)
+        self.expect_lamps(begin, BOTH, DARK, BOTH)
+
     def expect_quiet(self):
         """Waits until the lamps are out for good."""
         since = {"line": self.taskbar.length, "time": time.monotonic()}
@@ -222,15 +227,11 @@ class Lamps(TrayTest):
         self.open_window()
         self.taskbar.send(LEFT_UP)
         self.expect_hidden()
-        begin = self.taskbar.length
-        self.start_traffic(self.BOTH_WAYS)
-        self.expect_lamps(begin, BOTH, DARK, BOTH)
+        self.start_blinking()
 
     def test_they_are_the_selected_connections(self):
         self.open_window()
-        begin = self.taskbar.length
-        self.start_traffic(self.BOTH_WAYS)
-        self.expect_lamps(begin, BOTH, DARK, BOTH)
+        self.start_blinking()
         self.choose("lan1")
         self.expect_quiet()
         begin = self.taskbar.length
@@ -240,17 +241,13 @@ class Lamps(TrayTest):
     def test_they_go_out_with_a_connection_that_cannot_be_read(self):
         self.describe("off0", GONE, "0099", "Disabled")
         self.open_window()
-        begin = self.taskbar.length
-        self.start_traffic(self.BOTH_WAYS)
-        self.expect_lamps(begin, BOTH, DARK, BOTH)
+        self.start_blinking()
         self.choose("Disabled")
         self.expect_quiet()
 
     def test_a_new_taskbar_gets_the_picture_of_the_moment(self):
         self.open_window()
-        begin = self.taskbar.length
-        self.start_traffic(self.BOTH_WAYS)
-        self.expect_lamps(begin, BOTH, DARK, BOTH)
+        self.start_blinking()
 
         def look():
             begin = self.taskbar.length

@@ -59,6 +59,12 @@ class PlayedIpHelper {
 
     /// What was ordered for a function, or else success.
     DWORD Answer(const std::string& function);
+    /// Notes what a function was handed, and answers.
+    template <class Handed>
+    DWORD Note(std::vector<Handed>& notes, const Handed& handed, const std::string& function) {
+        notes.push_back(handed);
+        return Answer(function);
+    }
     /// A call for a table, with or without a buffer.
     DWORD Serve(const std::string& function, bool sorted, void* buffer, ULONG* size, const Bytes& table);
     [[nodiscard]] Bytes InterfaceTable() const;
@@ -89,35 +95,20 @@ class PlayedIpHelper {
         [this](MIB_IFROW*) { return Answer("GetIfEntry"); }};
     ImportedFunction<"AddIPAddress", decltype(::AddIPAddress)> addIPAddress_{
         [this](IPAddr address, IPMask mask, DWORD index, ULONG* context, ULONG* instance) {
-            added.push_back({address, mask, index});
             *context = contextOfAdded;
             *instance = contextOfAdded + 1;
-            return Answer("AddIPAddress");
+            return Note(added, {address, mask, index}, "AddIPAddress");
         }};
-    ImportedFunction<"DeleteIPAddress", decltype(::DeleteIPAddress)> deleteIPAddress_{[this](ULONG context) {
-        deleted.push_back(context);
-        return Answer("DeleteIPAddress");
-    }};
+    ImportedFunction<"DeleteIPAddress", decltype(::DeleteIPAddress)> deleteIPAddress_{
+        [this](ULONG context) { return Note(deleted, context, "DeleteIPAddress"); }};
     ImportedFunction<"CreateIpForwardEntry", decltype(::CreateIpForwardEntry)> createIpForwardEntry_{
-        [this](MIB_IPFORWARDROW* row) {
-            routesMade.push_back(*row);
-            return Answer("CreateIpForwardEntry");
-        }};
+        [this](MIB_IPFORWARDROW* row) { return Note(routesMade, *row, "CreateIpForwardEntry"); }};
     ImportedFunction<"DeleteIpForwardEntry", decltype(::DeleteIpForwardEntry)> deleteIpForwardEntry_{
-        [this](MIB_IPFORWARDROW* row) {
-            routesDeleted.push_back(*row);
-            return Answer("DeleteIpForwardEntry");
-        }};
+        [this](MIB_IPFORWARDROW* row) { return Note(routesDeleted, *row, "DeleteIpForwardEntry"); }};
     ImportedFunction<"IpReleaseAddress", decltype(::IpReleaseAddress)> ipReleaseAddress_{
-        [this](IP_ADAPTER_INDEX_MAP* entry) {
-            released.push_back(*entry);
-            return Answer("IpReleaseAddress");
-        }};
+        [this](IP_ADAPTER_INDEX_MAP* entry) { return Note(released, *entry, "IpReleaseAddress"); }};
     ImportedFunction<"IpRenewAddress", decltype(::IpRenewAddress)> ipRenewAddress_{
-        [this](IP_ADAPTER_INDEX_MAP* entry) {
-            renewed.push_back(*entry);
-            return Answer("IpRenewAddress");
-        }};
+        [this](IP_ADAPTER_INDEX_MAP* entry) { return Note(renewed, *entry, "IpRenewAddress"); }};
     ImportedFunction<"GetIpInterfaceTable", decltype(::GetIpInterfaceTable)> getIpInterfaceTable_{
         [this](ADDRESS_FAMILY family, MIB_IPINTERFACE_TABLE** table) { return MetricsTable(family, table); }};
     ImportedFunction<"FreeMibTable", decltype(::FreeMibTable)> freeMibTable_{[this](void* table) {

@@ -37,6 +37,18 @@ std::string JsonText(std::wstring_view text) { return JsonText(Utf8(text)); }
 
 std::string JsonBool(bool value) { return value ? "true" : "false"; }
 
+std::string JsonBytes(const std::vector<std::uint8_t>& bytes) {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string digits;
+    for (const std::uint8_t byte : bytes) {
+        digits += kDigits[byte >> 4U];
+        digits += kDigits[byte & 15U];
+    }
+    return JsonText(digits);
+}
+
+std::string Error(std::string_view text) { return JsonObject().Add("error", JsonText(text)).Text(); }
+
 std::string JsonArray(const std::vector<std::string>& values) {
     std::string result = "[";
     for (const std::string& value : values) {

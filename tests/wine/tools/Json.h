@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,12 @@ std::string JsonText(std::string_view utf8);
 std::string JsonText(std::wstring_view text);
 
 std::string JsonBool(bool value);
+
+/// A JSON string of two hexadecimal digits for each byte.
+std::string JsonBytes(const std::vector<std::uint8_t>& bytes);
+
+/// The answer to a question that cannot be answered: {"error": text}.
+std::string Error(std::string_view text);
 
 /// "[a,b,c]" of JSON values.
 std::string JsonArray(const std::vector<std::string>& values);

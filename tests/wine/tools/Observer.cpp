@@ -37,8 +37,6 @@ std::string Answer(const std::string& line) {
 
 }  // namespace
 
-std::string Error(const std::string& text) { return JsonObject().Add("error", JsonText(text)).Text(); }
-
 }  // namespace corvane::test
 
 int main() {

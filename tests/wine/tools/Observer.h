@@ -34,6 +34,4 @@ std::string WriteValue(const Arguments& arguments);
 /// delete KEY: a key with all below it. delete KEY NAME: a value. null.
 std::string Delete(const Arguments& arguments);
 
-std::string Error(const std::string& text);
-
 }  // namespace corvane::test

@@ -14,16 +14,6 @@ constexpr DWORD kLongestName = 1024;
 
 std::string Code(LONG code) { return Error("code " + std::to_string(code)); }
 
-std::string Hexadecimal(const std::vector<std::uint8_t>& bytes) {
-    static constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        text += kDigits[byte >> 4U];
-        text += kDigits[byte & 15U];
-    }
-    return text;
-}
-
 std::vector<std::uint8_t> Bytes(const std::string& hexadecimal) {
     std::vector<std::uint8_t> bytes;
     for (std::size_t i = 0; i + 1 < hexadecimal.size(); i += 2) {
@@ -83,7 +73,7 @@ std::string Values(HKEY key) {
         if (read != ERROR_SUCCESS) return Code(read);
         data.resize(size);
         values.Add(Utf8(std::wstring(name.data(), length)),
-                   JsonArray({std::to_string(type), JsonText(Hexadecimal(data))}));
+                   JsonArray({std::to_string(type), JsonBytes(data)}));
     }
 }
 

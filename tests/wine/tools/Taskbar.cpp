@@ -36,8 +36,6 @@ struct Exchange {
     std::string Answer;
 };
 
-std::string Error(const std::string& text) { return JsonObject().Add("error", JsonText(text)).Text(); }
-
 std::string DescribePlace(HWND taskbar) {
     const HWND first = FindWindowExW(nullptr, nullptr, kTaskbarClass, nullptr);
     int all = 0;

@@ -126,17 +126,11 @@ std::string TaskbarIcons::Diary(std::size_t from) const {
 
 std::string TaskbarIcons::Picture(std::size_t number) const {
     if (number >= pictures_.size()) return "null";
-    static constexpr char kDigits[] = "0123456789abcdef";
     const Pixels& picture = pictures_[number];
-    std::string pixels;
-    for (const std::uint8_t byte : picture.Bytes) {
-        pixels += kDigits[byte >> 4U];
-        pixels += kDigits[byte & 15U];
-    }
     return JsonObject()
         .Add("width", std::to_string(picture.Width))
         .Add("height", std::to_string(picture.Height))
-        .Add("pixels", JsonText(pixels))
+        .Add("pixels", JsonBytes(picture.Bytes))
         .Text();
 }
 
