@@ -2,11 +2,12 @@
 #include <optional>
 #include <string>
 
+#include "base/Text.h"
 #include "inventory/NicInfo.h"
 #include "inventory/Stages.h"
+#include "platform/CodePage.h"
 #include "platform/IphlpApi.h"
 #include "platform/Registry.h"
-#include "platform/Text.h"
 #include "vendors/VendorList.h"
 
 namespace corvane {

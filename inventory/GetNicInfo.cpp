@@ -6,14 +6,14 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/Text.h"
 #include "inventory/NicInfo.h"
 #include "inventory/ReadText.h"
 #include "inventory/Stages.h"
+#include "platform/CodePage.h"
 #include "platform/IphlpApi.h"
 #include "platform/Registry.h"
-#include "platform/RegistryErrorBox.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Text.h"
 #include "platform/RegistryKeys.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

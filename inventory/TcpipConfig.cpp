@@ -3,12 +3,13 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/Text.h"
 #include "inventory/GetNicInfo.h"
 #include "inventory/NicInfo.h"
 #include "inventory/ReadText.h"
 #include "inventory/Stages.h"
+#include "platform/CodePage.h"
 #include "platform/Registry.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

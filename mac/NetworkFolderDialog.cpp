@@ -2,12 +2,11 @@
 
 #include <optional>
 
+#include "base/Text.h"
 #include "mac/RestartConnection.h"
 #include "mac/SetConnectionState.h"
 #include "platform/Registry.h"
-#include "platform/RegistryErrorBox.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

@@ -4,10 +4,10 @@
 #include <optional>
 #include <vector>
 
+#include "base/Text.h"
 #include "mac/NetworkFolderDialog.h"
 #include "platform/Platform.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

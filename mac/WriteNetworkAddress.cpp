@@ -2,7 +2,6 @@
 
 #include "inventory/NicInfo.h"
 #include "platform/Registry.h"
-#include "platform/RegistryErrorBox.h"
 
 namespace corvane {
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "platform/Win32Error.h"
+#include "base/Address.h"
+#include "base/Win32Error.h"
 
 /// The seam to the machine. Each role is implemented once per operating system (platform/linux,
 /// platform/windows) and once as a fake for tests. No call throws; no call keeps a handle open for the
@@ -91,10 +91,6 @@ class RegistryReading {
 
 // ---- IP Helper
 // ----------------------------------------------------------------------------------------------
-
-using MacBytes = std::array<std::uint8_t, 6>;
-/// The four bytes of an IPv4 address in network order, as they lie in memory.
-using Ipv4Bytes = std::array<std::uint8_t, 4>;
 
 /// One entry of GetInterfaceInfo's table (IP_ADAPTER_INDEX_MAP). Name is "\DEVICE\TCPIP_" + the adapter's
 /// GUID.

@@ -2,7 +2,9 @@
 
 #include <utility>
 
-#include "platform/Text.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
+#include "platform/Seat.h"
 
 namespace corvane {
 
@@ -95,6 +97,14 @@ std::string RegErrorText(Win32Error code) {
             break;
     }
     return "(" + std::to_string(Number(code)) + ") " + text;
+}
+
+void ShowRegistryError(const std::string& title, const std::string& firstLine, const std::string& path,
+                       Win32Error code) {
+    CurrentSeat().ShowBox(title,
+                          firstLine + kCrLf + kCrLf + "Registry Path: HKEY_LOCAL_MACHINE\\" + path + kCrLf +
+                              kCrLf + "Error: " + RegErrorText(code) + kCrLf + kCrLf + "Click OK to continue",
+                          BoxIcon::kCritical, BoxButtons::kOk);
 }
 
 std::uint32_t DwordFrom(std::vector<std::uint8_t> data) {

@@ -7,8 +7,8 @@
 #include "platform/Platform.h"
 
 /// The program's one door to the registry: nine stateless operations over the installed platform. Each
-/// returns the Win32 error code (0 = success) and shows nothing. Text is converted to and from the
-/// single-byte code page here.
+/// returns the Win32 error code (0 = success) and shows nothing; the box of a failure is its caller's to
+/// show. Text is converted to and from the single-byte code page here.
 namespace corvane {
 
 /// Reads a value as text, whatever its type: the stored bytes less the last one (the terminating NUL). A
@@ -40,6 +40,11 @@ Win32Error RegEnumSubkeys(RegistryRoot root, const std::string& subkey, std::vec
 
 /// "(" + code + ") " + text, as message boxes show it.
 std::string RegErrorText(Win32Error code);
+
+/// The critical box (OK) of a registry failure: the first line, the path below HKEY_LOCAL_MACHINE, and
+/// RegErrorText of the code.
+void ShowRegistryError(const std::string& title, const std::string& firstLine, const std::string& path,
+                       Win32Error code);
 
 /// A REG_DWORD from the bytes that RegQueryBinary gave: cut or zero-filled to four bytes, little-endian.
 std::uint32_t DwordFrom(std::vector<std::uint8_t> data);

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "platform/Address.h"
-#include "platform/Text.h"
+#include "base/Address.h"
+#include "base/Text.h"
 
 namespace corvane {
 

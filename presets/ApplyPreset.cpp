@@ -2,10 +2,10 @@
 
 #include <string>
 
+#include "base/Text.h"
 #include "inventory/NicInfo.h"
 #include "mac/WriteNetworkAddress.h"
 #include "platform/Platform.h"
-#include "platform/Text.h"
 #include "tcpip/RegistryWriters.h"
 #include "vendors/RandomMac.h"
 #include "vendors/VendorList.h"

@@ -7,10 +7,11 @@
 #include <system_error>
 #include <utility>
 
+#include "base/RunTimeError.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/Files.h"
-#include "platform/RunTimeError.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include "base/Text.h"
 #include "inventory/GetNicInfo.h"
 #include "inventory/NicInfo.h"
 #include "mac/RestartConnection.h"
 #include "platform/IphlpApi.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "presets/Advice.h"
 #include "presets/ApplyPreset.h"
 #include "presets/PresetsFile.h"
@@ -95,7 +95,8 @@ int RunActions(const CommandLine& line) {
     PresetRecord record = line.record;
     if (!line.presetName.empty()) TakePreset(line.presetName, record);
     if (record.Flags != 0) {
-        for (const std::string& sentence : Advice(*nic, record, "-h was not given; give -h to keep it")) seat.Warn(sentence);
+        for (const std::string& sentence : Advice(*nic, record, "-h was not given; give -h to keep it"))
+            seat.Warn(sentence);
         if ((record.Flags & kPresetRandomMac) != 0) Vendors() = LoadVendorList(ProgramFolder);
         ApplyPreset(static_cast<std::size_t>(nic - Nics.begin()), record);
     }

@@ -4,8 +4,8 @@
 #include <array>
 #include <vector>
 
+#include "base/Text.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 
 namespace corvane {
 

@@ -3,10 +3,10 @@
 #include <exception>
 #include <new>
 
+#include "base/RunTimeError.h"
 #include "inventory/NicInfo.h"
 #include "mac/SetConnectionState.h"
 #include "platform/Registry.h"
-#include "platform/RunTimeError.h"
 #include "platform/Seat.h"
 #include "presets/PresetsFile.h"
 #include "startup/Actions.h"

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <vector>
 
+#include "base/Text.h"
 #include "inventory/NicInfo.h"
 #include "platform/IphlpApi.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "tcpip/OfferRestart.h"
 #include "tcpip/RegistryWriters.h"
 

@@ -1,9 +1,8 @@
 #include "tcpip/InterfaceKey.h"
 
+#include "base/Text.h"
 #include "inventory/NicInfo.h"
 #include "platform/Registry.h"
-#include "platform/RegistryErrorBox.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

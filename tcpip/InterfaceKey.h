@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Win32Error.h"
+#include "base/Win32Error.h"
 
 /// An adapter's TCP/IP key in the registry, for the writers and commands of this folder. Failures are thrown
 /// as RegistryFailure and end in the box of the routine, through RunOnKey; they never leave this folder.

@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 
 namespace corvane {
 

@@ -2,11 +2,10 @@
 
 #include <functional>
 
+#include "base/Text.h"
 #include "platform/Platform.h"
 #include "platform/Registry.h"
-#include "platform/RegistryErrorBox.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "tcpip/InterfaceKey.h"
 
 namespace corvane {

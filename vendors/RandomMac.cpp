@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/RunTimeError.h"
-#include "platform/Text.h"
+#include "base/RunTimeError.h"
+#include "base/Text.h"
 
 namespace corvane {
 

@@ -6,9 +6,10 @@
 #include <system_error>
 #include <utility>
 
+#include "base/RunTimeError.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/Files.h"
-#include "platform/RunTimeError.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

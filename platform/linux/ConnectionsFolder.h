@@ -6,8 +6,8 @@
 
 #include "platform/Platform.h"
 #include "platform/linux/DesktopOpener.h"
-#include "platform/linux/LinkControl.h"
-#include "platform/linux/Machine.h"
+#include "platform/linux/links/Machine.h"
+#include "platform/linux/owners/LinkControl.h"
 
 namespace corvane {
 

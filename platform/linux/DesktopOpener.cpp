@@ -7,8 +7,8 @@
 #include <spawn.h>
 #include <sys/wait.h>
 
-#include "platform/linux/Descriptor.h"
-#include "platform/linux/ProcessDescriptor.h"
+#include "platform/linux/system/Descriptor.h"
+#include "platform/linux/system/ProcessDescriptor.h"
 
 extern char** environ;
 

@@ -11,7 +11,8 @@ namespace corvane {
 class DesktopOpener {
  public:
     /// False with words in `failure` when xdg-open is not there or says that it failed. Some desktops keep it
-    /// running for as long as the opened program runs: one that has not failed after a second has done its work.
+    /// running for as long as the opened program runs: one that has not failed after a second has done its
+    /// work.
     bool Open(const std::string& target, std::string& failure);
 
  private:

@@ -10,8 +10,8 @@
 
 #include <sys/utsname.h>
 
+#include "base/Text.h"
 #include "platform/Files.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

@@ -5,13 +5,11 @@
 #include <tuple>
 
 #include <linux/if.h>
-#include <linux/rtnetlink.h>
-#include <sys/socket.h>
 
-#include "platform/Address.h"
-#include "platform/linux/DhcpControl.h"
-#include "platform/linux/Errors.h"
-#include "platform/linux/TcpipKey.h"
+#include "base/Address.h"
+#include "platform/linux/dhcp/DhcpControl.h"
+#include "platform/linux/links/TcpipKey.h"
+#include "platform/linux/system/Errors.h"
 
 namespace corvane {
 
@@ -89,10 +87,7 @@ class BeforeDeletion {
             const bool leftOut = route.prefix == 0 || route.protocol == kMadeByDhcp;
             return route.index != index_ || !leftOut;
         });
-        std::erase_if(exactRoutes_, [](const RawMessage& message) {
-            // The payload begins with the address family (struct rtmsg).
-            return message.type != RTM_NEWROUTE || message.payload.front() != AF_INET;
-        });
+        std::erase_if(exactRoutes_, [](const HeldMessage& message) { return !IsIpv4Route(message); });
         return answer;
     }
 
@@ -113,7 +108,7 @@ class BeforeDeletion {
  private:
     /// What leads through the network of the deleted address cannot come back, and need not.
     void RestoreRoutes() {
-        for (const RawMessage& message : exactRoutes_) static_cast<void>(kernel_.Restore(message));
+        for (const HeldMessage& message : exactRoutes_) static_cast<void>(kernel_.Restore(message));
         std::vector<KernelRoute> left;
         if (!kernel_.DumpRoutes(left).Ok()) return;
         for (const KernelRoute& route : plainRoutes_) {
@@ -125,7 +120,7 @@ class BeforeDeletion {
     Netlink& kernel_;
     std::uint32_t index_;
     std::vector<KernelAddress> addresses_;
-    std::vector<RawMessage> exactRoutes_;   ///< With all their attributes; default and DHCP routes left out.
+    std::vector<HeldMessage> exactRoutes_;  ///< With all their attributes; default and DHCP routes left out.
     std::vector<KernelRoute> plainRoutes_;  ///< Those.
 };
 

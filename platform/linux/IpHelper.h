@@ -6,7 +6,7 @@
 #include <unordered_map>
 
 #include "platform/Platform.h"
-#include "platform/linux/Machine.h"
+#include "platform/linux/links/Machine.h"
 
 namespace corvane {
 

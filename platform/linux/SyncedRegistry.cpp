@@ -4,8 +4,8 @@
 
 #include "platform/RegistryKeys.h"
 #include "platform/Seat.h"
-#include "platform/linux/Dns.h"
-#include "platform/linux/RegistryTables.h"
+#include "platform/linux/registry/RegistryTables.h"
+#include "platform/linux/resolver/Dns.h"
 
 namespace corvane {
 

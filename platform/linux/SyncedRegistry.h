@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/Platform.h"
-#include "platform/linux/Machine.h"
+#include "platform/linux/links/Machine.h"
 
 namespace corvane {
 

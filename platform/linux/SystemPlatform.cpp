@@ -5,9 +5,9 @@
 #include "platform/linux/ConnectionsFolder.h"
 #include "platform/linux/Host.h"
 #include "platform/linux/IpHelper.h"
-#include "platform/linux/LinkMonitor.h"
-#include "platform/linux/Machine.h"
 #include "platform/linux/SyncedRegistry.h"
+#include "platform/linux/kernel/LinkMonitor.h"
+#include "platform/linux/links/Machine.h"
 
 namespace corvane {
 

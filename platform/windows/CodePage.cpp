@@ -1,8 +1,10 @@
+#include "platform/CodePage.h"
+
 #include <string>
 #include <string_view>
 
-#include "platform/Text.h"
-#include "platform/Utf8.h"
+#include "base/Text.h"
+#include "base/Utf8.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/Windows.h"
 

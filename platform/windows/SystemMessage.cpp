@@ -1,6 +1,7 @@
 #include "platform/windows/SystemMessage.h"
 
-#include "platform/Text.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/windows/Windows.h"
 
 namespace corvane {

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/Windows.h"
 

@@ -1,6 +1,6 @@
 #include "platform/windows/WideText.h"
 
-#include "platform/Utf8.h"
+#include "base/Utf8.h"
 #include "platform/windows/Windows.h"
 
 namespace corvane {

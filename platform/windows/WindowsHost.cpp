@@ -5,7 +5,7 @@
 #include <sstream>
 #include <utility>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 #include "platform/windows/SystemTables.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/Windows.h"

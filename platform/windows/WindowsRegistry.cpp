@@ -3,7 +3,8 @@
 #include <functional>
 #include <utility>
 
-#include "platform/Text.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/windows/Windows.h"
 
 namespace corvane {

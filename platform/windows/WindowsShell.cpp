@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "platform/Text.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/windows/SystemMessage.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/linux/Netlink.h"
+#include "platform/linux/kernel/Netlink.h"
 
 /// How long one look at the kernel's tables takes. Run inside a network namespace of its own
 /// (tests/netns/sandbox): it makes up to 1000 veth pairs and removes them.

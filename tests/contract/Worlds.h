@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Win32Error.h"
+#include "base/Win32Error.h"
 
 /// The contract suites run the same cases in several worlds: one on the fake of the role, one on each
 /// back-end of the system that the suite is built for (linux/ and windows/, picked by the build).

@@ -1,6 +1,7 @@
 #include "tests/fakes/FakeRegistry.h"
 
-#include "platform/Text.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 
 namespace corvane {
 

@@ -7,8 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/RunTimeError.h"
-#include "platform/Text.h"
+#include "base/RunTimeError.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "presets/PresetsFile.h"
 #include "tests/unit/FileSupport.h"
 #include "vendors/VendorList.h"

@@ -15,9 +15,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "platform/linux/NetlinkParse.h"
-#include "platform/linux/NetlinkRestore.h"
-#include "platform/linux/NetlinkSocket.h"
+#include "platform/linux/kernel/NetlinkParse.h"
+#include "platform/linux/kernel/NetlinkRestore.h"
+#include "platform/linux/kernel/NetlinkSocket.h"
 #include "tests/netns/NetnsSupport.h"
 
 namespace corvane {

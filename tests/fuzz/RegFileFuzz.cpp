@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/RegFile.h"
-#include "platform/linux/Utf16.h"
+#include "platform/linux/registry/RegFile.h"
+#include "platform/linux/registry/Utf16.h"
 #include "tests/unit/FileSupport.h"
 
 /// .reg files with random damage: every one is either understood in full or refused with a line and a reason.

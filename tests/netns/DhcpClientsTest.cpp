@@ -5,9 +5,9 @@
 #include <signal.h>
 #include <sys/mount.h>
 
-#include "platform/linux/DhcpClients.h"
-#include "platform/linux/DhcpControl.h"
-#include "platform/linux/DhcpExit.h"
+#include "platform/linux/dhcp/DhcpClients.h"
+#include "platform/linux/dhcp/DhcpControl.h"
+#include "platform/linux/dhcp/DhcpExit.h"
 #include "tests/netns/DhcpTestSupport.h"
 
 /// Every client that can be supervised, with a real server.

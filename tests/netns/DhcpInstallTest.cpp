@@ -7,8 +7,8 @@
 #include <sys/mount.h>
 
 #include "platform/RegistryKeys.h"
-#include "platform/linux/DhcpInstall.h"
-#include "platform/linux/Dns.h"
+#include "platform/linux/dhcp/DhcpInstall.h"
+#include "platform/linux/resolver/Dns.h"
 #include "tests/netns/DhcpTestSupport.h"
 
 /// Leases on a link, and name servers in the resolver's configuration, without a client.

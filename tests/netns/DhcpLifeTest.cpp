@@ -12,8 +12,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/linux/DhcpControl.h"
-#include "platform/linux/DhcpExit.h"
+#include "platform/linux/dhcp/DhcpControl.h"
+#include "platform/linux/dhcp/DhcpExit.h"
 #include "tests/netns/DhcpTestSupport.h"
 
 /// What happens to links, processes and namespaces around a lease.

@@ -13,8 +13,9 @@
 
 #include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
-#include "platform/linux/DhcpControl.h"
-#include "platform/linux/DhcpSocket.h"
+#include "platform/linux/dhcp/DhcpControl.h"
+#include "platform/linux/dhcp/DhcpSocket.h"
+#include "platform/linux/system/RuntimeFolder.h"
 #include "tests/netns/DhcpTestSupport.h"
 
 /// Leases of the usual client, from a real server.

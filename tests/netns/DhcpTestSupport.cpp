@@ -19,7 +19,8 @@
 
 #include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
-#include "platform/linux/DhcpControl.h"
+#include "platform/linux/dhcp/DhcpControl.h"
+#include "platform/linux/system/RuntimeFolder.h"
 
 namespace corvane::netns {
 

@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <sys/types.h>
 
-#include "platform/linux/RegistryStore.h"
+#include "platform/linux/registry/RegistryStore.h"
 #include "tests/netns/NetnsSupport.h"
 
 /// A real DHCP server in a network namespace of its own, and what tests of nicx-dhcp look at.

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "platform/linux/DeviceNames.h"
-#include "platform/linux/Ethtool.h"
-#include "platform/linux/Netlink.h"
+#include "platform/linux/kernel/Ethtool.h"
+#include "platform/linux/kernel/Netlink.h"
+#include "platform/linux/links/DeviceNames.h"
 #include "tests/netns/NetnsSupport.h"
 
 namespace corvane {

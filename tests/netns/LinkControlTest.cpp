@@ -14,10 +14,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "base/Address.h"
 #include "netns/NetnsSupport.h"
-#include "platform/Address.h"
 #include "platform/RegistryKeys.h"
-#include "platform/linux/LinkControl.h"
+#include "platform/linux/owners/LinkControl.h"
 
 namespace corvane {
 namespace {

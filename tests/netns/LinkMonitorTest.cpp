@@ -13,9 +13,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/linux/LinkMonitor.h"
-#include "platform/linux/Netlink.h"
-#include "platform/linux/NetlinkParse.h"
+#include "platform/linux/kernel/LinkMonitor.h"
+#include "platform/linux/kernel/Netlink.h"
+#include "platform/linux/kernel/NetlinkParse.h"
 #include "tests/netns/NetnsSupport.h"
 
 namespace corvane {

@@ -4,13 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include "base/Address.h"
 #include "netns/NetnsSupport.h"
-#include "platform/Address.h"
 #include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
-#include "platform/linux/LinkSync.h"
-#include "platform/linux/OriginalNote.h"
-#include "platform/linux/TcpipKey.h"
+#include "platform/linux/links/LinkSync.h"
+#include "platform/linux/links/OriginalNote.h"
+#include "platform/linux/links/TcpipKey.h"
 
 namespace corvane {
 namespace {

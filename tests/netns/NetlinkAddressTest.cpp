@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/Netlink.h"
+#include "platform/linux/kernel/Netlink.h"
 #include "tests/netns/NetnsSupport.h"
 
 namespace corvane {

@@ -10,7 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/linux/Netlink.h"
+#include "platform/linux/kernel/Netlink.h"
 #include "tests/netns/NetnsSupport.h"
 
 namespace corvane {

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <linux/rtnetlink.h>
 
-#include "platform/linux/Netlink.h"
+#include "platform/linux/kernel/Netlink.h"
 #include "tests/netns/NetnsSupport.h"
 
 namespace corvane {
@@ -67,8 +67,8 @@ class SavedLinkState : public ::testing::Test {
         return Shown();
     }
 
-    std::vector<RawMessage> Save() {
-        std::vector<RawMessage> messages;
+    std::vector<HeldMessage> Save() {
+        std::vector<HeldMessage> messages;
         EXPECT_EQ(netlink_.SaveLinkState(veth_.Index(), messages).Words(), "");
         return messages;
     }
@@ -78,8 +78,8 @@ class SavedLinkState : public ::testing::Test {
         ASSERT_EQ(netlink_.SetLinkUp(veth_.Index(), true).Words(), "");
     }
 
-    void RestoreAll(const std::vector<RawMessage>& messages) {
-        for (const RawMessage& message : messages) {
+    void RestoreAll(const std::vector<HeldMessage>& messages) {
+        for (const HeldMessage& message : messages) {
             EXPECT_EQ(netlink_.Restore(message).Words(), "") << "type " << message.type;
         }
     }
@@ -87,7 +87,7 @@ class SavedLinkState : public ::testing::Test {
     /// Down, up, restore; then everything must come to look as before.
     void ExpectAllBack() {
         const std::vector<std::string> before = ShownSettled();
-        const std::vector<RawMessage> messages = Save();
+        const std::vector<HeldMessage> messages = Save();
         DownAndUp();
         EXPECT_NE(Shown(), before) << "nothing was lost, so nothing is tested";
         RestoreAll(messages);
@@ -151,7 +151,7 @@ TEST_F(SavedLinkState, MultipathThatAlsoLeavesElsewhereStaysAndIsNotSaved) {
 TEST_F(SavedLinkState, RouteOverANextHopObjectComesBackOverTheSameGateway) {
     Ip("nexthop add id 7 via 10.60.0.2 dev " + Name());
     Ip("route add 10.61.0.0/16 nhid 7");
-    const std::vector<RawMessage> messages = Save();
+    const std::vector<HeldMessage> messages = Save();
     DownAndUp();
     ASSERT_EQ(IpJson("route show 10.61.0.0/16").size(), 0U);
     RestoreAll(messages);
@@ -168,7 +168,7 @@ TEST_F(SavedLinkState, RoutesMarkedForMissingCarrierAreTakenBack) {
     ASSERT_TRUE(WaitUntil([&] {
         return IpJson("route show 10.61.0.0/16").at(0).at("flags") == nlohmann::json::array({"linkdown"});
     }));
-    const std::vector<RawMessage> messages = Save();
+    const std::vector<HeldMessage> messages = Save();
     DownAndUp();
     ASSERT_EQ(IpJson("route show 10.61.0.0/16").size(), 0U);
     ASSERT_EQ(IpJson("route show 10.62.0.0/16").size(), 0U);
@@ -199,7 +199,7 @@ TEST_F(SavedLinkState, Ipv6RoutesAreBackDefaultOnesToo) {
 
 TEST_F(SavedLinkState, Ipv6RouteThatExpiresStillDoes) {
     Ip("-6 route add 2001:db8:61::/48 dev " + Name() + " expires 500");
-    const std::vector<RawMessage> messages = Save();
+    const std::vector<HeldMessage> messages = Save();
     DownAndUp();
     RestoreAll(messages);
     const nlohmann::json shown = IpJson("-6 route show 2001:db8:61::/48");
@@ -253,7 +253,7 @@ TEST_F(SavedLinkState, RestoringWhatIsThereIsSuccessAndChangesNothing) {
     Ip("-6 route add 2001:db8:61::/48 via 2001:db8:60::2");
     Ip("neigh add 10.60.0.9 lladdr 02:00:00:00:00:09 nud permanent dev " + Name());
     const std::vector<std::string> before = ShownSettled();
-    const std::vector<RawMessage> messages = Save();
+    const std::vector<HeldMessage> messages = Save();
     EXPECT_EQ(messages.size(), 5U);
     RestoreAll(messages);
     EXPECT_EQ(Shown(), before);
@@ -261,8 +261,8 @@ TEST_F(SavedLinkState, RestoringWhatIsThereIsSuccessAndChangesNothing) {
 
 TEST_F(SavedLinkState, RestoringOnALinkThatIsDownGivesTheKernelsReason) {
     Ip("route add 10.61.0.0/16 via 10.60.0.2");
-    std::vector<RawMessage> messages = Save();
-    std::erase_if(messages, [](const RawMessage& message) { return message.type != RTM_NEWROUTE; });
+    std::vector<HeldMessage> messages = Save();
+    std::erase_if(messages, [](const HeldMessage& message) { return message.type != RTM_NEWROUTE; });
     ASSERT_EQ(messages.size(), 1U);
     veth_.SetUp(false);
     const KernelAnswer answer = netlink_.Restore(messages[0]);
@@ -271,9 +271,9 @@ TEST_F(SavedLinkState, RestoringOnALinkThatIsDownGivesTheKernelsReason) {
 }
 
 TEST_F(SavedLinkState, OtherMessagesAreNotSent) {
-    const std::vector<RawMessage> messages = Save();
+    const std::vector<HeldMessage> messages = Save();
     ASSERT_EQ(messages.size(), 1U);
-    RawMessage message = messages[0];
+    HeldMessage message = messages[0];
     message.type = RTM_DELADDR;
     EXPECT_EQ(netlink_.Restore(message).errnoValue, EINVAL);
     message.type = RTM_NEWLINK;
@@ -284,7 +284,7 @@ TEST_F(SavedLinkState, OtherMessagesAreNotSent) {
 }
 
 TEST(SaveLinkState, UnknownLinkHasNothingAndAnImpossibleIndexIsEnodev) {
-    std::vector<RawMessage> messages(3);
+    std::vector<HeldMessage> messages(3);
     EXPECT_EQ(Netlink().SaveLinkState(0, messages).errnoValue, ENODEV);
     EXPECT_TRUE(messages.empty());
 }

@@ -8,8 +8,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/linux/Netlink.h"
-#include "platform/linux/NetlinkSocket.h"
+#include "platform/linux/kernel/Netlink.h"
+#include "platform/linux/kernel/NetlinkSocket.h"
 #include "tests/netns/NetnsSupport.h"
 
 namespace corvane {
@@ -144,7 +144,7 @@ TEST_F(NetlinkRoutes, NamespaceThatNeverHadARouteGivesAnEmptyList) {
         if (unshare(CLONE_NEWNET) != 0) _exit(1);
         Netlink netlink;
         std::vector<KernelRoute> routes(1);
-        std::vector<RawMessage> messages(1);
+        std::vector<HeldMessage> messages(1);
         if (!netlink.DumpRoutes(routes).Ok() || !routes.empty()) _exit(2);
         if (!netlink.SaveLinkState(1, messages).Ok() || !messages.empty()) _exit(3);
         _exit(0);

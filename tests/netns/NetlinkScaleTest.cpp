@@ -7,8 +7,8 @@
 #include <linux/rtnetlink.h>
 #include <unistd.h>
 
-#include "platform/linux/Netlink.h"
-#include "platform/linux/NetlinkSocket.h"
+#include "platform/linux/kernel/Netlink.h"
+#include "platform/linux/kernel/NetlinkSocket.h"
 #include "tests/netns/NetnsSupport.h"
 
 namespace corvane {

@@ -10,14 +10,14 @@
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 
+#include "base/Address.h"
 #include "inventory/GetNicInfo.h"
 #include "inventory/NicInfo.h"
 #include "netns/NetnsSupport.h"
-#include "platform/Address.h"
 #include "platform/Platform.h"
 #include "platform/RegistryKeys.h"
-#include "platform/linux/LinkControl.h"
-#include "platform/linux/TcpipKey.h"
+#include "platform/linux/links/TcpipKey.h"
+#include "platform/linux/owners/LinkControl.h"
 #include "tcpip/RegistryWriters.h"
 
 namespace corvane {

@@ -12,8 +12,8 @@
 #include "fakes/Fakes.h"
 #include "netns/NetnsSupport.h"
 #include "platform/RegistryKeys.h"
-#include "platform/linux/LinkControl.h"
 #include "platform/linux/SyncedRegistry.h"
+#include "platform/linux/owners/LinkControl.h"
 
 namespace corvane {
 namespace {

@@ -8,4 +8,4 @@ corvane_test(NAME netlink_test NETNS
         netns/NetlinkRouteTest.cpp
         netns/NetlinkScaleTest.cpp
         netns/NetnsSupport.cpp
-    LIBS corvane_netlink)
+    LIBS corvane_links)

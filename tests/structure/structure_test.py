@@ -14,37 +14,54 @@ WINDOWS_BUILD = os.path.join(SOURCE, "build-windows")
 
 # Folder -> the folders whose headers it may include, besides its own. Everything goes one way.
 ALLOWED = {
-    "platform": set(),
-    "platform/linux": {"platform"},
-    "platform/windows": {"platform"},
-    "vendors": {"platform"},
-    "inventory": {"platform", "vendors"},
-    "mac": {"platform", "inventory"},
-    "tcpip": {"platform", "inventory", "mac"},
-    "presets": {"platform", "vendors", "inventory", "mac", "tcpip"},
-    "ui/logic": {"platform", "vendors", "inventory", "mac", "tcpip", "presets"},
-    "ui": {"platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic"},
-    "ui/gtk": {"platform", "ui"},
-    "ui/windows": {"platform", "platform/windows", "ui", "ui/logic"},
-    "startup": {"platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic", "ui"},
+    "base": set(),
+    "platform": {"base"},
+    "platform/linux/system": {"base", "platform"},
+    "platform/linux/registry": {"base", "platform", "platform/linux/system"},
+    "platform/linux/kernel": {"base", "platform/linux/system"},
+    "platform/linux/links": {"base", "platform", "platform/linux/kernel", "platform/linux/registry", "platform/linux/system"},
+    "platform/linux/resolver": {"base", "platform", "platform/linux/kernel", "platform/linux/registry",
+                                "platform/linux/system"},
+    "platform/linux/dhcp": {"base", "platform", "platform/linux/kernel", "platform/linux/registry",
+                            "platform/linux/resolver", "platform/linux/system"},
+    "platform/linux/owners": {"base", "platform", "platform/linux/dhcp", "platform/linux/kernel", "platform/linux/links",
+                              "platform/linux/registry", "platform/linux/resolver", "platform/linux/system"},
+    "platform/linux": {"base", "platform", "platform/linux/dhcp", "platform/linux/kernel", "platform/linux/links",
+                       "platform/linux/owners", "platform/linux/registry", "platform/linux/resolver",
+                       "platform/linux/system"},
+    "platform/windows": {"base", "platform"},
+    "vendors": {"base", "platform"},
+    "inventory": {"base", "platform", "vendors"},
+    "mac": {"base", "platform", "inventory"},
+    "tcpip": {"base", "platform", "inventory", "mac"},
+    "presets": {"base", "platform", "vendors", "inventory", "mac", "tcpip"},
+    "ui/logic": {"base", "platform", "vendors", "inventory", "mac", "tcpip", "presets"},
+    "ui": {"base", "platform", "vendors", "inventory", "mac", "tcpip", "presets", "ui/logic"},
+    "ui/gtk": {"base", "platform", "ui"},
+    "ui/windows": {"base", "platform", "platform/windows", "ui", "ui/logic"},
+    "startup": {"base", "platform", "vendors", "inventory", "mac", "tcpip", "presets"},
+    "programs": {"base", "platform", "startup", "ui"},
+    "programs/registry": {"base", "platform", "platform/linux/links", "platform/linux/registry", "platform/linux/system",
+                          "startup"},
+    "programs/report": {"base", "platform", "vendors", "inventory", "startup", "ui/logic"},
 }
-# What belongs to one system alone, and the folder of that system which it may include.
+# What belongs to one system alone, and the folders of that system which it may include.
 OF_ONE_SYSTEM = {
-    "startup/NicxDhcp.cpp": "platform/linux",
-    "startup/NicxExe.cpp": "platform/windows",
-    "startup/NicxRegistry.cpp": "platform/linux",
-    "startup/NicxWindow.cpp": "ui/gtk",
-    "startup/RegistryTool.cpp": "platform/linux",
-    "startup/RegistryTool.h": "platform/linux",
+    "programs/NicxDhcp.cpp": {"platform/linux/dhcp", "platform/linux/kernel", "platform/linux/system"},
+    "programs/NicxExe.cpp": {"platform/windows"},
+    "programs/NicxWindow.cpp": {"ui/gtk"},
 }
+
+LINUX = {folder for folder in ALLOWED if folder.startswith("platform/linux")}
 
 # System headers that only these folders may see.
 CONFINED = {
-    r"sqlite3\.h": {"platform/linux"},
-    r"(linux|libmnl|net|netinet|arpa)/.*": {"platform/linux"},
-    r"libudev\.h": {"platform/linux"},
+    r"sqlite3\.h": {"platform/linux/registry"},
+    r"libmnl/.*|linux/(netlink|rtnetlink|neighbour|if_link|if_addr)\.h": {"platform/linux/kernel"},
+    r"(linux|net|netinet|arpa)/.*": LINUX,
+    r"libudev\.h": {"platform/linux/links"},
     r"(windows|winsock2|ws2.*|iphlpapi|obj.*|ole.*|shellapi|shldisp)\.h|wrl/.*": {"platform/windows"},
-    r"wx/.*": {"ui", "ui/gtk", "ui/windows", "startup"},
+    r"wx/.*": {"ui", "ui/gtk", "ui/windows", "programs"},
     r"(gtk|gdk|atk)/.*": {"ui/gtk"},
 }
 
@@ -101,7 +118,7 @@ class Structure(unittest.TestCase):
                 self.assertIsNotNone(target, f"{path} includes {name} by a path that is not from the root")
                 allowed = ALLOWED[folder] | {folder}
                 if path in OF_ONE_SYSTEM:
-                    allowed = allowed | {OF_ONE_SYSTEM[path]}
+                    allowed = allowed | OF_ONE_SYSTEM[path]
                 if target not in allowed:
                     wrong.append(f"{path} includes {name}")
         self.assertGreater(seen, 100)
@@ -132,7 +149,7 @@ class Structure(unittest.TestCase):
                 unit.flush()
                 compiler = "x86_64-w64-mingw32-g++-posix" if is_windows_code(path) else "g++"
                 flags = []
-                if path.startswith(("ui/", "startup/")):
+                if path.startswith(("ui/", "programs/")):
                     flags = windows if is_windows_code(path) else toolkit
                 run = subprocess.run([compiler, "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only", "-I", SOURCE,
                                       *flags, unit.name], capture_output=True, text=True)

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/RunTimeError.h"
+#include "base/RunTimeError.h"
 #include "startup/Actions.h"
 #include "startup/Startup.h"
 #include "tests/unit/CoreSupport.h"

@@ -1,7 +1,7 @@
 #include <map>
 #include <memory>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 #include "tcpip/AddressOperations.h"
 #include "tests/unit/StackSupport.h"
 #include "tests/unit/WindowCommandSupport.h"

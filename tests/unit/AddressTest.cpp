@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Address.h"
+#include "base/Address.h"
 
 namespace corvane {
 namespace {

@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Text.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 
 namespace corvane {
 namespace {

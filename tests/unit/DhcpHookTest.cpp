@@ -6,9 +6,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "platform/linux/Descriptor.h"
-#include "platform/linux/DhcpHook.h"
-#include "platform/linux/DhcpLease.h"
+#include "platform/linux/dhcp/DhcpHook.h"
+#include "platform/linux/dhcp/DhcpLease.h"
+#include "platform/linux/system/Descriptor.h"
 
 namespace corvane {
 namespace {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Registry.h"
-#include "platform/linux/DhcpLease.h"
+#include "platform/linux/dhcp/DhcpLease.h"
 
 namespace corvane {
 namespace {

@@ -6,7 +6,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "platform/linux/Errors.h"
+#include "platform/linux/registry/SqliteErrors.h"
+#include "platform/linux/system/Errors.h"
 
 namespace corvane {
 namespace {

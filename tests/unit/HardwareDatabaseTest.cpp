@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/HardwareDatabase.h"
+#include "platform/linux/links/HardwareDatabase.h"
 
 namespace corvane {
 namespace {

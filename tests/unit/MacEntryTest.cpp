@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 #include "tests/unit/MacBoxesSupport.h"
 
 namespace corvane {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 #include "ui/logic/Maker.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 
-#include "platform/linux/NetlinkParse.h"
+#include "platform/linux/kernel/NetlinkParse.h"
 #include "tests/unit/NetlinkMessages.h"
 
 namespace corvane {

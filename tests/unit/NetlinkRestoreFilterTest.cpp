@@ -4,7 +4,7 @@
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 
-#include "platform/linux/NetlinkRestore.h"
+#include "platform/linux/kernel/NetlinkRestore.h"
 #include "tests/unit/NetlinkMessages.h"
 
 namespace corvane {
@@ -32,7 +32,7 @@ TEST(SavedAddress, StateFlagsAreTakenOutAndRequestFlagsKept) {
         Join({Raw(AddressHeader()), Attribute(IFA_ADDRESS, Bytes(16, 1)),
               Attribute(IFA_FLAGS, Number(IFA_F_PERMANENT | IFA_F_DEPRECATED | IFA_F_TENTATIVE | IFA_F_NODAD |
                                           IFA_F_NOPREFIXROUTE))});
-    const std::optional<RawMessage> saved = SavedAddress(payload, kLink);
+    const std::optional<HeldMessage> saved = SavedAddress(payload, kLink);
     ASSERT_TRUE(saved);
     ifaddrmsg header = AddressHeader();
     header.ifa_flags = IFA_F_NODAD;
@@ -77,7 +77,7 @@ TEST(SavedRoute, StateBitsCacheRecordAndNextHopObjectAreTakenOut) {
     const Bytes kept = Join({Attribute(RTA_DST, {10, 1, 0, 0}), Attribute(RTA_OIF, Number(kLink))});
     const Bytes payload = Join(
         {Raw(header), kept, Attribute(RTA_CACHEINFO, Raw(rta_cacheinfo{})), Attribute(RTA_NH_ID, Number(9))});
-    const std::optional<RawMessage> saved = SavedRoute(payload, AF_INET, kLink);
+    const std::optional<HeldMessage> saved = SavedRoute(payload, AF_INET, kLink);
     ASSERT_TRUE(saved);
     header.rtm_flags = RTNH_F_ONLINK;
     EXPECT_EQ(saved->type, RTM_NEWROUTE);
@@ -93,7 +93,7 @@ TEST(SavedRoute, StateBitsOfEachNextHopAreTakenOut) {
     clean.rtnh_flags = RTNH_F_ONLINK;
     const Bytes gateway = Attribute(RTA_GATEWAY, {10, 0, 0, 1});
     const rtmsg header = RouteHeader(AF_INET);
-    const std::optional<RawMessage> saved = SavedRoute(
+    const std::optional<HeldMessage> saved = SavedRoute(
         Join({Raw(header), Attribute(RTA_MULTIPATH, Join({Raw(hop), gateway, Raw(hop), gateway}))}), AF_INET,
         kLink);
     ASSERT_TRUE(saved);
@@ -107,7 +107,7 @@ TEST(SavedRoute, ExpiryInTicksBecomesSeconds) {
     rta_cacheinfo cache{};
     cache.rta_expires = 12'345;
     const Bytes start = Join({Raw(RouteHeader(AF_INET6)), Attribute(RTA_OIF, Number(kLink))});
-    const std::optional<RawMessage> saved =
+    const std::optional<HeldMessage> saved =
         SavedRoute(Join({start, Attribute(RTA_CACHEINFO, Raw(cache))}), AF_INET6, kLink);
     ASSERT_TRUE(saved);
     EXPECT_EQ(saved->payload, Join({start, Attribute(RTA_EXPIRES, Number(123))}));

@@ -6,7 +6,7 @@
 #include <linux/rtnetlink.h>
 #include <sys/resource.h>
 
-#include "platform/linux/NetlinkSocket.h"
+#include "platform/linux/kernel/NetlinkSocket.h"
 #include "tests/unit/NetlinkMessages.h"
 
 namespace corvane {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 #include "tests/unit/AddressListSupport.h"
 #include "tests/unit/CoreSupport.h"
 #include "tests/unit/PresetsSupport.h"

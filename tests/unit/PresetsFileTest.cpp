@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/RunTimeError.h"
+#include "base/RunTimeError.h"
 #include "presets/PresetsFile.h"
 #include "tests/unit/PresetsSupport.h"
 #include "tests/unit/TempFolder.h"

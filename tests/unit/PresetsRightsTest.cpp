@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/RunTimeError.h"
+#include "base/RunTimeError.h"
 #include "presets/PresetsFile.h"
 #include "tests/unit/FileSupport.h"
 #include "tests/unit/SavePresetsSupport.h"

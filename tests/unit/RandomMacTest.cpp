@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/RunTimeError.h"
+#include "base/RunTimeError.h"
 #include "vendors/RandomMac.h"
 
 namespace corvane {

@@ -8,7 +8,7 @@
 #include <sqlite3.h>
 #include <sys/stat.h>
 
-#include "platform/linux/RegistryStore.h"
+#include "platform/linux/registry/RegistryStore.h"
 #include "tests/unit/FileSupport.h"
 
 /// The store's file: made, missing, damaged, foreign, read-only.

@@ -10,7 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/linux/RegistryStore.h"
+#include "platform/linux/registry/RegistryStore.h"
 #include "tests/unit/FileSupport.h"
 
 /// Several programs, or threads, at one store.

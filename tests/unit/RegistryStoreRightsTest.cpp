@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "platform/linux/RegistryStore.h"
+#include "platform/linux/registry/RegistryStore.h"
 #include "tests/unit/FileSupport.h"
 
 /// The store for a user without rights: each case's body runs in a child process without privileges.

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/RegistryStore.h"
+#include "platform/linux/registry/RegistryStore.h"
 #include "tests/unit/FileSupport.h"
 
 /// What the store does beyond RegistryApi, with one program and all rights.

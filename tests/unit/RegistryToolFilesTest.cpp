@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "platform/linux/Utf16.h"
+#include "platform/linux/registry/Utf16.h"
 #include "tests/unit/FileSupport.h"
 #include "tests/unit/RegistryToolSupport.h"
 

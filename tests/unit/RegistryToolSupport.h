@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/RegistryStore.h"
-#include "startup/RegistryTool.h"
+#include "platform/linux/registry/RegistryStore.h"
+#include "programs/registry/RegistryTool.h"
 #include "tests/unit/FileSupport.h"
 
 /// Runs nicx-registry's commands in the test's own process.

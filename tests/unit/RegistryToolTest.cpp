@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "startup/RegistryTool.h"
+#include "programs/registry/RegistryTool.h"
 #include "tests/unit/FileSupport.h"
 #include "tests/unit/RegistryToolSupport.h"
 

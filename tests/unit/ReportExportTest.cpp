@@ -1,4 +1,5 @@
-#include "platform/Text.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "tests/unit/CoreSupport.h"
 #include "tests/unit/FileSupport.h"
 #include "tests/unit/SmallDisk.h"

@@ -15,7 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/linux/Dns.h"
+#include "platform/linux/resolver/Dns.h"
 
 namespace corvane {
 namespace {

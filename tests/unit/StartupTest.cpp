@@ -1,7 +1,7 @@
 #include <new>
 
+#include "base/RunTimeError.h"
 #include "mac/SetConnectionState.h"
-#include "platform/RunTimeError.h"
 #include "presets/PresetsFile.h"
 #include "startup/CommandLine.h"
 #include "startup/Startup.h"

@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "base/Text.h"
 #include "fakes/Fakes.h"
 #include "inventory/NicInfo.h"
-#include "platform/Text.h"
+#include "platform/CodePage.h"
 #include "ui/logic/TextReport.h"
 
 namespace corvane {

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/RunTimeError.h"
+#include "base/RunTimeError.h"
 #include "tests/unit/MacBoxesSupport.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/RunTimeError.h"
+#include "base/RunTimeError.h"
 #include "tests/unit/FileSupport.h"
 #include "vendors/VendorList.h"
 

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/RunTimeError.h"
+#include "base/RunTimeError.h"
 #include "tests/unit/TempFolder.h"
 #include "vendors/VendorList.h"
 

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/RunTimeError.h"
-#include "platform/Text.h"
+#include "base/RunTimeError.h"
+#include "base/Text.h"
 #include "tests/unit/MacBoxesSupport.h"
 
 namespace corvane {

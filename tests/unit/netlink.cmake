@@ -5,4 +5,4 @@ corvane_test(NAME netlink_unit_test
         unit/NetlinkParseTest.cpp
         unit/NetlinkRestoreFilterTest.cpp
         unit/NetlinkSocketTest.cpp
-    LIBS corvane_netlink)
+    LIBS corvane_links)

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/Text.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 
 namespace corvane {
 

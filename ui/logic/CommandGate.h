@@ -5,8 +5,8 @@ namespace corvane {
 
 class CommandGate {
  public:
-    /// Holds the gate while a command runs. Converts to false when another one is running: then nothing may be
-    /// done.
+    /// Holds the gate while a command runs. Converts to false when another one is running: then nothing may
+    /// be done.
     class Scope {
      public:
         explicit Scope(CommandGate& gate) : gate_(gate), entered_(!gate.busy_) { gate_.busy_ = true; }

@@ -3,8 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/Address.h"
 #include "inventory/NicInfo.h"
-#include "platform/Address.h"
 #include "platform/Seat.h"
 #include "presets/Advice.h"
 #include "presets/PresetRecord.h"

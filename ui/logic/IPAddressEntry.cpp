@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 
 namespace corvane {
 

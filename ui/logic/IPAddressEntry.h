@@ -7,8 +7,8 @@
 
 #include "ui/logic/MacEntry.h"
 
-/// The rules of the entry control for one IPv4 address in dotted-quad form: four boxes `Text1`, one per octet,
-/// 0 to 3 from left to right.
+/// The rules of the entry control for one IPv4 address in dotted-quad form: four boxes `Text1`, one per
+/// octet, 0 to 3 from left to right.
 namespace corvane {
 
 /// Number of boxes.
@@ -22,7 +22,8 @@ class QuadBoxesView {
     virtual ~QuadBoxesView() = default;
 
     [[nodiscard]] virtual std::string BoxText(int box) const = 0;
-    /// When the text is another one than before, IPAddressEntry::Changed runs for the box before this returns.
+    /// When the text is another one than before, IPAddressEntry::Changed runs for the box before this
+    /// returns.
     virtual void SetBoxText(int box, const std::string& text) = 0;
     [[nodiscard]] virtual TextSelection Selection(int box) const = 0;
     virtual void Select(int box, TextSelection selection) = 0;
@@ -43,8 +44,8 @@ class IPAddressEntry {
     /// Raised for every key that is let through to a box.
     std::function<void()> Edit;
 
-    /// The texts of the boxes joined by "."; empty when all of them are. A value that is not complete reads as
-    /// it stands, such as "10.1..".
+    /// The texts of the boxes joined by "."; empty when all of them are. A value that is not complete reads
+    /// as it stands, such as "10.1..".
     [[nodiscard]] std::string Text() const;
     /// An empty text empties the boxes. A text of exactly four parts joined by "." sets each box to the
     /// numeric value of its part in decimal; any other number of parts changes nothing.
@@ -55,16 +56,16 @@ class IPAddressEntry {
     /// All four octets, the first one first (network byte order).
     [[nodiscard]] std::array<std::uint8_t, kQuadBoxes> Octets() const;
 
-    /// A character was typed: its code (8 = backspace, 3, 22, 24, 26 = Ctrl+C, V, X, Z). True: the box handles
-    /// it as usual; false: done here, the window drops it. Keys without a character, Tab, Enter and Escape are
-    /// not for the rules.
+    /// A character was typed: its code (8 = backspace, 3, 22, 24, 26 = Ctrl+C, V, X, Z). True: the box
+    /// handles it as usual; false: done here, the window drops it. Keys without a character, Tab, Enter and
+    /// Escape are not for the rules.
     bool KeyPress(int box, int character);
 
     /// An arrow key is down. True: done here, the window drops the key; false: the box handles it.
     bool KeyDown(int box, BoxKey key, bool shift, bool control);
 
-    /// The text of a box changed, by the user or by SetBoxText with another text. One that is no number from 0
-    /// to 255 of at most three digits is emptied with a beep.
+    /// The text of a box changed, by the user or by SetBoxText with another text. One that is no number from
+    /// 0 to 255 of at most three digits is emptied with a beep.
     void Changed(int box);
 
     void FocusGained(int box);
@@ -84,7 +85,8 @@ class IPAddressEntry {
     void Raise(const std::function<void()>& event) const;
 
     QuadBoxesView& boxes_;
-    std::uint16_t pendingKey_ = 0;  ///< The key that overflowed a box, for the next box when it gets the focus.
+    std::uint16_t pendingKey_ =
+        0;  ///< The key that overflowed a box, for the next box when it gets the focus.
 };
 
 }  // namespace corvane

@@ -3,10 +3,10 @@
 #include <bit>
 #include <cmath>
 
+#include "base/Address.h"
+#include "base/Text.h"
 #include "inventory/NicInfo.h"
-#include "platform/Address.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "presets/Advice.h"
 
 namespace corvane {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 
 namespace corvane {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The maker's pages and address, and the fixed texts about the product. The domain is a reserved one (RFC 2606)
-/// until the maker's own is registered: change it here and nowhere else.
+/// The maker's pages and address, and the fixed texts about the product. The domain is a reserved one (RFC
+/// 2606) until the maker's own is registered: change it here and nowhere else.
 namespace corvane {
 
 inline constexpr char kMakerWebsite[] = "https://orvella.example/";

@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Opening the help page and the maker's pages with the user's own programs. What cannot be opened is shown in
-/// a box with what the system says.
+/// Opening the help page and the maker's pages with the user's own programs. What cannot be opened is shown
+/// in a box with what the system says.
 namespace corvane {
 
 /// `mnuShowHelp`, `mnuHelp`: "help.html" in the program folder, which ends in the separator.

@@ -4,8 +4,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "presets/PresetsFile.h"
 #include "tcpip/InterfaceKey.h"
 #include "ui/logic/MacEntry.h"

@@ -2,9 +2,10 @@
 
 #include <system_error>
 
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/Files.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "ui/logic/TextReport.h"
 
 namespace corvane {

@@ -3,10 +3,11 @@
 #include <cmath>
 #include <string_view>
 
+#include "base/RunTimeError.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/Platform.h"
-#include "platform/RunTimeError.h"
 #include "platform/Seat.h"
-#include "platform/Text.h"
 #include "ui/logic/MacEntry.h"
 #include "vendors/RandomMac.h"
 #include "vendors/VendorList.h"

@@ -2,8 +2,9 @@
 #include <array>
 #include <string_view>
 
-#include "platform/RunTimeError.h"
-#include "platform/Text.h"
+#include "base/RunTimeError.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "ui/logic/VendorEntry.h"
 #include "vendors/VendorList.h"
 

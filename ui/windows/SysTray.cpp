@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "platform/Text.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
 #include "platform/windows/Windows.h"
 
 namespace corvane {

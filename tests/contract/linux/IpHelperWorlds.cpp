@@ -2,7 +2,7 @@
 
 #include "netns/NetnsSupport.h"
 #include "platform/linux/IpHelper.h"
-#include "platform/linux/Machine.h"
+#include "platform/linux/links/Machine.h"
 #include "tests/contract/IpHelperWorld.h"
 
 namespace corvane::contract {

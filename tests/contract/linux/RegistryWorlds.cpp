@@ -1,4 +1,4 @@
-#include "platform/linux/RegistryStore.h"
+#include "platform/linux/registry/RegistryStore.h"
 #include "tests/contract/RegistryWorld.h"
 #include "tests/unit/FileSupport.h"
 

@@ -2,7 +2,7 @@
 
 #include "netns/NetnsSupport.h"
 #include "platform/linux/ConnectionsFolder.h"
-#include "platform/linux/Machine.h"
+#include "platform/linux/links/Machine.h"
 #include "tests/contract/ShellWorld.h"
 
 namespace corvane::contract {

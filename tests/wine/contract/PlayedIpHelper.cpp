@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Text.h"
+#include "base/Text.h"
 
 namespace corvane::contract {
 

@@ -1,0 +1,142 @@
+#include "platform/linux/links/TcpipKey.h"
+
+#include <algorithm>
+
+#include "base/Address.h"
+#include "base/Text.h"
+#include "platform/CodePage.h"
+#include "platform/Registry.h"
+#include "platform/RegistryKeys.h"
+
+namespace corvane {
+
+namespace {
+
+std::vector<std::uint8_t> ReadBytes(RegistryStore& store, const std::string& key, const std::string& name) {
+    const RegistryRead read = store.ReadValue(kHkeyLocalMachine, key, name);
+    return Ok(read.code) ? read.value.data : std::vector<std::uint8_t>();
+}
+
+/// The entries of a multi-string, whatever terminators it has; positions are kept, empty entries at the end
+/// are not.
+std::vector<std::string> ReadList(RegistryStore& store, const std::string& key, const std::string& name) {
+    const std::vector<std::uint8_t> bytes = ReadBytes(store, key, name);
+    std::vector<std::string> entries =
+        Split(FromCodePage({reinterpret_cast<const char*>(bytes.data()), bytes.size()}), '\0');
+    while (!entries.empty() && entries.back().empty()) entries.pop_back();
+    return entries;
+}
+
+std::uint32_t MetricOf(const std::string& text, std::uint32_t interfaceMetric) {
+    const double value = NumericValue(text);
+    return value >= 1 && value <= 4294967295.0 ? static_cast<std::uint32_t>(value) : interfaceMetric;
+}
+
+void TakeAddress(const std::string& text, const std::string& maskText, std::uint32_t index,
+                 StaticSetup& setup) {
+    const std::optional<Ipv4Bytes> address = ParseIpv4(text);
+    const std::optional<Ipv4Bytes> mask = ParseIpv4(maskText);
+    const std::uint8_t prefix = mask ? PrefixFromMask(*mask).value_or(0) : 0;
+    std::string reason = address ? HostAddressRefusal(*address) : "it is no IPv4 address";
+    if (reason.empty() && prefix == 0) reason = "its mask '" + maskText + "' is no subnet mask";
+    if (!reason.empty()) {
+        setup.refused.push_back("IP address '" + text + "' was not set: " + reason);
+        return;
+    }
+    KernelAddress wanted;
+    wanted.index = index;
+    wanted.address = *address;
+    wanted.prefix = prefix;
+    const bool repeated =
+        std::any_of(setup.addresses.begin(), setup.addresses.end(),
+                    [&](const KernelAddress& other) { return other.address == wanted.address; });
+    if (!repeated) setup.addresses.push_back(wanted);
+}
+
+std::string NoteOf(const KernelAddress& address) {
+    return DottedQuad(address.address.data()) + "/" + std::to_string(address.prefix);
+}
+
+RegistryValue ListValue(const std::vector<std::string>& entries) {
+    RegistryValue value{kRegMultiSz, {}};
+    for (const std::string& entry : entries) {
+        value.data.insert(value.data.end(), entry.begin(), entry.end());
+        value.data.push_back(0);
+    }
+    value.data.push_back(0);
+    return value;
+}
+
+}  // namespace
+
+bool UsesDhcp(RegistryStore& store, const std::string& linkId) {
+    const std::vector<std::uint8_t> bytes = ReadBytes(store, TcpipKey(linkId), "EnableDHCP");
+    return !bytes.empty() && bytes[0] != 0;
+}
+
+StaticSetup ReadStaticSetup(RegistryStore& store, const std::string& linkId, std::uint32_t linkIndex) {
+    static constexpr std::uint8_t kStatic = 4;
+    const std::string key = TcpipKey(linkId);
+    StaticSetup setup;
+    const std::vector<std::string> addresses = ReadList(store, key, "IPAddress");
+    const std::vector<std::string> masks = ReadList(store, key, "SubnetMask");
+    for (std::size_t i = 0; i < addresses.size(); ++i) {
+        if (addresses[i].empty() || addresses[i] == "0.0.0.0") continue;
+        const bool hasMask = i < masks.size() && !masks[i].empty();
+        TakeAddress(addresses[i], hasMask ? masks[i] : "255.0.0.0", linkIndex, setup);
+    }
+    const std::uint32_t interfaceMetric = DwordFrom(ReadBytes(store, key, "InterfaceMetric"));
+    const std::vector<std::string> gateways = ReadList(store, key, "DefaultGateway");
+    std::vector<std::string> metrics = ReadList(store, key, "DefaultGatewayMetric");
+    metrics.resize(gateways.size());
+    for (std::size_t i = 0; i < gateways.size(); ++i) {
+        if (Trim(gateways[i]).empty()) continue;
+        const std::optional<Ipv4Bytes> gateway = ParseIpv4(gateways[i]);
+        const std::string reason = gateway ? HostAddressRefusal(*gateway) : "it is no IPv4 address";
+        if (!reason.empty()) {
+            setup.refused.push_back("gateway '" + gateways[i] + "' was not set: " + reason);
+            continue;
+        }
+        KernelRoute route;
+        route.gateway = gateway;
+        route.index = linkIndex;
+        route.metric = MetricOf(metrics[i], interfaceMetric);
+        route.protocol = kStatic;
+        setup.defaultRoutes.push_back(route);
+    }
+    return setup;
+}
+
+std::vector<std::string> ReadRunTimeAddresses(RegistryStore& store, const std::string& linkId) {
+    return ReadList(store, TcpipKey(linkId), kRunTimeAddresses);
+}
+
+bool IsRunTimeAddress(const std::vector<std::string>& notes, const KernelAddress& address) {
+    return std::find(notes.begin(), notes.end(), NoteOf(address)) != notes.end();
+}
+
+Win32Error NoteRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor, const std::string& linkId,
+                              const KernelAddress& address) {
+    std::vector<std::string> notes = ReadRunTimeAddresses(store, linkId);
+    if (IsRunTimeAddress(notes, address)) return Win32Error::kSuccess;
+    notes.push_back(NoteOf(address));
+    return editor.SetFromKernel(TcpipKey(linkId), kRunTimeAddresses, ListValue(notes));
+}
+
+Win32Error ForgetRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor,
+                                const std::string& linkId, const KernelAddress& address) {
+    std::vector<std::string> notes = ReadRunTimeAddresses(store, linkId);
+    std::erase(notes, NoteOf(address));
+    const std::string key = TcpipKey(linkId);
+    return notes.empty() ? editor.DeleteValue(key, kRunTimeAddresses)
+                         : editor.SetFromKernel(key, kRunTimeAddresses, ListValue(notes));
+}
+
+std::optional<std::string> ReadOverride(RegistryStore& store, const std::string& driverKey) {
+    const RegistryRead read = store.ReadValue(kHkeyLocalMachine, DriverKeyPath(driverKey), "NetworkAddress");
+    if (!Ok(read.code)) return std::nullopt;
+    return Without(
+        FromCodePage({reinterpret_cast<const char*>(read.value.data.data()), read.value.data.size()}), '\0');
+}
+
+}  // namespace corvane

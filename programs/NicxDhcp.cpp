@@ -1,0 +1,258 @@
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include "platform/linux/dhcp/DhcpClients.h"
+#include "platform/linux/dhcp/DhcpExit.h"
+#include "platform/linux/dhcp/DhcpHook.h"
+#include "platform/linux/dhcp/DhcpSocket.h"
+#include "platform/linux/dhcp/DhcpSupervisor.h"
+#include "platform/linux/kernel/Netlink.h"
+#include "platform/linux/system/Descriptor.h"
+#include "startup/Version.h"
+
+/// nicx-dhcp: supervisor of the DHCP client of one link, and the client's hook.
+
+extern char** environ;
+
+namespace {
+
+using namespace corvane;
+
+constexpr char kHelp[] =
+    "Usage: nicx-dhcp --interface NAME --id {GUID} [--index NUMBER] [OPTIONS]\n"
+    "Keeps a DHCP lease on one network link. It is started and stopped by nicx.\n"
+    "\n"
+    "  --interface NAME  the link\n"
+    "  --index NUMBER    the link's index; it must be NAME's\n"
+    "  --id {GUID}       configuration id of the connection, for the registry\n"
+    "  --client CLIENT   udhcpc, dhcpcd or dhclient; without it the first that is installed\n"
+    "  --foreground      stay in the foreground, messages on standard error\n"
+    "  --help            this text\n"
+    "  --version         the version\n"
+    "\n"
+    "Exit codes: 0 done, 1 failed, 2 wrong arguments, 3 not root, 4 no DHCP client, 5 no such link.\n"
+    "Environment: NICX_REGISTRY (registry file), NICX_RUNTIME (folder of the control sockets), "
+    "NICX_DHCP_CLIENT\n"
+    "(as --client).\n";
+
+struct Arguments {
+    std::string interface;
+    std::string id;
+    std::optional<std::uint32_t> index;
+    std::optional<DhcpClientKind> client;
+    bool foreground = false;
+    bool help = false;
+    bool version = false;
+};
+
+/// False with the reason in `failure`.
+bool ReadArguments(const std::vector<std::string>& texts, Arguments& arguments, std::string& failure) {
+    const auto fail = [&](const std::string& reason) {
+        failure = reason;
+        return false;
+    };
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const std::string& option = texts[i];
+        if (option == "--help" || option == "--version" || option == "--foreground") {
+            (option == "--help"      ? arguments.help
+             : option == "--version" ? arguments.version
+                                     : arguments.foreground) = true;
+            continue;
+        }
+        const bool known =
+            option == "--interface" || option == "--index" || option == "--id" || option == "--client";
+        if (!known) return fail("unknown argument " + option);
+        if (++i == texts.size()) return fail(option + " needs a value");
+        const std::string& value = texts[i];
+        if (option == "--interface") arguments.interface = value;
+        if (option == "--id") arguments.id = value;
+        if (option == "--index") {
+            std::uint32_t index = 0;
+            const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), index);
+            if (error != std::errc() || *end != '\0' || index == 0)
+                return fail("--index needs a number from 1");
+            arguments.index = index;
+        }
+        if (option == "--client") {
+            arguments.client = DhcpClientKindFrom(value);
+            if (!arguments.client) return fail("--client is udhcpc, dhcpcd or dhclient, not " + value);
+        }
+    }
+    if (arguments.help || arguments.version) return true;
+    const char* const client = std::getenv("NICX_DHCP_CLIENT");
+    if (!arguments.client && client != nullptr && *client != '\0') {
+        arguments.client = DhcpClientKindFrom(client);
+        if (!arguments.client)
+            return fail("NICX_DHCP_CLIENT is udhcpc, dhcpcd or dhclient, not " + std::string(client));
+    }
+    if (arguments.interface.empty()) return fail("--interface is missing");
+    if (arguments.id.empty()) return fail("--id is missing");
+    if (arguments.id.find('\\') != std::string::npos)
+        return fail("--id is no configuration id: " + arguments.id);
+    return true;
+}
+
+int Complain(int exitCode, const std::string& words) {
+    std::fprintf(stderr, "nicx-dhcp: %s\n", words.c_str());
+    return exitCode;
+}
+
+/// Forgets what the starter left: open descriptors, signal dispositions and the signal mask. The signals that
+/// end the supervisor are blocked, for its loop to read.
+void TidyProcess() {
+    close_range(3, ~0U, 0);
+    for (const int number : {SIGCHLD, SIGPIPE, SIGTERM, SIGINT, SIGHUP, SIGALRM, SIGUSR1, SIGUSR2}) {
+        signal(number, SIG_DFL);
+    }
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&set, number);
+    sigprocmask(SIG_SETMASK, &set, nullptr);
+    umask(022);
+}
+
+/// The way in which the detached process tells its starter how it went: an exit code's digit, then words.
+class Starter {
+ public:
+    /// Forks. The child goes on in a session of its own; the parent does not come back: it ends with what the
+    /// child tells it.
+    bool Detach() {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) return false;
+        const Descriptor reading(ends[0]);
+        writing_.Reset(ends[1]);
+        const pid_t child = fork();
+        if (child < 0) return false;
+        if (child == 0) {
+            setsid();
+            return true;
+        }
+        writing_.Reset();
+        std::string told;
+        std::array<char, 1024> chunk{};
+        for (;;) {
+            const ssize_t count = read(reading.Get(), chunk.data(), chunk.size());
+            if (count < 0 && errno == EINTR) continue;
+            if (count <= 0) break;
+            told.append(chunk.data(), static_cast<std::size_t>(count));
+        }
+        if (told.empty()) std::_Exit(Complain(kDhcpExitFailed, "the supervisor ended at once"));
+        if (told.size() > 1) Complain(0, told.substr(1));
+        std::_Exit(told[0] - '0');
+    }
+
+    /// Lets the starter go, if there is one, and leaves its terminal.
+    void Tell(int exitCode, const std::string& words) {
+        if (!writing_.IsOpen()) return;
+        const Descriptor nothing(open("/dev/null", O_RDWR | O_CLOEXEC));
+        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nothing.Get(), standard);
+        const std::string text = std::to_string(exitCode) + words;
+        [[maybe_unused]] const ssize_t told = write(writing_.Get(), text.data(), text.size());
+        writing_.Reset();
+    }
+
+ private:
+    Descriptor writing_;
+};
+
+int Supervise(const Arguments& arguments) {
+    if (geteuid() != 0) return Complain(kDhcpExitNoRight, "only root may keep a DHCP lease; run it as root");
+    const char* const searchPath = std::getenv("PATH");
+    const std::optional<DhcpClient> client =
+        FindDhcpClient(arguments.client, searchPath == nullptr ? "" : searchPath);
+    if (!client) {
+        return Complain(kDhcpExitNoClient,
+                        arguments.client
+                            ? std::string(NameOf(*arguments.client)) + " is not installed"
+                            : "no DHCP client is installed; install busybox, dhcpcd or dhclient");
+    }
+    KernelLink link;
+    {
+        Netlink netlink;
+        const KernelAnswer answer = netlink.GetLinkByName(arguments.interface, link);
+        if (answer.errnoValue == ENODEV)
+            return Complain(kDhcpExitNoLink, "there is no link " + arguments.interface);
+        if (!answer.Ok()) return Complain(kDhcpExitFailed, arguments.interface + ": " + answer.Words());
+    }
+    if (arguments.index && *arguments.index != link.index) {
+        return Complain(kDhcpExitNoLink, arguments.interface + " has index " + std::to_string(link.index) +
+                                             ", not " + std::to_string(*arguments.index));
+    }
+    std::error_code error;
+    const std::string self = std::filesystem::read_symlink("/proc/self/exe", error).string();
+    if (error) return Complain(kDhcpExitFailed, "/proc/self/exe: " + error.message());
+
+    Starter starter;
+    if (!arguments.foreground && !starter.Detach()) {
+        return Complain(kDhcpExitFailed, std::string("cannot detach: ") + std::strerror(errno));
+    }
+    if (chdir("/") != 0) return kDhcpExitFailed;
+    DhcpListener listener;
+    std::string failure;
+    switch (listener.Open(link.index, failure)) {
+        case DhcpListener::Outcome::kListening:
+            break;
+        case DhcpListener::Outcome::kAnotherRuns:
+            if (arguments.foreground)
+                return Complain(kDhcpExitFailed, "a supervisor runs for " + arguments.interface);
+            starter.Tell(kDhcpExitDone, {});
+            return kDhcpExitDone;
+        case DhcpListener::Outcome::kFailed:
+            if (arguments.foreground) return Complain(kDhcpExitFailed, failure);
+            starter.Tell(kDhcpExitFailed, failure);
+            return kDhcpExitFailed;
+    }
+    starter.Tell(kDhcpExitDone, {});
+    if (!arguments.foreground) openlog("nicx-dhcp", LOG_PID, LOG_DAEMON);
+
+    DhcpOptions options;
+    options.linkIndex = link.index;
+    options.linkId = arguments.id;
+    options.hookPath = self;
+    options.client = *client;
+    options.talk = arguments.foreground;
+    options.say = [&arguments](const std::string& words) {
+        if (arguments.foreground) {
+            Complain(0, arguments.interface + ": " + words);
+        } else {
+            syslog(LOG_NOTICE, "%s: %s", arguments.interface.c_str(), words.c_str());
+        }
+    };
+    DhcpSupervisor(std::move(options), listener).Run();
+    return kDhcpExitDone;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (const char* const hook = std::getenv(kHookVariable))
+        return RunHook(hook, argc > 1 ? argv[1] : "", environ);
+    Arguments arguments;
+    std::string failure;
+    if (!ReadArguments({argv + 1, argv + argc}, arguments, failure)) {
+        return Complain(kDhcpExitUsage, failure + "; see nicx-dhcp --help");
+    }
+    if (arguments.help) return std::fputs(kHelp, stdout) < 0 ? kDhcpExitFailed : kDhcpExitDone;
+    if (arguments.version)
+        return std::printf("nicx-dhcp %s\n", kProgramVersion) < 0 ? kDhcpExitFailed : kDhcpExitDone;
+    TidyProcess();
+    return Supervise(arguments);
+}
