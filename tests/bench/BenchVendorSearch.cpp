@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "support/Paths.h"
 #include "ui/logic/VendorEntry.h"
 #include "vendors/VendorList.h"
 

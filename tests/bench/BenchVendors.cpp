@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include "platform/Files.h"
+#include "support/Paths.h"
 #include "vendors/VendorList.h"
 
 /// Times of the vendor list that the build made. Bounds: 3 ms for loading 32000 records from a warm cache,

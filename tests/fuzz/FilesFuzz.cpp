@@ -11,6 +11,7 @@
 #include "base/Text.h"
 #include "platform/CodePage.h"
 #include "presets/PresetsFile.h"
+#include "support/Paths.h"
 #include "tests/unit/FileSupport.h"
 #include "vendors/VendorList.h"
 

@@ -10,6 +10,7 @@
 #include <sys/types.h>
 
 #include "platform/linux/registry/RegistryStore.h"
+#include "support/Paths.h"
 #include "tests/netns/NetnsSupport.h"
 
 /// A real DHCP server in a network namespace of its own, and what tests of nicx-dhcp look at.

@@ -8,6 +8,7 @@
 
 #include "base/RunTimeError.h"
 #include "presets/PresetsFile.h"
+#include "support/Paths.h"
 #include "tests/unit/PresetsSupport.h"
 #include "tests/unit/TempFolder.h"
 

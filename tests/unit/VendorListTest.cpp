@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "base/RunTimeError.h"
+#include "support/Paths.h"
 #include "tests/unit/TempFolder.h"
 #include "vendors/VendorList.h"
 

@@ -7,6 +7,7 @@
 
 #include "base/RunTimeError.h"
 #include "base/Text.h"
+#include "support/Paths.h"
 #include "tests/unit/MacBoxesSupport.h"
 
 namespace corvane {
