@@ -1,12 +1,13 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/Text.h"
 #include "inventory/NicInfo.h"
 #include "inventory/Stages.h"
 #include "platform/CodePage.h"
-#include "platform/IphlpApi.h"
+#include "platform/Platform.h"
 #include "platform/Registry.h"
 #include "vendors/VendorList.h"
 
@@ -62,11 +63,11 @@ std::string SpeedText(std::uint64_t bitsPerSecond, std::string unit) {
     return ShortestDecimal(value, 2) + unit;
 }
 
-void ReadLive(NicInfo& nic) {
+void ReadLive(NicInfo& nic, std::vector<FailedRead>& failures) {
     IfRow row;
     const Win32Error code = CurrentPlatform().ipHelper->GetIfEntry(nic.IfIndex, row);
     if (!Ok(code)) {
-        IphlpApiError(code, "GetIfEntry");
+        failures.push_back({FailedRead::Source::kIpHelper, "GetIfEntry", code});
         return;
     }
     std::string prefix;
@@ -100,10 +101,10 @@ void ReadDisabled(NicInfo& nic) {
 
 }  // namespace
 
-void ReadAdapterStatus() {
-    for (NicInfo& nic : Nics) {
+void ReadAdapterStatus(Discovery& found) {
+    for (NicInfo& nic : found.Adapters) {
         if (nic.IfIndex != 0) {
-            ReadLive(nic);
+            ReadLive(nic, found.Failures);
         } else {
             ReadDisabled(nic);
         }

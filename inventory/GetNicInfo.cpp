@@ -4,6 +4,7 @@
 #include <set>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "base/Text.h"
@@ -19,16 +20,31 @@ namespace corvane {
 
 namespace {
 
-void ShowReadError(const std::string& path, Win32Error code) {
-    ShowRegistryError("Error! Cannot Read Registry", "Error while reading windows registry.", path, code);
+void Show(const FailedRead& failure) {
+    switch (failure.source) {
+        case FailedRead::Source::kRegistry:
+            ShowRegistryError("Error! Cannot Read Registry", "Error while reading windows registry.",
+                              failure.name, failure.code);
+            break;
+        case FailedRead::Source::kIpHelper:
+            IphlpApiError(failure.code, failure.name);
+            break;
+    }
+}
+
+/// Notes a failure, and returns false then.
+bool ReadSubkeys(const char* key, std::vector<std::string>& names, Discovery& found) {
+    const Win32Error code = RegEnumSubkeys(kHkeyLocalMachine, key, names);
+    if (!Ok(code)) found.Failures.push_back({FailedRead::Source::kRegistry, key, code});
+    return Ok(code);
 }
 
 /// Position of the first record of each Id.
 using IdIndex = std::unordered_map<std::string, std::size_t>;
 
-IdIndex IndexOfIds() {
+IdIndex IndexOfIds(const std::vector<NicInfo>& adapters) {
     IdIndex index;
-    for (std::size_t i = 0; i < Nics.size(); ++i) index.emplace(Nics[i].Id, i);
+    for (std::size_t i = 0; i < adapters.size(); ++i) index.emplace(adapters[i].Id, i);
     return index;
 }
 
@@ -59,60 +75,65 @@ void ReadDriverKey(NicInfo& nic, const std::string& subkey) {
 }  // namespace
 
 void RefreshNicInfo() {
-    Nics.assign(1, NicInfo());
-    ReadAdapterRegistry();
-    MatchInterfaceIndexes();
-    ReadAdapterStatus();
-    ReadTcpipConfig();
+    Discovery found;
+    ReadAdapterRegistry(found);
+    MatchInterfaceIndexes(found);
+    ReadAdapterStatus(found);
+    ReadTcpipConfig(found);
+    Publish(std::move(found));
 }
 
-void ReadAdapterRegistry() {
+void Publish(Discovery found) {
+    Nics = std::move(found.Adapters);
+    for (const FailedRead& failure : found.Failures) Show(failure);
+}
+
+void ReadAdapterRegistry(Discovery& found) {
+    std::vector<NicInfo>& adapters = found.Adapters;
     std::vector<std::string> names;
-    const Win32Error adaptersRead = RegEnumSubkeys(kHkeyLocalMachine, kAdaptersKey, names);
-    if (!Ok(adaptersRead)) ShowReadError(kAdaptersKey, adaptersRead);
-    if (!Ok(adaptersRead) || names.empty()) return;
+    if (!ReadSubkeys(kAdaptersKey, names, found) || names.empty()) return;
 
     std::size_t count = 0;
     for (const std::string& name : names) {
         if (name.empty() || name.front() != '{') continue;
-        if (count == Nics.size()) Nics.emplace_back();
-        Nics[count++].Id = name;
+        if (count == adapters.size()) adapters.emplace_back();
+        adapters[count++].Id = name;
     }
     {
         const RegistryReading reading;
-        for (NicInfo& nic : Nics) nic.Name = ReadText(ConnectionKey(nic.Id), "Name");
+        for (NicInfo& nic : adapters) nic.Name = ReadText(ConnectionKey(nic.Id), "Name");
     }
 
     names.clear();
-    const Win32Error classRead = RegEnumSubkeys(kHkeyLocalMachine, kClassKey, names);
-    if (!Ok(classRead)) ShowReadError(kClassKey, classRead);
+    static_cast<void>(ReadSubkeys(kClassKey, names, found));
     const RegistryReading reading;
-    const IdIndex records = IndexOfIds();
+    const IdIndex records = IndexOfIds(adapters);
     for (const std::string& subkey : names) {
         if (subkey.empty()) continue;
         const std::string id = ReadText(DriverKeyPath(subkey), "NetCfgInstanceId");
         if (id.empty()) continue;
         const auto record = records.find(id);
-        if (record != records.end()) ReadDriverKey(Nics[record->second], subkey);
+        if (record != records.end()) ReadDriverKey(adapters[record->second], subkey);
     }
 
     static constexpr std::string_view kDevice = "\\Device\\";
     for (const std::string& piece : Split(ReadText(kLinkageKey, "Bind"), '\0')) {
         if (!piece.starts_with(kDevice)) continue;
         const auto record = records.find(piece.substr(kDevice.size()));
-        if (record != records.end()) Nics[record->second].TcpipBound = true;
+        if (record != records.end()) adapters[record->second].TcpipBound = true;
     }
 }
 
-void MatchInterfaceIndexes() {
+void MatchInterfaceIndexes(Discovery& found) {
     const TableRead<InterfaceEntry> table = CurrentPlatform().ipHelper->GetInterfaceInfo();
     if (table.outcome == TableRead<InterfaceEntry>::Outcome::kFailed)
-        IphlpApiError(table.code, "GetInterfaceInfo");
+        found.Failures.push_back({FailedRead::Source::kIpHelper, "GetInterfaceInfo", table.code});
     if (table.outcome != TableRead<InterfaceEntry>::Outcome::kRows) return;
 
     // An entry belongs to the first record whose Id its name goes on with. Ids have very few lengths (one, as
     // a rule), so one look-up per length finds it.
-    const IdIndex records = IndexOfIds();
+    std::vector<NicInfo>& adapters = found.Adapters;
+    const IdIndex records = IndexOfIds(adapters);
     std::set<std::size_t> lengths;
     for (const auto& [id, position] : records)
         if (!id.empty()) lengths.insert(id.size());
@@ -120,12 +141,12 @@ void MatchInterfaceIndexes() {
     for (const InterfaceEntry& entry : table.rows) {
         const std::string name = Without(entry.name, '\0');
         if (!name.starts_with(kDevice)) continue;
-        std::size_t first = Nics.size();
+        std::size_t first = adapters.size();
         for (const std::size_t length : lengths) {
             const auto record = records.find(name.substr(kDevice.size(), length));
             if (record != records.end()) first = std::min(first, record->second);
         }
-        if (first < Nics.size()) Nics[first].IfIndex = entry.index;
+        if (first < adapters.size()) adapters[first].IfIndex = entry.index;
     }
 }
 

@@ -42,7 +42,7 @@ inline constexpr char kBridgeComponentId[] = "ms_bridgemp";
 /// Whether a record is a network bridge, in whatever case its ComponentId is written.
 inline bool IsNetworkBridge(const NicInfo& nic) { return ToLower(nic.ComponentId) == kBridgeComponentId; }
 
-/// The adapters as last read by RefreshNicInfo; at least one element after a refresh (an empty record when
+/// The adapters as last read by RefreshNicInfo, never half read; at least one element (an empty record when
 /// there are no adapters). A record's position is the adapter's row in the connection list.
 inline std::vector<NicInfo> Nics(1);
 

@@ -154,12 +154,12 @@ std::string GetTimeZoneOffsetText() {
     return end == std::string::npos ? std::string() : display.substr(kStart, end - kStart);
 }
 
-void ReadTcpipConfig() {
+void ReadTcpipConfig(Discovery& found) {
     IpHelperApi& ipHelper = *CurrentPlatform().ipHelper;
     const RowsByInterface<IpAddrRow> addresses(ipHelper.GetIpAddrTable(), &IpAddrRow::index);
     const RowsByInterface<IpForwardRow> routes(ipHelper.GetIpForwardTable(), &IpForwardRow::ifIndex);
     const RegistryReading reading;
-    for (NicInfo& nic : Nics) {
+    for (NicInfo& nic : found.Adapters) {
         const std::string key = TcpipKey(nic.Id);
         nic.InterfaceMetric = DwordFrom(ReadBytes(key, "InterfaceMetric"));
         const std::vector<std::uint8_t> dhcp = ReadBytes(key, "EnableDHCP");

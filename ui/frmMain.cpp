@@ -6,6 +6,7 @@
 
 #include <wx/app.h>
 #include <wx/menu.h>
+#include <wx/scopeguard.h>
 #include <wx/settings.h>
 #include <wx/sizer.h>
 #include <wx/splitter.h>
@@ -127,9 +128,11 @@ void frmMain::RefreshConnections() {
     // What happened up to now is what is going to be read.
     static_cast<void>(CurrentPlatform().changes->TakeChanges());
     gate_.ForgetChange();
-    refreshing_ = true;
-    connections_.Refresh();
-    refreshing_ = false;
+    {
+        refreshing_ = true;
+        wxON_BLOCK_EXIT_SET(refreshing_, false);
+        connections_.Refresh();
+    }
     ApplyDetails();
 }
 
@@ -211,7 +214,7 @@ void frmMain::Timer1Tick() {
 }
 
 void frmMain::RefreshForChanges() {
-    if (gate_.TakeChange(fDetails_->Entering())) RefreshConnections();
+    if (gate_.RefreshForChange(fDetails_->Entering(), [this] { RefreshConnections(); })) RefreshSoon();
 }
 
 void frmMain::OnEscape(wxKeyEvent& event) {

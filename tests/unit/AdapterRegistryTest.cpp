@@ -10,6 +10,7 @@
 #include "inventory/GetNicInfo.h"
 #include "inventory/NicInfo.h"
 #include "inventory/Stages.h"
+#include "tests/unit/InventorySupport.h"
 
 namespace corvane {
 namespace {
@@ -52,7 +53,7 @@ class AdapterRegistry : public testing::Test {
     /// The adapter {A} with the driver key 0001 that holds this text value.
     void AddWithValue(const std::string& name, const std::string& text) {
         machine_.AddAdapter("{A}", "eth0", "0001", {{name, text}});
-        ReadAdapterRegistry();
+        RunStage(ReadAdapterRegistry);
     }
 
     FakeMachine machine_;
@@ -101,7 +102,7 @@ TEST_F(AdapterRegistry, WithoutAdapterSubkeysThereIsOneRecordWithNothingRead) {
 }
 
 TEST_F(AdapterRegistry, WithoutAdapterSubkeysNothingMoreIsReadInTheFirstStage) {
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_THAT(registry_.diary, ElementsAre("enum " + kAdaptersPath));
 }
 
@@ -128,7 +129,7 @@ TEST_F(AdapterRegistry, ARefreshForgetsWhatWasThere) {
 
 TEST_F(AdapterRegistry, AMissingAdaptersKeyIsShownAndEndsTheStage) {
     registry_.RemoveKey(kAdaptersPath);
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_THAT(machine_.seat.boxes, ElementsAre(ReadErrorBox(kAdaptersPath, "(2) Bad Key Name")));
     EXPECT_THAT(Ids(), ElementsAre(""));
     EXPECT_THAT(registry_.diary, ElementsAre("enum " + kAdaptersPath));
@@ -153,14 +154,14 @@ TEST_F(AdapterRegistry, TheNameComesFromTheConnectionKey) {
         "SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\{A}"
         "\\Connection",
         "Name", "Verbindung f\u00FCr B\u00FCro");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].Name, "Verbindung f\u00FCr B\u00FCro");
 }
 
 TEST_F(AdapterRegistry, WithoutAConnectionKeyTheNameIsEmptyAndNothingIsShown) {
     machine_.AddAdapter("{A}", "eth0", "0001");
     registry_.RemoveKey(ConnectionKey("{A}"));
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].Name, "");
     EXPECT_THAT(machine_.seat.boxes, IsEmpty());
 }
@@ -168,7 +169,7 @@ TEST_F(AdapterRegistry, WithoutAConnectionKeyTheNameIsEmptyAndNothingIsShown) {
 TEST_F(AdapterRegistry, ANameDoesNotCarryOverToTheNextRecord) {
     machine_.AddAdapter("{A}", "eth0", "0001");
     registry_.MakeKey(kAdaptersPath + "\\{B}");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].Name, "eth0");
     EXPECT_EQ(Nics[1].Name, "");
 }
@@ -178,7 +179,7 @@ TEST_F(AdapterRegistry, ANameDoesNotCarryOverToTheNextRecord) {
 TEST_F(AdapterRegistry, DriverKeyValuesGoToTheRecordOfItsId) {
     machine_.AddAdapter("{A}", "eth0", "0007", {{"DriverDesc", "Model A"}, {"ComponentId", "pci\\a"}});
     machine_.AddAdapter("{B}", "eth1", "0003", {{"DriverDesc", "Model B"}, {"ComponentId", "pci\\b"}});
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].DriverKey, "0007");
     EXPECT_EQ(Nics[0].DriverDesc, "Model A");
     EXPECT_EQ(Nics[0].ComponentId, "pci\\a");
@@ -189,7 +190,7 @@ TEST_F(AdapterRegistry, DriverKeyValuesGoToTheRecordOfItsId) {
 
 TEST_F(AdapterRegistry, TheClassKeyIsReadUnderItsMixedCaseName) {
     machine_.AddAdapter("{A}", "eth0", "0001");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_THAT(registry_.diary, testing::Contains("enum " + kClassPath));
     EXPECT_THAT(registry_.diary, testing::Contains("read " + kClassPath + "\\0001\\NetCfgInstanceId"));
 }
@@ -198,7 +199,7 @@ TEST_F(AdapterRegistry, AClassSubkeyWithoutAnInstanceIdIsSkipped) {
     machine_.AddAdapter("{A}", "eth0", "0001", {{"DriverDesc", "Model"}});
     registry_.SetText(kClassPath + "\\Properties", "DriverDesc", "no adapter");
     registry_.SetText(kClassPath + "\\0002", "NetCfgInstanceId", "");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].DriverKey, "0001");
     EXPECT_EQ(Nics[0].DriverDesc, "Model");
     EXPECT_THAT(registry_.diary,
@@ -208,7 +209,7 @@ TEST_F(AdapterRegistry, AClassSubkeyWithoutAnInstanceIdIsSkipped) {
 TEST_F(AdapterRegistry, AClassSubkeyOfAnotherAdapterIsSkipped) {
     machine_.AddAdapter("{A}", "eth0", "0001");
     registry_.SetText(kClassPath + "\\0002", "NetCfgInstanceId", "{Z}");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].DriverKey, "0001");
     EXPECT_THAT(registry_.diary,
                 testing::Not(testing::Contains("read " + kClassPath + "\\0002\\DriverDesc")));
@@ -217,7 +218,7 @@ TEST_F(AdapterRegistry, AClassSubkeyOfAnotherAdapterIsSkipped) {
 TEST_F(AdapterRegistry, AnInstanceIdInAnotherLetterCaseDoesNotMatch) {
     registry_.MakeKey(kAdaptersPath + "\\{AB}");
     registry_.SetText(DriverKeyPath("0001"), "NetCfgInstanceId", "{ab}");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].DriverKey, "");
 }
 
@@ -225,7 +226,7 @@ TEST_F(AdapterRegistry, OfTwoClassSubkeysOfOneAdapterTheLaterWins) {
     machine_.AddAdapter("{A}", "eth0", "0001",
                         {{"DriverDesc", "Old"}, {"ComponentId", "old"}, {"NetworkAddress", "0012AB34CD56"}});
     machine_.AddAdapter("{A}", "eth0", "0002", {{"DriverDesc", "New"}, {"NetworkAddress", "00AABBCCDDEE"}});
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     ASSERT_THAT(Nics, SizeIs(1));
     EXPECT_EQ(Nics[0].DriverKey, "0002");
     EXPECT_EQ(Nics[0].DriverDesc, "New");
@@ -235,7 +236,7 @@ TEST_F(AdapterRegistry, OfTwoClassSubkeysOfOneAdapterTheLaterWins) {
 
 TEST_F(AdapterRegistry, MissingDriverValuesAreEmptyAndNothingIsShown) {
     machine_.AddAdapter("{A}", "eth0", "0001");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].DriverKey, "0001");
     EXPECT_EQ(Nics[0].DriverDesc, "");
     EXPECT_EQ(Nics[0].ComponentId, "");
@@ -247,7 +248,7 @@ TEST_F(AdapterRegistry, MissingDriverValuesAreEmptyAndNothingIsShown) {
 TEST_F(AdapterRegistry, AFailingClassEnumerationIsShownAndBindingsAreStillRead) {
     machine_.AddAdapter("{A}", "eth0", "0001");
     FailEnumerationOf(kClassPath, Win32Error::kRegistryCorrupt);
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_THAT(machine_.seat.boxes,
                 ElementsAre(ReadErrorBox(kClassPath, "(1015) The Registry Database is corrupt!")));
     EXPECT_EQ(Nics[0].Name, "eth0");
@@ -258,7 +259,7 @@ TEST_F(AdapterRegistry, AFailingClassEnumerationIsShownAndBindingsAreStillRead) 
 
 TEST_F(AdapterRegistry, AnEmptyClassKeyIsNoError) {
     registry_.MakeKey(kAdaptersPath + "\\{A}");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_THAT(Ids(), ElementsAre("{A}"));
     EXPECT_THAT(registry_.diary, testing::Each(testing::Not(testing::HasSubstr("NetCfgInstanceId"))));
     EXPECT_EQ(Nics[0].DriverKey, "");
@@ -293,7 +294,7 @@ TEST_F(AdapterRegistry, AnOverrideStoredWithoutATerminatorLosesItsLastDigitAndIs
     machine_.AddAdapter("{A}", "eth0", "0001");
     const std::string digits = "0012AB34CD56";
     registry_.SetValue(DriverKeyPath("0001"), "NetworkAddress", {kRegSz, {digits.begin(), digits.end()}});
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].NetworkAddress, "");
 }
 
@@ -301,14 +302,14 @@ TEST_F(AdapterRegistry, AnOverrideOfAnotherTypeIsReadAsText) {
     machine_.AddAdapter("{A}", "eth0", "0001");
     const std::string bytes = "0012AB34CD56\0"s;
     registry_.SetBinary(DriverKeyPath("0001"), "NetworkAddress", {bytes.begin(), bytes.end()});
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].NetworkAddress, "00-12-AB-34-CD-56");
 }
 
 TEST_F(AdapterRegistry, EmptyAddressValuesAreIgnored) {
     machine_.AddAdapter("{A}", "eth0", "0001", {{"NetworkAddress", ""}});
     registry_.SetValue(DriverKeyPath("0001"), "OriginalNetworkAddress", {kRegSz, {}});
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].NetworkAddress, "");
     EXPECT_EQ(Nics[0].OriginalNetworkAddress, "");
 }
@@ -318,7 +319,7 @@ TEST_F(AdapterRegistry, AddressLengthsCountCharactersAndNotTheBytesOfUtf8) {
         "{A}", "eth0", "0001",
         {{"NetworkAddress", "\u00E4\u00E434567890"}, {"OriginalNetworkAddress", "\u00E4\u00E434567890"}});
     machine_.AddAdapter("{B}", "eth1", "0002", {{"NetworkAddress", "0\u00E43456789012"}});
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_EQ(Nics[0].NetworkAddress, "");
     EXPECT_EQ(Nics[0].OriginalNetworkAddress, "");
     EXPECT_EQ(Nics[1].NetworkAddress, "0\u00E4-34-56-78-90-12");
@@ -345,7 +346,7 @@ class AdapterBinding : public AdapterRegistry {
         for (const char* id : {"{A}", "{B}"}) registry_.MakeKey(kAdaptersPath + "\\" + id);
         registry_.SetValue("SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Linkage", "Bind",
                            {kRegMultiSz, {bytes.begin(), bytes.end()}});
-        ReadAdapterRegistry();
+        RunStage(ReadAdapterRegistry);
     }
 };
 
@@ -390,7 +391,7 @@ TEST_F(AdapterBinding, AnEmptyListBindsNothing) {
 
 TEST_F(AdapterBinding, WithoutALinkageKeyNothingIsBoundOrShown) {
     registry_.MakeKey(kAdaptersPath + "\\{A}");
-    ReadAdapterRegistry();
+    RunStage(ReadAdapterRegistry);
     EXPECT_FALSE(Nics[0].TcpipBound);
     EXPECT_THAT(machine_.seat.boxes, IsEmpty());
 }

@@ -11,6 +11,7 @@
 #include "inventory/GetNicInfo.h"
 #include "inventory/NicInfo.h"
 #include "inventory/Stages.h"
+#include "tests/unit/InventorySupport.h"
 #include "vendors/VendorList.h"
 
 namespace corvane {
@@ -65,7 +66,7 @@ class AdapterStatus : public testing::Test {
 
     const NicInfo& Read() {
         Nics.assign(1, nic_);
-        ReadAdapterStatus();
+        RunStage(ReadAdapterStatus);
         return Nics[0];
     }
 
@@ -98,7 +99,7 @@ TEST_F(AdapterStatus, AFailingRowIsShownOnceForEachAdapterAndTheOthersAreRead) {
     }
     machine_.ipHelper->entryFailures = {{1, Win32Error::kInvalidParameter}, {2, Win32Error::kNotSupported}};
     machine_.ipHelper->texts[Win32Error::kInvalidParameter] = "The parameter is incorrect.\r\n";
-    ReadAdapterStatus();
+    RunStage(ReadAdapterStatus);
     EXPECT_THAT(machine_.seat.boxes,
                 ElementsAre(FakeSeat::Box{"Orvella Corvane",
                                           "DLL : IphlpApi.dll\r\n"

@@ -1,3 +1,4 @@
+#include <functional>
 #include <optional>
 #include <stdexcept>
 
@@ -45,43 +46,95 @@ TEST(CommandGate, OpensAgainWhenACommandFails) {
     EXPECT_FALSE(gate.Busy());
 }
 
-TEST(CommandGate, WithoutAChangeThereIsNothingToTake) {
-    CommandGate gate;
-    EXPECT_FALSE(gate.TakeChange(kNoPanel));
-}
-
-TEST(CommandGate, ChangesAreTakenOnceTogether) {
-    CommandGate gate;
-    gate.NoteChange();
-    gate.NoteChange();
-    EXPECT_TRUE(gate.TakeChange(kNoPanel));
-    EXPECT_FALSE(gate.TakeChange(kNoPanel));
-}
-
-TEST(CommandGate, ChangeWaitsForTheEndOfACommand) {
-    CommandGate gate;
-    {
-        const CommandGate::Scope command(gate);
-        gate.NoteChange();
-        EXPECT_FALSE(gate.TakeChange(kNoPanel));
+/// Counts the refreshes that the gate lets run.
+class CommandGateRefresh : public testing::Test {
+ protected:
+    bool Ask(bool panelOpen = kNoPanel) {
+        return gate_.RefreshForChange(panelOpen, [this] {
+            ++refreshes_;
+            if (onRefresh_) onRefresh_();
+        });
     }
-    EXPECT_TRUE(gate.TakeChange(kNoPanel));
+
+    CommandGate gate_;
+    int refreshes_ = 0;
+    std::function<void()> onRefresh_;
+};
+
+TEST_F(CommandGateRefresh, DoesNotRunWithoutAChange) {
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(refreshes_, 0);
 }
 
-TEST(CommandGate, ChangeWaitsUntilThePanelIsClosed) {
-    CommandGate gate;
-    gate.NoteChange();
-    EXPECT_FALSE(gate.TakeChange(kPanelOpen));
-    EXPECT_TRUE(gate.TakeChange(kNoPanel));
+TEST_F(CommandGateRefresh, RunsOnceForChangesTogether) {
+    gate_.NoteChange();
+    gate_.NoteChange();
+    EXPECT_FALSE(Ask());
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(refreshes_, 1);
 }
 
-TEST(CommandGate, ForgottenChangeIsNotTakenButALaterOneIs) {
-    CommandGate gate;
-    gate.NoteChange();
-    gate.ForgetChange();
-    EXPECT_FALSE(gate.TakeChange(kNoPanel));
-    gate.NoteChange();
-    EXPECT_TRUE(gate.TakeChange(kNoPanel));
+TEST_F(CommandGateRefresh, WaitsForTheEndOfACommand) {
+    {
+        const CommandGate::Scope command(gate_);
+        gate_.NoteChange();
+        EXPECT_FALSE(Ask());
+        EXPECT_EQ(refreshes_, 0);
+        EXPECT_TRUE(gate_.Busy());
+    }
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(refreshes_, 1);
+}
+
+TEST_F(CommandGateRefresh, WaitsUntilThePanelIsClosed) {
+    gate_.NoteChange();
+    EXPECT_FALSE(Ask(kPanelOpen));
+    EXPECT_EQ(refreshes_, 0);
+    EXPECT_FALSE(gate_.Busy());
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(refreshes_, 1);
+}
+
+TEST_F(CommandGateRefresh, HoldsTheGateWhileItRuns) {
+    onRefresh_ = [this] {
+        EXPECT_TRUE(gate_.Busy());
+        EXPECT_FALSE(CommandGate::Scope(gate_));
+    };
+    gate_.NoteChange();
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(refreshes_, 1);
+    EXPECT_FALSE(gate_.Busy());
+}
+
+TEST_F(CommandGateRefresh, DoesNotStartInsideItselfButAfterIt) {
+    onRefresh_ = [this] {
+        // What a timer does while a box of the refresh is open.
+        gate_.NoteChange();
+        EXPECT_FALSE(Ask());
+    };
+    gate_.NoteChange();
+    EXPECT_TRUE(Ask());
+    EXPECT_EQ(refreshes_, 1);
+    onRefresh_ = nullptr;
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(refreshes_, 2);
+}
+
+TEST_F(CommandGateRefresh, ThatFailsOpensTheGate) {
+    onRefresh_ = [] { throw std::runtime_error("failed"); };
+    gate_.NoteChange();
+    EXPECT_THROW(static_cast<void>(Ask()), std::runtime_error);
+    EXPECT_FALSE(gate_.Busy());
+}
+
+TEST_F(CommandGateRefresh, RunsForALaterChangeThanTheForgottenOne) {
+    gate_.NoteChange();
+    gate_.ForgetChange();
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(refreshes_, 0);
+    gate_.NoteChange();
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(refreshes_, 1);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "inventory/GetNicInfo.h"
 #include "inventory/NicInfo.h"
 #include "inventory/Stages.h"
+#include "tests/unit/InventorySupport.h"
 
 namespace corvane {
 namespace {
@@ -24,7 +25,7 @@ class InterfaceIndex : public testing::Test {
     std::vector<std::uint32_t> IndexesOf(const std::vector<std::string>& ids) {
         Nics.assign(ids.size(), NicInfo());
         for (std::size_t i = 0; i < ids.size(); ++i) Nics[i].Id = ids[i];
-        MatchInterfaceIndexes();
+        RunStage(MatchInterfaceIndexes);
         std::vector<std::uint32_t> indexes;
         for (const NicInfo& nic : Nics) indexes.push_back(nic.IfIndex);
         return indexes;

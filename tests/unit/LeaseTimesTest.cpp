@@ -7,6 +7,7 @@
 #include "fakes/Fakes.h"
 #include "inventory/NicInfo.h"
 #include "inventory/Stages.h"
+#include "tests/unit/InventorySupport.h"
 
 namespace corvane {
 namespace {
@@ -20,7 +21,7 @@ class LeaseTimes : public testing::Test {
     const NicInfo& Read() {
         Nics.assign(1, NicInfo());
         Nics[0].Id = "{A}";
-        ReadTcpipConfig();
+        RunStage(ReadTcpipConfig);
         return Nics[0];
     }
 

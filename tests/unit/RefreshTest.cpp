@@ -1,13 +1,20 @@
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
+#include <set>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/Text.h"
 #include "fakes/Fakes.h"
 #include "inventory/GetNicInfo.h"
 #include "inventory/NicInfo.h"
+#include "tests/unit/CoreSupport.h"
 
 namespace corvane {
 namespace {
@@ -25,6 +32,117 @@ TEST(Refresh, RunsTheFourStagesInTheirOrder) {
     EXPECT_EQ(machine.registry->diary.front(),
               "enum SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Adapters");
     EXPECT_EQ(machine.registry->diary.back(), "read " + TcpipKey("{A}") + "\\DhcpNameServer");
+}
+
+std::vector<std::string> Ids() {
+    std::vector<std::string> ids;
+    for (const NicInfo& nic : Nics) ids.push_back(nic.Id);
+    return ids;
+}
+
+/// The API or the registry path that each box names.
+std::vector<std::string> Culprits(const std::vector<FakeSeat::Box>& boxes) {
+    std::vector<std::string> culprits;
+    for (const FakeSeat::Box& box : boxes) {
+        for (const std::string& line : Split(Without(box.text, '\r'), '\n')) {
+            if (line.starts_with("API: ") || line.starts_with("Registry Path: ")) culprits.push_back(line);
+        }
+    }
+    return culprits;
+}
+
+/// A machine of which the class key, and the rows of its three live adapters {A}, {B} and {C}, cannot be
+/// read.
+class FailingRefresh : public testing::Test {
+ protected:
+    FailingRefresh() {
+        for (std::uint32_t i = 0; i < 3; ++i) {
+            const std::string letter(1, static_cast<char>('A' + i));
+            machine_.AddAdapter("{" + letter + "}", "eth" + letter, "000" + std::to_string(i));
+            machine_.ipHelper->AddInterface(i + 1, "{" + letter + "}");
+            machine_.ipHelper->entryFailures[i + 1] = Win32Error::kGenFailure;
+        }
+        machine_.registry->fail = [this](const std::string& operation, const std::string& key,
+                                         const std::string&) -> std::optional<Win32Error> {
+            if (onRegistryCall_) onRegistryCall_();
+            if (operation == "enum" && key == kClassKey) return Win32Error::kAccessDenied;
+            return std::nullopt;
+        };
+    }
+
+    const std::vector<std::string> culprits_ = {
+        "Registry Path: HKEY_LOCAL_MACHINE\\" + std::string(kClassKey), "API: GetIfEntry", "API: GetIfEntry",
+        "API: GetIfEntry"};
+    std::function<void()> onRegistryCall_;
+    FakeMachine machine_;
+};
+
+/// Does in a box what a timer may do while a real one is open.
+class ReenteringSeat : public FakeSeat {
+ public:
+    std::function<void()> onBox;
+
+    BoxAnswer ShowBox(const std::string& title, const std::string& text, BoxIcon icon,
+                      BoxButtons buttons) override {
+        const BoxAnswer answer = FakeSeat::ShowBox(title, text, icon, buttons);
+        if (onBox) onBox();
+        return answer;
+    }
+};
+
+TEST_F(FailingRefresh, ShowsItsFailuresInTheirOrder) {
+    RefreshNicInfo();
+    EXPECT_EQ(Culprits(machine_.seat.boxes), culprits_);
+}
+
+TEST_F(FailingRefresh, ShowsItsBoxesWhenTheAdaptersAreComplete) {
+    machine_.registry->SetText(TcpipKey("{C}"), "NameServer", "10.0.0.53");
+    ReenteringSeat seat;
+    const ScopedSeat installed(seat);
+    std::vector<std::string> serversOfTheLast;
+    seat.onBox = [&] {
+        EXPECT_THAT(Ids(), ElementsAre("{A}", "{B}", "{C}"));
+        serversOfTheLast.push_back(Nics.back().DnsServers.front());
+    };
+    RefreshNicInfo();
+    EXPECT_THAT(serversOfTheLast, ElementsAre("10.0.0.53", "10.0.0.53", "10.0.0.53", "10.0.0.53"));
+}
+
+TEST_F(FailingRefresh, MayBeStartedAnewInEachOfItsBoxes) {
+    ReenteringSeat seat;
+    const ScopedSeat installed(seat);
+    int depth = 0;
+    seat.onBox = [&] {
+        if (depth > 0) return;
+        ++depth;
+        machine_.AddAdapter("{Z" + std::to_string(seat.boxes.size()) + "}", "later", "0100");
+        RefreshNicInfo();
+        --depth;
+    };
+    RefreshNicInfo();
+    // Its own four boxes, and as many in each refresh that they started.
+    EXPECT_THAT(seat.boxes, SizeIs(4 + 4 * 4));
+    EXPECT_THAT(Ids(), ElementsAre("{A}", "{B}", "{C}", "{Z11}", "{Z16}", "{Z1}", "{Z6}"));
+}
+
+TEST_F(FailingRefresh, LeavesTheFormerAdaptersVisibleUntilItIsComplete) {
+    Nics.assign(1, test::NicRecord("{former}", "former", "0009"));
+    std::set<std::vector<std::string>> seen;
+    onRegistryCall_ = [&] { seen.insert(Ids()); };
+    RefreshNicInfo();
+    EXPECT_THAT(seen, ElementsAre(ElementsAre("{former}")));
+    EXPECT_THAT(Ids(), ElementsAre("{A}", "{B}", "{C}"));
+}
+
+TEST_F(FailingRefresh, ThatIsBrokenOffLeavesTheFormerAdapters) {
+    Nics.assign(1, test::NicRecord("{former}", "former", "0009"));
+    int calls = 0;
+    onRegistryCall_ = [&] {
+        if (++calls == 6) throw std::runtime_error("no more");
+    };
+    EXPECT_THROW(RefreshNicInfo(), std::runtime_error);
+    EXPECT_THAT(Ids(), ElementsAre("{former}"));
+    EXPECT_THAT(machine_.seat.boxes, testing::IsEmpty());
 }
 
 /// Registry steps of a refresh of this many live DHCP adapters, each with its own override and address.

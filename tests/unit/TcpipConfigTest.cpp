@@ -9,6 +9,7 @@
 #include "fakes/Fakes.h"
 #include "inventory/NicInfo.h"
 #include "inventory/Stages.h"
+#include "tests/unit/InventorySupport.h"
 
 namespace corvane {
 namespace {
@@ -31,7 +32,7 @@ class TcpipConfig : public testing::Test {
 
     const NicInfo& Read() {
         Nics.assign(1, nic_);
-        ReadTcpipConfig();
+        RunStage(ReadTcpipConfig);
         return Nics[0];
     }
 
@@ -357,7 +358,7 @@ TEST_F(TcpipConfig, StaticDnsServersOfADhcpAdapterComeFirst) {
 
 TEST_F(TcpipConfig, TablesAreReadOnceForAllAdaptersAddressesFirst) {
     Nics.assign(5, NicInfo());
-    ReadTcpipConfig();
+    RunStage(ReadTcpipConfig);
     EXPECT_THAT(ipHelper_.diary, ElementsAre("GetIpAddrTable", "GetIpForwardTable"));
 }
 
@@ -368,7 +369,7 @@ TEST_F(TcpipConfig, EachAdapterGetsItsOwnValues) {
     registry_.SetMulti(TcpipKey("{A}"), "IPAddress", {"10.0.0.1"});
     registry_.SetText(TcpipKey("{A}"), "NameServer", "1.1.1.1");
     registry_.SetMulti(TcpipKey("{B}"), "IPAddress", {"10.0.0.2"});
-    ReadTcpipConfig();
+    RunStage(ReadTcpipConfig);
     EXPECT_THAT(Nics[0].IpAddresses, ElementsAre("10.0.0.1"));
     EXPECT_THAT(Nics[0].DnsServers, ElementsAre("1.1.1.1"));
     EXPECT_THAT(Nics[1].IpAddresses, ElementsAre("10.0.0.2"));

@@ -1,6 +1,7 @@
 #pragma once
 
-/// One command at a time, and refreshes for changes from outside only in between.
+/// One command at a time; a refresh for changes from outside is one, too: a box that either of them shows
+/// lets timers run, and nothing may read the adapters anew under it.
 namespace corvane {
 
 class CommandGate {
@@ -27,12 +28,17 @@ class CommandGate {
     /// Something changed outside the program.
     void NoteChange() { changed_ = true; }
 
-    /// Whether to refresh now: something changed, no command runs and no entry panel is open. Answering true
-    /// takes the change.
-    [[nodiscard]] bool TakeChange(bool panelOpen) {
-        if (!changed_ || busy_ || panelOpen) return false;
+    /// Runs `refresh` as a command of its own when something changed outside, no command runs and no entry
+    /// panel is open; otherwise the change waits for the next call. True when something changed again while
+    /// it ran: call it again, a little later.
+    template <class Refresh>
+    [[nodiscard]] bool RefreshForChange(bool panelOpen, const Refresh& refresh) {
+        if (!changed_ || panelOpen) return false;
+        const Scope scope(*this);
+        if (!scope) return false;
         changed_ = false;
-        return true;
+        refresh();
+        return changed_;
     }
 
     /// The adapters were read anew: what was noted before is shown.

@@ -72,7 +72,7 @@ class ConnectionList {
     void ShowSelected();
 
     /// Record of the selected connection in Nics; nothing when there is none, and while the adapters are read
-    /// (an error box lets timers run then, and Nics is half built).
+    /// (an error box lets timers run then, and the record's number is not known yet).
     [[nodiscard]] std::optional<std::size_t> Selected() const { return selected_; }
 
     /// Row of the selected connection among the rows last shown; nothing when there is none.
