@@ -15,6 +15,7 @@ class RunTimeError : public std::runtime_error {
     static constexpr int kOutOfMemory = 7;  ///< The memory does not suffice, or a file is too large.
     static constexpr int kSubscriptOutOfRange = 9;  ///< A list has no such entry, or a count is negative.
     static constexpr int kDivisionByZero = 11;      ///< A number is divided by 0.
+    static constexpr int kInternalError = 51;       ///< Anything that has no number of its own.
     static constexpr int kFileNotFound = 53;        ///< A data file is missing.
     static constexpr int kDeviceIoError = 57;       ///< The device failed while a data file was read.
     static constexpr int kInputPastEndOfFile = 62;  ///< A data file ends before its contents do.
@@ -31,5 +32,16 @@ class RunTimeError : public std::runtime_error {
  private:
     int number_;
 };
+
+/// An exception in words for the user.
+struct Fault {
+    int Number;  ///< One of RunTimeError's.
+    std::string Description;
+
+    bool operator==(const Fault&) const = default;
+};
+
+/// The exception that is being handled; to be called in a catch block only.
+Fault CurrentFault();
 
 }  // namespace corvane

@@ -54,8 +54,40 @@ int WindowApp::OnRun() {
                            windowLoaded = true;
                        }});
     seat.UnloadSplash();
-    if (windowLoaded) wxApp::OnRun();
+    if (!windowLoaded) return exitCode;
+    try {
+        wxApp::OnRun();
+    } catch (...) {
+        OnUnhandledException();
+        return kExitRunTimeError;
+    }
     return exitCode;
+}
+
+bool WindowApp::OnExceptionInMainLoop() {
+    faults_.Show();
+    return true;
+}
+
+void WindowApp::OnUnhandledException() { faults_.Show(); }
+
+void WindowApp::ProcessPendingEvents() {
+    try {
+        wxApp::ProcessPendingEvents();
+    } catch (...) {
+        faults_.Show();
+        // The rest of them.
+        WakeUpIdle();
+    }
+}
+
+bool WindowApp::ProcessIdle() {
+    try {
+        return wxApp::ProcessIdle();
+    } catch (...) {
+        faults_.Show();
+        return false;
+    }
 }
 
 int RunOnSystemPlatform(WindowApp& app) {

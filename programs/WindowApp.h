@@ -6,6 +6,8 @@
 
 #include <wx/app.h>
 
+#include "ui/logic/FaultReport.h"
+
 /// What the window programs of all systems share: the toolkit and its application.
 namespace corvane {
 
@@ -26,7 +28,8 @@ class Toolkit {
 };
 
 /// Runs the start-up routine for an argument text and, when it has loaded the main window, the event loop. To
-/// be run on the installed platform; brings the seat itself.
+/// be run on the installed platform; brings the seat itself. An exception that reaches the event loop is told
+/// to the user, and the loop goes on.
 class WindowApp : public wxApp {
  public:
     explicit WindowApp(std::string commandLine) : commandLine_(std::move(commandLine)) {}
@@ -35,8 +38,16 @@ class WindowApp : public wxApp {
     /// The exit code of the start-up routine.
     int OnRun() override;
 
+    // The toolkit calls the first for an exception out of an event's handler, and the second for one that has
+    // ended the loop. The other two it calls from within a C library, through which nothing may be thrown.
+    bool OnExceptionInMainLoop() override;
+    void OnUnhandledException() override;
+    void ProcessPendingEvents() override;
+    bool ProcessIdle() override;
+
  private:
     std::string commandLine_;
+    FaultReport faults_;
 };
 
 /// Installs this system's platform, with a clock that lets windows paint, and runs `app` from its

@@ -1,8 +1,5 @@
 #include "startup/Startup.h"
 
-#include <exception>
-#include <new>
-
 #include "base/RunTimeError.h"
 #include "inventory/NicInfo.h"
 #include "mac/SetConnectionState.h"
@@ -22,14 +19,14 @@ std::string FolderWithSeparator(std::string folder, char separator) {
     return folder;
 }
 
-int ShowError(int number, const std::string& description) {
+int ShowError(const Fault& fault) {
     CurrentSeat().ShowUnsilencedBox(
         "ERROR",
         std::string(
             "ERROR! This may be caused due to invalid command line parameters. Please check command line "
             "paramaters if passed.") +
-            kCrLf + kCrLf + "Description: " + description + " (" + std::to_string(number) + ")" + kCrLf +
-            kCrLf + "Click OK to Quit",
+            kCrLf + kCrLf + "Description: " + fault.Description + " (" + std::to_string(fault.Number) + ")" +
+            kCrLf + kCrLf + "Click OK to Quit",
         BoxIcon::kCritical);
     return kExitRunTimeError;
 }
@@ -93,13 +90,8 @@ int Sequence(const std::string& commandLine, const StartupHooks& hooks) {
 int RunStartup(const std::string& commandLine, const StartupHooks& hooks) {
     try {
         return Sequence(commandLine, hooks);
-    } catch (const RunTimeError& error) {
-        return ShowError(error.Number(), error.what());
-    } catch (const std::bad_alloc&) {
-        return ShowError(RunTimeError::kOutOfMemory, "Out of memory");
-    } catch (const std::exception& error) {
-        static constexpr int kInternalError = 51;
-        return ShowError(kInternalError, error.what());
+    } catch (...) {
+        return ShowError(CurrentFault());
     }
 }
 

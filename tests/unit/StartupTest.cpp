@@ -331,5 +331,11 @@ TEST_F(StartupTest, AnyOtherFaultEndsInTheErrorBox) {
     EXPECT_THAT(machine.seat.boxes, ElementsAre(ErrorBox("something else", 51)));
 }
 
+TEST_F(StartupTest, AFaultWithoutWordsEndsInTheErrorBox) {
+    onMainWindow = [] { throw 7; };
+    EXPECT_EQ(Run(""), 4);
+    EXPECT_THAT(machine.seat.boxes, ElementsAre(ErrorBox("unknown", 51)));
+}
+
 }  // namespace
 }  // namespace corvane

@@ -6,6 +6,7 @@
 #include <wx/evtloopsrc.h>
 
 #include "platform/Platform.h"
+#include "ui/gtk/Callback.h"
 
 namespace corvane {
 
@@ -19,7 +20,9 @@ class ChangesWatch::Source : public wxEventLoopSourceHandler {
     }
 
     void OnReadWaiting() override {
-        if (CurrentPlatform().changes->TakeChanges()) onChange_();
+        RunCallback([this] {
+            if (CurrentPlatform().changes->TakeChanges()) onChange_();
+        });
     }
     void OnWriteWaiting() override {}
     void OnExceptionWaiting() override { source_.reset(); }

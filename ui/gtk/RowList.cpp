@@ -10,6 +10,7 @@
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
 #include "ui/WxText.h"
+#include "ui/gtk/Callback.h"
 
 namespace corvane {
 
@@ -60,13 +61,15 @@ class DataViewRowList::Model : public wxDataViewVirtualListModel {
     explicit Model(DataViewRowList& list) : list_(list) {}
 
     void GetValueByRow(wxVariant& value, unsigned row, unsigned column) const override {
-        const ListRow& shown = list_.rows_.at(row);
-        const wxString text = Wx(shown.texts.at(column));
-        if (column == 0 && GetColumnType(0) == "wxDataViewIconText") {
-            value << wxDataViewIconText(text, list_.IconOf(shown.icon));
-        } else {
-            value = text;
-        }
+        RunCallback([&] {
+            const ListRow& shown = list_.rows_.at(row);
+            const wxString text = Wx(shown.texts.at(column));
+            if (column == 0 && GetColumnType(0) == "wxDataViewIconText") {
+                value << wxDataViewIconText(text, list_.IconOf(shown.icon));
+            } else {
+                value = text;
+            }
+        });
     }
     bool SetValueByRow(const wxVariant&, unsigned, unsigned) override { return false; }
     wxString GetColumnType(unsigned column) const override {
