@@ -6,7 +6,7 @@
 
 #include <wx/app.h>
 
-#include "ui/logic/FaultReport.h"
+#include "startup/FaultReport.h"
 
 /// What the window programs of all systems share: the toolkit and its application.
 namespace corvane {

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "base/RunTimeError.h"
+#include "startup/FaultReport.h"
 #include "tests/unit/CoreSupport.h"
-#include "ui/logic/FaultReport.h"
 
 namespace corvane {
 namespace {

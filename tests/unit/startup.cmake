@@ -5,6 +5,7 @@ corvane_test(NAME startup_test
         unit/AdviceTest.cpp
         unit/CommandLineTest.cpp
         unit/ConsoleSeatTest.cpp
+        unit/FaultReportTest.cpp
         unit/StartupTest.cpp
         unit/VersionTest.cpp
     LIBS corvane_fakes)

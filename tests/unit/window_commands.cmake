@@ -3,7 +3,6 @@ corvane_test(NAME window_commands_test
         unit/CommandGateTest.cpp
         unit/DhcpOperationsTest.cpp
         unit/EnableOrDisableTest.cpp
-        unit/FaultReportTest.cpp
         unit/MacChangeTest.cpp
         unit/MakerTest.cpp
         unit/OpenPagesTest.cpp

@@ -1,4 +1,4 @@
-#include "ui/logic/FaultReport.h"
+#include "startup/FaultReport.h"
 
 #include <string>
 
