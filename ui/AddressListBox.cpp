@@ -8,7 +8,6 @@
 
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
-#include "ui/RowList.h"
 #include "ui/WxText.h"
 
 namespace corvane {
@@ -25,12 +24,12 @@ std::vector<ListColumn> Columns(const AddressListKind& kind) {
 
 }  // namespace
 
-AddressListBox::AddressListBox(wxWindow* parent, const AddressListKind& kind)
-    : kind_(kind),
-      list_(RowList::Make(parent, kind.name, Columns(kind), false)),
+AddressListBox::AddressListBox(wxWindow* parent, AddressListHost& host, const AddressListKind& kind)
+    : host_(host),
+      kind_(kind),
+      list_(RowList::Make(parent, *this, kind.name, Columns(kind), false)),
       sizer_(new wxBoxSizer(wxVERTICAL)) {
     list_->SetVisibleRows(kind.visibleRows);
-    list_->OnSelect = [this](std::size_t) { UpdateButtons(); };
     auto* const grid = new wxGridSizer(kind.upCommand == 0 ? 1 : 2, kGap, kGap);
     AddButton(parent, grid, kind.addCommand, "add", kind.addTip);
     if (kind.upCommand != 0) AddButton(parent, grid, kind.upCommand, "up", "One up DNS Server priority");
@@ -86,13 +85,18 @@ void AddressListBox::BindKeys() {
             list_->Window().ProcessWindowEvent(chosen);
         }
     });
-    list_->OnMenu = [this] {
-        wxMenu menu;
-        for (const wxButton* const button : buttons_) {
-            menu.Append(button->GetId(), button->GetToolTipText())->Enable(button->IsEnabled());
-        }
-        list_->Window().PopupMenu(&menu);
-    };
+}
+
+void AddressListBox::RowSelected(std::size_t) { UpdateButtons(); }
+
+void AddressListBox::ListFocused() { host_.ListFocused(list_->Window()); }
+
+void AddressListBox::ListMenuAsked() {
+    wxMenu menu;
+    for (const wxButton* const button : buttons_) {
+        menu.Append(button->GetId(), button->GetToolTipText())->Enable(button->IsEnabled());
+    }
+    list_->Window().PopupMenu(&menu);
 }
 
 void AddressListBox::Fill(const std::vector<DetailsRow>& rows, const std::string& header,
@@ -138,7 +142,7 @@ void AddressListBox::UpdateButtons() {
         if (!possible && button->HasFocus()) list_->Window().SetFocus();
         button->Enable(possible);
     }
-    if (OnCommands) OnCommands();
+    host_.ListCommandsChanged();
 }
 
 void AddressListBox::SetRows(const std::vector<DetailsRow>& rows) {

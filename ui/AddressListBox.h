@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "ui/EntryPanel.h"
+#include "ui/RowList.h"
 #include "ui/logic/AddressList.h"
 
 class wxBoxSizer;
@@ -16,8 +16,6 @@ class wxSizer;
 class wxWindow;
 
 namespace corvane {
-
-class RowList;
 
 /// What differs between the three lists of addresses.
 struct AddressListKind {
@@ -32,16 +30,25 @@ struct AddressListKind {
     const char* removeTip;
 };
 
+/// Whoever an AddressListBox belongs to.
+class AddressListHost {
+ public:
+    /// The buttons of a list were enabled or disabled.
+    virtual void ListCommandsChanged() = 0;
+    virtual void ListFocused(const wxWindow& list) = 0;
+
+ protected:
+    ~AddressListHost() = default;
+};
+
 /// One of the lists `ListIP`, `ListGateway`, `ListDNS` with its buttons beside it and room for its entry
 /// panel below it. Buttons and keys (a digit adds, Delete removes, Alt+Up and Alt+Down move) send the
 /// commands, as menu events, as long as they are enabled.
-class AddressListBox : public AddressListView {
+class AddressListBox : public AddressListView, private RowListHost {
  public:
-    AddressListBox(wxWindow* parent, const AddressListKind& kind);
+    /// The host must outlive it.
+    AddressListBox(wxWindow* parent, AddressListHost& host, const AddressListKind& kind);
     ~AddressListBox() override;
-
-    /// The buttons were enabled or disabled.
-    std::function<void()> OnCommands;
 
     /// The list, its buttons, its panel. To be added once.
     [[nodiscard]] wxSizer* Sizer() const;
@@ -67,6 +74,11 @@ class AddressListBox : public AddressListView {
     void SelectRow(std::size_t row) override;
 
  private:
+    // RowListHost
+    void RowSelected(std::size_t row) override;
+    void ListFocused() override;
+    void ListMenuAsked() override;
+
     wxButton* AddButton(wxWindow* parent, wxSizer* sizer, int command, const char* icon, const char* tip);
     void BindKeys();
     /// The command that a key stands for; 0 for none.
@@ -75,6 +87,7 @@ class AddressListBox : public AddressListView {
     /// The button of a command; nullptr for another list's.
     [[nodiscard]] wxButton* ButtonOf(int command) const;
 
+    AddressListHost& host_;
     AddressListKind kind_;
     std::vector<DetailsRow> rows_;
     bool enabled_ = false;

@@ -43,12 +43,12 @@ wxStaticText* Label(wxWindow* parent, const char* text) { return new wxStaticTex
 
 }  // namespace
 
-AddIPPanel::AddIPPanel(wxWindow* parent, AddressListView& listIp)
-    : EntryPanel(parent, "Enter IP Address Below", "Add IP"), editing_(*this, listIp) {
+AddIPPanel::AddIPPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listIp)
+    : EntryPanel(parent, host, "Enter IP Address Below", "Add IP"), editing_(*this, listIp) {
     auto* const ipLabel = Label(this, "IP . . . . . . .");
     ipAddress_ = corvane::IPAddress::Make(this, "IP address");
     auto* const maskLabel = Label(this, "Mas&k . . . . .");
-    subnetMask_ = corvane::IPAddress::Make(this, "Subnet mask");
+    subnetMask_ = corvane::IPAddress::Make(this, "Subnet mask", maskEvents_);
     FocusByMnemonic(subnetMask_);
     auto* const slash = Label(this, "/");
     txtCIDR_ = MakeNumberBox(this, 3);
@@ -69,13 +69,16 @@ AddIPPanel::AddIPPanel(wxWindow* parent, AddressListView& listIp)
     content_->Add(check2_, 0, wxBOTTOM, 2);
     content_->Add(note);
 
-    subnetMask_->OnFocus = [this] { editing_.MaskFocused(); };
-    subnetMask_->Entry().Change = [this] { editing_.MaskChanged(); };
     txtCIDR_->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
         editing_.CidrFocused();
     });
     txtCIDR_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { editing_.CidrChanged(); });
+}
+
+AddIPPanel::~AddIPPanel() {
+    // The mask tells of its changes even now.
+    DestroyChildren();
 }
 
 IPAddressEntry& AddIPPanel::IPAddress() { return ipAddress_->Entry(); }
@@ -90,8 +93,9 @@ void AddIPPanel::SetCidr(const std::string& text) {
 bool AddIPPanel::Check2() const { return check2_->GetValue(); }
 void AddIPPanel::Beep() { wxBell(); }
 
-AddGatewayPanel::AddGatewayPanel(wxWindow* parent, AddressListView& listGateway)
-    : EntryPanel(parent, "Enter Gateway IP Address Below", "Add Gateway"), editing_(*this, listGateway) {
+AddGatewayPanel::AddGatewayPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listGateway)
+    : EntryPanel(parent, host, "Enter Gateway IP Address Below", "Add Gateway"),
+      editing_(*this, listGateway) {
     gateway_ = corvane::IPAddress::Make(this, "Gateway");
     auto* const label = Label(this, "Metric . . . .");
     txtMetric_ = MakeNumberBox(this, 10);
@@ -101,7 +105,7 @@ AddGatewayPanel::AddGatewayPanel(wxWindow* parent, AddressListView& listGateway)
     content_->Add(gateway_, 0, wxBOTTOM, kGap);
     content_->Add(Row({label, txtMetric_, check4_}), 0, wxBOTTOM, kGap);
     content_->Add(check3_);
-    check4_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { OnCheck4(); });
+    check4_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { editing_.Check4Clicked(host_.Target()); });
 }
 
 IPAddressEntry& AddGatewayPanel::Gateway() { return gateway_->Entry(); }
@@ -114,8 +118,8 @@ bool AddGatewayPanel::Check4() const { return check4_->GetValue(); }
 void AddGatewayPanel::SetCheck4(bool ticked) { check4_->SetValue(ticked); }
 bool AddGatewayPanel::Check3() const { return check3_->GetValue(); }
 
-AddDNSPanel::AddDNSPanel(wxWindow* parent, AddressListView& listDns)
-    : EntryPanel(parent, "Enter DNS Server IP Below", "Add DNS"), editing_(*this, listDns) {
+AddDNSPanel::AddDNSPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listDns)
+    : EntryPanel(parent, host, "Enter DNS Server IP Below", "Add DNS"), editing_(*this, listDns) {
     dnsAddress_ = corvane::IPAddress::Make(this, "DNS server");
     content_->Add(dnsAddress_);
 }

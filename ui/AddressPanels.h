@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "ui/EntryPanel.h"
@@ -19,11 +18,13 @@ class IPAddress;
 /// `fAddIP`.
 class AddIPPanel : public EntryPanel, private IpPanelView {
  public:
-    AddIPPanel(wxWindow* parent, AddressListView& listIp);
+    AddIPPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listIp);
+    ~AddIPPanel() override;
 
     IpEditing& Editing() { return editing_; }
 
  private:
+    void Add(const EditingTarget& target) override { editing_.Add(target); }
     void ShowPanel() override { Open(); }
     void MakeDefault() override { EntryPanel::MakeDefault(); }
     IPAddressEntry& IPAddress() override;
@@ -34,24 +35,34 @@ class AddIPPanel : public EntryPanel, private IpPanelView {
     bool Check2() const override;
     void Beep() override;
 
+    /// The mask, whose prefix length is shown too.
+    class MaskEvents : public IPAddressEvents {
+     public:
+        explicit MaskEvents(IpEditing& editing) : editing_(editing) {}
+        void Change() override { editing_.MaskChanged(); }
+        void Focus() override { editing_.MaskFocused(); }
+
+     private:
+        IpEditing& editing_;
+    };
+
     corvane::IPAddress* ipAddress_;
     corvane::IPAddress* subnetMask_;
     wxTextCtrl* txtCIDR_;
     wxCheckBox* check2_;
     IpEditing editing_;
+    MaskEvents maskEvents_{editing_};
 };
 
 /// `fAddGateway`.
 class AddGatewayPanel : public EntryPanel, private GatewayPanelView {
  public:
-    AddGatewayPanel(wxWindow* parent, AddressListView& listGateway);
+    AddGatewayPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listGateway);
 
     GatewayEditing& Editing() { return editing_; }
 
-    /// "Auto Metric" was clicked.
-    std::function<void()> OnCheck4;
-
  private:
+    void Add(const EditingTarget& target) override { editing_.Add(target); }
     void ShowPanel() override { Open(); }
     void MakeDefault() override { EntryPanel::MakeDefault(); }
     IPAddressEntry& Gateway() override;
@@ -74,11 +85,12 @@ class AddGatewayPanel : public EntryPanel, private GatewayPanelView {
 /// `fAddDNS`.
 class AddDNSPanel : public EntryPanel, private DnsPanelView {
  public:
-    AddDNSPanel(wxWindow* parent, AddressListView& listDns);
+    AddDNSPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listDns);
 
     DnsEditing& Editing() { return editing_; }
 
  private:
+    void Add(const EditingTarget& target) override { editing_.Add(target); }
     void ShowPanel() override { Open(); }
     void MakeDefault() override { EntryPanel::MakeDefault(); }
     IPAddressEntry& DNSAddress() override;

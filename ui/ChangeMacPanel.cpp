@@ -11,7 +11,7 @@
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
 #include "ui/MacBoxRow.h"
-#include "ui/VendorBox.h"
+#include "ui/PanelHosts.h"
 #include "ui/WxText.h"
 
 namespace corvane {
@@ -22,8 +22,10 @@ constexpr int kGap = 6;
 
 }  // namespace
 
-ChangeMacPanel::ChangeMacPanel(wxWindow* parent)
+ChangeMacPanel::ChangeMacPanel(wxWindow* parent, WindowHost& window, DetailsHost& details)
     : wxPanel(parent),
+      window_(window),
+      details_(details),
       heading_(new wxStaticText(this, wxID_ANY, "Change MAC Address", wxDefaultPosition, wxDefaultSize,
                                 wxST_ELLIPSIZE_END)) {
     heading_->SetFont(heading_->GetFont().Bold());
@@ -35,10 +37,11 @@ ChangeMacPanel::ChangeMacPanel(wxWindow* parent)
     grid->Add(boxes_->MakeSizer(this));
     auto* const vendorLabel = new wxStaticText(this, wxID_ANY, "&Vendor:");
     grid->Add(vendorLabel, 0, wxALIGN_CENTER_VERTICAL);
-    vendorBox_ = std::make_unique<VendorBox>(this);
+    vendorBox_ = std::make_unique<VendorBox>(this, static_cast<VendorBoxHost&>(*this));
     grid->Add(vendorBox_->MakeSizer(), 0, wxEXPAND);
-    vendor_ = std::make_unique<VendorEntry>(*this, *vendorBox_);
-    entry_ = std::make_unique<MacEntry>(*this, *vendor_);
+    MacBoxesView& boxes = *this;
+    vendor_ = std::make_unique<VendorEntry>(boxes, *vendorBox_);
+    entry_ = std::make_unique<MacEntry>(boxes, *vendor_);
     check1_ = new wxCheckBox(this, wxID_ANY, "Automatically Restart Network Connection To Apply Changes");
 
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
@@ -51,8 +54,6 @@ ChangeMacPanel::ChangeMacPanel(wxWindow* parent)
     FocusByMnemonic(&boxes_->Box(0));
     boxes_->Bind(*entry_);
     LabelFor(vendorLabel, vendorBox_->Edit());
-    vendorBox_->OnChoice = [this](std::size_t chosen) { vendor_->Choose(chosen); };
-    vendorBox_->OnFocus = [this] { vendor_->LookUpTypedVendor(); };
     Hide();
 }
 
@@ -72,8 +73,10 @@ wxSizer* ChangeMacPanel::MakeButtons() {
     command10_ = MakeButton("&Original MAC", "original_mac");
     command8_ = MakeButton("Random &MAC Address", "random");
     auto* const close = new wxButton(this, wxID_ANY, "Close");
-    command9_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnChangeNow(); });
-    command10_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnOriginalMac(); });
+    command9_->Bind(wxEVT_BUTTON,
+                    [this](wxCommandEvent&) { RunForSelected(&ChangeMacPanel::ChangeAddress); });
+    command10_->Bind(wxEVT_BUTTON,
+                     [this](wxCommandEvent&) { RunForSelected(&ChangeMacPanel::RestoreAddress); });
     command8_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { vendor_->RandomAddress(); });
     close->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Close(); });
     auto* const row = new wxWrapSizer(wxHORIZONTAL, wxREMOVE_LEADING_SPACES);
@@ -112,8 +115,20 @@ void ChangeMacPanel::SetCheck1(bool ticked) { check1_->SetValue(ticked); }
 void ChangeMacPanel::ShowPanel(bool show) {
     if (show) command9_->SetDefault();
     Show(show);
-    if (OnLayout) OnLayout();
-    if (!show && OnClosed) OnClosed();
+    details_.Rearrange();
+    if (!show) window_.ChangeMacClosed();
 }
+
+void ChangeMacPanel::VendorChosen(std::size_t entry) { vendor_->Choose(entry); }
+void ChangeMacPanel::VendorBoxFocused() { vendor_->LookUpTypedVendor(); }
+
+void ChangeMacPanel::RunForSelected(void (ChangeMacPanel::*command)(std::size_t adapter)) {
+    window_.Run([this, command] {
+        if (const auto adapter = window_.SelectedAdapter()) (this->*command)(*adapter);
+    });
+}
+
+void ChangeMacPanel::ChangeAddress(std::size_t adapter) { ChangeNow(adapter, *this, *this); }
+void ChangeMacPanel::RestoreAddress(std::size_t adapter) { OriginalMac(adapter, *this, *vendorBox_, *this); }
 
 }  // namespace corvane

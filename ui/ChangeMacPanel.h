@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
 #include <wx/panel.h>
 
+#include "ui/VendorBox.h"
 #include "ui/logic/MacChange.h"
 #include "ui/logic/MacEntry.h"
 
@@ -16,20 +16,14 @@ class wxStaticText;
 /// `fChangeMAC`: the octet boxes, the vendor box and the buttons that change an address.
 namespace corvane {
 
+class DetailsHost;
 class MacBoxRow;
-class VendorBox;
+class WindowHost;
 
-class ChangeMacPanel : public wxPanel, public MacBoxesView, public ChangeMacView {
+class ChangeMacPanel : public wxPanel, private MacBoxesView, private ChangeMacView, private VendorBoxHost {
  public:
-    explicit ChangeMacPanel(wxWindow* parent);
+    ChangeMacPanel(wxWindow* parent, WindowHost& window, DetailsHost& details);
     ~ChangeMacPanel() override;
-
-    /// What the buttons do; the panel itself changes nothing but its own boxes.
-    std::function<void()> OnChangeNow;
-    std::function<void()> OnOriginalMac;
-    /// The panel was shown or hidden: what it lies in lays itself out anew.
-    std::function<void()> OnLayout;
-    std::function<void()> OnClosed;
 
     /// Opens the panel for a connection.
     void Open(const std::string& connectionName);
@@ -39,8 +33,8 @@ class ChangeMacPanel : public wxPanel, public MacBoxesView, public ChangeMacView
     [[nodiscard]] bool IsOpen() const { return IsShown(); }
     /// Escape: closes the vendor list when it is open, else the panel.
     void Escape();
-    [[nodiscard]] VendorBox& Vendor() { return *vendorBox_; }
 
+ private:
     // MacBoxesView
     [[nodiscard]] std::string Text(int box) const override;
     void SetText(int box, const std::string& text) override;
@@ -56,10 +50,19 @@ class ChangeMacPanel : public wxPanel, public MacBoxesView, public ChangeMacView
     void SetCheck1(bool ticked) override;
     void ShowPanel(bool show) override;
 
- private:
+    // VendorBoxHost
+    void VendorChosen(std::size_t entry) override;
+    void VendorBoxFocused() override;
+
+    /// Runs a command for the selected connection; nothing without one.
+    void RunForSelected(void (ChangeMacPanel::*command)(std::size_t adapter));
+    void ChangeAddress(std::size_t adapter);
+    void RestoreAddress(std::size_t adapter);
     wxSizer* MakeButtons();
     wxButton* MakeButton(const char* label, const char* icon);
 
+    WindowHost& window_;
+    DetailsHost& details_;
     wxStaticText* heading_;
     std::unique_ptr<MacBoxRow> boxes_;
     std::unique_ptr<VendorBox> vendorBox_;

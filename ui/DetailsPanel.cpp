@@ -22,22 +22,18 @@ constexpr int kGap = 6;
 
 }  // namespace
 
-DetailsPanel::DetailsPanel(wxWindow* parent)
+DetailsPanel::DetailsPanel(wxWindow* parent, WindowHost& window)
     : wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-                       wxTAB_TRAVERSAL | wxVSCROLL | wxHSCROLL) {
+                       wxTAB_TRAVERSAL | wxVSCROLL | wxHSCROLL),
+      window_(window) {
     title_ = new wxStaticText(this, wxID_ANY, "");
     title_->SetFont(title_->GetFont().Bold());
     left_ = new wxBoxSizer(wxVERTICAL);
     left_->Add(MakeConnection(), 0, wxEXPAND);
     left_->Add(MakeTraffic(), 0, wxEXPAND | wxTOP, 2 * kGap);
-    presets_ = new PresetsPanel(this);
+    presets_ = new PresetsPanel(this, window_, *this);
     left_->Add(presets_, 0, wxEXPAND | wxTOP, kGap);
-    tcpip_ = new TcpipPanel(this);
-    tcpip_->OnLayout = [this] { Rearrange(); };
-    // Lists do not tell of their focus as other controls do.
-    presets_->OnListFocus = [this](const wxWindow& list) { ShowFocused(list); };
-    tcpip_->OnListFocus = [this](const wxWindow& list) { ShowFocused(list); };
-    tcpip_->OnPanel = [this](const wxWindow& panel) { ShowChild(panel); };
+    tcpip_ = new TcpipPanel(this, window_, *this);
     Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
         event.Skip();
         if (event.GetWindow() != this) ShowFocused(*event.GetWindow());
@@ -165,12 +161,13 @@ bool DetailsPanel::Escape() {
 
 ChangeMacPanel& DetailsPanel::ChangeMac() {
     if (fChangeMAC_ != nullptr) return *fChangeMAC_;
-    fChangeMAC_ = new ChangeMacPanel(this);
+    fChangeMAC_ = new ChangeMacPanel(this, window_, *this);
     // Below the facts, above the traffic.
     left_->Insert(1, fChangeMAC_, 0, wxEXPAND | wxTOP, 2 * kGap);
-    fChangeMAC_->OnLayout = [this] { Rearrange(); };
     return *fChangeMAC_;
 }
+
+void DetailsPanel::PresetsChanged() { presets_->RefreshList(); }
 
 void DetailsPanel::ClearGraph() { graph_->Clear(); }
 

@@ -6,6 +6,7 @@
 
 #include <wx/scrolwin.h>
 
+#include "ui/PanelHosts.h"
 #include "ui/logic/Details.h"
 #include "ui/logic/Traffic.h"
 
@@ -23,9 +24,9 @@ class PresetsPanel;
 class TcpipPanel;
 class TrafficGraph;
 
-class DetailsPanel : public wxScrolledWindow {
+class DetailsPanel : public wxScrolledWindow, private DetailsHost {
  public:
-    explicit DetailsPanel(wxWindow* parent);
+    DetailsPanel(wxWindow* parent, WindowHost& window);
 
     /// Another connection's addresses lose their selection.
     void Fill(const Details& details, bool sameConnection);
@@ -45,10 +46,14 @@ class DetailsPanel : public wxScrolledWindow {
     bool Escape();
 
  private:
+    // DetailsHost
+    void Rearrange() override;
+    void ShowPart(const wxWindow& panel) override { ShowChild(panel); }
+    void ListFocused(const wxWindow& list) override { ShowFocused(list); }
+    void PresetsChanged() override;
+
     /// Lays the two columns out for the width that there is.
     void Arrange();
-    /// Same after something in it was shown or hidden.
-    void Rearrange();
     /// Scrolls a control into view, or as much of it from its top as there is room for.
     void ShowChild(const wxWindow& child);
     /// Same for one that got the focus, unless by the mouse: it was in sight then.
@@ -58,6 +63,7 @@ class DetailsPanel : public wxScrolledWindow {
     wxSizer* MakeConnection();
     wxSizer* MakeTraffic();
 
+    WindowHost& window_;
     wxStaticText* title_ = nullptr;
     FactText* txtConnName_ = nullptr;
     FactText* txtDevName_ = nullptr;

@@ -15,15 +15,17 @@ constexpr int kGap = 6;
 
 }  // namespace
 
-EntryPanel::EntryPanel(wxWindow* parent, const std::string& caption, const std::string& addLabel)
+EntryPanel::EntryPanel(wxWindow* parent, EntryPanelHost& host, const std::string& caption,
+                       const std::string& addLabel)
     : wxPanel(parent),
+      host_(host),
       caption_(new wxStaticText(this, wxID_ANY, Wx(caption))),
       content_(new wxBoxSizer(wxVERTICAL)),
       add_(new wxButton(this, wxID_ANY, Wx(addLabel))),
       close_(new wxButton(this, wxID_ANY, "Close")) {
     caption_->SetFont(caption_->GetFont().Bold());
     add_->SetBitmap(Icon("add"));
-    add_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnAdd(); });
+    add_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { host_.Run([this] { Add(host_.Target()); }); });
     close_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Close(); });
     Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
         event.Skip();
@@ -51,20 +53,20 @@ void EntryPanel::Open() {
     // The buttons come after the boxes in the tab order, whenever those were made.
     add_->MoveAfterInTabOrder(GetChildren().GetLast()->GetData());
     close_->MoveAfterInTabOrder(add_);
-    OnOpen();
+    host_.PanelOpens(*this);
     Show();
-    OnLayout();
+    host_.PanelShown(*this);
 }
 
 void EntryPanel::Dismiss() {
     if (!IsShown()) return;
     Hide();
-    OnLayout();
+    host_.PanelShown(*this);
 }
 
 void EntryPanel::Close() {
     Dismiss();
-    OnClosed();
+    host_.PanelClosed(*this);
 }
 
 }  // namespace corvane

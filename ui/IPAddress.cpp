@@ -38,14 +38,16 @@ IPAddress::~IPAddress() {
     DestroyChildren();
 }
 
-IPAddress* IPAddress::Make(wxWindow* parent, const wxString& name) {
+IPAddress* IPAddress::Make(wxWindow* parent, const wxString& name, IPAddressEvents& events) {
     auto* const control = static_cast<IPAddress*>(wxCreateDynamicObject(kProgrammaticId));
-    control->Create(parent, name);
+    control->Create(parent, name, events);
     return control;
 }
 
-bool IPAddress::Create(wxWindow* parent, const wxString& name) {
+bool IPAddress::Create(wxWindow* parent, const wxString& name, IPAddressEvents& events) {
     if (!wxPanel::Create(parent)) return false;
+    events_ = &events;
+    entry_.Tell(events);
     for (int box = 0; box < kQuadBoxes; ++box) {
         wxTextCtrl* const text = MakeDigitBox(this, kQuadDigits, wxTE_CENTRE | wxBORDER_NONE);
         SetAccessibleName(text, wxString::Format("%s, octet %d of %d", name, box + 1, kQuadBoxes));
@@ -126,7 +128,7 @@ void IPAddress::BindBox(int box) {
         event.Skip();
         if (std::exchange(toldFocus_, -1) != box) entry_.FocusGained(box);
         Refresh();
-        if (OnFocus) OnFocus();
+        events_->Focus();
     });
     text.Bind(wxEVT_KILL_FOCUS, [this, box](wxFocusEvent& event) {
         event.Skip();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <memory>
 
 #include <wx/panel.h>
@@ -23,14 +22,13 @@ class IPAddress : public wxPanel, private QuadBoxesView {
     ~IPAddress() override;
 
     /// Makes one by its programmatic id. `name` is the accessible name: each box has it, and its number.
-    static IPAddress* Make(wxWindow* parent, const wxString& name);
-    bool Create(wxWindow* parent, const wxString& name);
+    /// Whoever hears its events must outlive it.
+    static IPAddress* Make(wxWindow* parent, const wxString& name,
+                           IPAddressEvents& events = IPAddressEvents::Unheard());
+    bool Create(wxWindow* parent, const wxString& name, IPAddressEvents& events);
 
-    /// The value, its rules and the events Change and Edit.
+    /// The value and its rules.
     [[nodiscard]] IPAddressEntry& Entry() { return entry_; }
-
-    /// The focus came to a box.
-    std::function<void()> OnFocus;
 
     /// The control as a whole takes the focus in its first box.
     void SetFocus() override;
@@ -62,6 +60,7 @@ class IPAddress : public wxPanel, private QuadBoxesView {
     /// The box that Focus has told of its focus already; -1: none.
     int toldFocus_ = -1;
     wxSize label1_;  ///< Size of the frame around the boxes.
+    IPAddressEvents* events_ = &IPAddressEvents::Unheard();
     IPAddressEntry entry_{*this};
 };
 

@@ -30,7 +30,7 @@ class PresetEditor::NoVendorBox : public VendorBoxView {
     void MarkChosen(std::size_t) override {}
 };
 
-PresetEditor::PresetEditor(wxWindow* parent) : wxPanel(parent) {
+PresetEditor::PresetEditor(wxWindow* parent, PresetEditorHost& host) : wxPanel(parent), host_(host) {
     auto* const title = new wxStaticText(this, wxID_ANY, "Create / Edit Configuration Preset");
     title->SetFont(title->GetFont().Bold());
     auto* const label = new wxStaticText(this, wxID_ANY, "&Name:");
@@ -70,7 +70,7 @@ PresetEditor::PresetEditor(wxWindow* parent) : wxPanel(parent) {
     vendor_ = std::make_unique<VendorEntry>(*this, *noVendor_);
     entry_ = std::make_unique<MacEntry>(*this, *vendor_);
     boxes_->Bind(*entry_);
-    txtPresetName_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { OnName(); });
+    txtPresetName_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { host_.NameChanged(); });
     Hide();
 }
 
@@ -81,7 +81,7 @@ PresetEditor::~PresetEditor() {
 
 wxCheckBox* PresetEditor::MakeCheck(PresetCheck check, const char* label) {
     auto* const box = new wxCheckBox(this, wxID_ANY, label);
-    box->Bind(wxEVT_CHECKBOX, [this, check](wxCommandEvent&) { OnCheck(check); });
+    box->Bind(wxEVT_CHECKBOX, [this, check](wxCommandEvent&) { host_.CheckClicked(check); });
     checks_.at(static_cast<std::size_t>(check)) = box;
     return box;
 }
@@ -90,8 +90,8 @@ wxSizer* PresetEditor::MakeButtons() {
     auto* const save = new wxButton(this, wxID_ANY, "Save &Preset");
     save->SetBitmap(Icon("apply"));
     auto* const leave = new wxButton(this, wxID_ANY, "&Leave");
-    save->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnSave(); });
-    leave->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnLeave(); });
+    save->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { host_.SavePressed(); });
+    leave->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { host_.LeavePressed(); });
     Bind(wxEVT_CHILD_FOCUS, [save](wxChildFocusEvent& event) {
         event.Skip();
         save->SetDefault();

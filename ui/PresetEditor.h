@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <memory>
 
 #include <wx/panel.h>
@@ -15,18 +14,27 @@ namespace corvane {
 
 class MacBoxRow;
 
+/// What the preset editor tells what it lies in.
+class PresetEditorHost {
+ public:
+    /// Another name is in the name box.
+    virtual void NameChanged() = 0;
+    /// A check box was clicked, and is ticked or not by now.
+    virtual void CheckClicked(PresetCheck check) = 0;
+    virtual void SavePressed() = 0;
+    virtual void LeavePressed() = 0;
+
+ protected:
+    ~PresetEditorHost() = default;
+};
+
 /// The controls of the preset editor except for its lists: the name, what the preset carries, the MAC
 /// address, save and leave. Hidden at first.
 class PresetEditor : public wxPanel, public MacBoxesView {
  public:
-    explicit PresetEditor(wxWindow* parent);
+    /// The host must outlive it.
+    PresetEditor(wxWindow* parent, PresetEditorHost& host);
     ~PresetEditor() override;
-
-    std::function<void()> OnName;
-    std::function<void(PresetCheck check)> OnCheck;
-    /// `Command24` and `Command23`.
-    std::function<void()> OnSave;
-    std::function<void()> OnLeave;
 
     [[nodiscard]] wxTextCtrl& Name() { return *txtPresetName_; }
     [[nodiscard]] wxCheckBox& Check(PresetCheck check) const;
@@ -49,6 +57,7 @@ class PresetEditor : public wxPanel, public MacBoxesView {
     wxCheckBox* MakeCheck(PresetCheck check, const char* label);
     wxSizer* MakeButtons();
 
+    PresetEditorHost& host_;
     wxTextCtrl* txtPresetName_ = nullptr;
     std::array<wxCheckBox*, 7> checks_{};
     std::unique_ptr<MacBoxRow> boxes_;

@@ -7,7 +7,7 @@
 
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
-#include "ui/RowList.h"
+#include "ui/PanelHosts.h"
 #include "ui/WxText.h"
 
 namespace corvane {
@@ -19,26 +19,20 @@ constexpr int kVisibleRows = 3;
 
 }  // namespace
 
-PresetsPanel::PresetsPanel(wxWindow* parent)
+PresetsPanel::PresetsPanel(wxWindow* parent, WindowHost& window, DetailsHost& details)
     : wxPanel(parent),
-      presetsList_(RowList::Make(this, "Presets", {{"Presets", 30}}, false)),
+      window_(window),
+      details_(details),
+      presetsList_(RowList::Make(this, *this, "Presets", {{"Presets", 30}}, false)),
       command20_(MakeButton(mnuApplyPreset, "Appl&y", "preset_apply",
                             "Apply the selected preset to the selected connection")),
       edit_(MakeButton(mnuEditPreset, "Ed&it", "preset_edit", "Change the selected preset")),
       command22_(MakeButton(mnuDeletePreset, "Delete", "preset_delete", "Delete the selected preset (Del)")) {
     presetsList_->SetVisibleRows(kVisibleRows);
-    presetsList_->OnSelect = [this](std::size_t) { OnSelect(); };
-    presetsList_->OnFocus = [this] { OnListFocus(presetsList_->Window()); };
-    const auto send = [this](const wxButton& button) {
-        if (!button.IsEnabled()) return;
-        wxCommandEvent chosen(wxEVT_MENU, button.GetId());
-        ProcessWindowEvent(chosen);
-    };
-    presetsList_->OnActivate = [this, send] { send(*edit_); };
-    presetsList_->Window().Bind(wxEVT_CHAR_HOOK, [this, send](wxKeyEvent& event) {
+    presetsList_->Window().Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
         const int key = event.GetKeyCode();
         if ((key == WXK_DELETE || key == WXK_NUMPAD_DELETE) && !event.HasAnyModifiers()) {
-            send(*command22_);
+            Send(*command22_);
         } else {
             event.Skip();
         }
@@ -51,6 +45,21 @@ PresetsPanel::PresetsPanel(wxWindow* parent)
     sizer->Add(buttons);
     SetSizer(sizer);
     RefreshList();
+}
+
+PresetsPanel::~PresetsPanel() {
+    // The list tells of its focus even now.
+    DestroyChildren();
+}
+
+void PresetsPanel::RowSelected(std::size_t) { window_.UpdateCommands(); }
+void PresetsPanel::ListFocused() { details_.ListFocused(presetsList_->Window()); }
+void PresetsPanel::RowActivated() { Send(*edit_); }
+
+void PresetsPanel::Send(const wxButton& button) {
+    if (!button.IsEnabled()) return;
+    wxCommandEvent chosen(wxEVT_MENU, button.GetId());
+    ProcessWindowEvent(chosen);
 }
 
 wxButton* PresetsPanel::MakeButton(int command, const char* label, const char* icon, const char* tip) {

@@ -1,29 +1,26 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <vector>
 
 #include <wx/panel.h>
 
+#include "ui/RowList.h"
 #include "ui/logic/PresetCommands.h"
 
 class wxButton;
 
 namespace corvane {
 
-class RowList;
+class DetailsHost;
+class WindowHost;
 
 /// `PresetsList` with the buttons that apply, edit and delete the selected preset (menu commands, see
 /// ui/MainMenu.h).
-class PresetsPanel : public wxPanel {
+class PresetsPanel : public wxPanel, private RowListHost {
  public:
-    explicit PresetsPanel(wxWindow* parent);
-
-    /// The user selected another preset.
-    std::function<void()> OnSelect;
-    /// The list got the focus.
-    std::function<void(const wxWindow& list)> OnListFocus;
+    PresetsPanel(wxWindow* parent, WindowHost& window, DetailsHost& details);
+    ~PresetsPanel() override;
 
     /// Shows the presets as they are now; the one that was selected stays selected if it is still there.
     void RefreshList();
@@ -32,8 +29,17 @@ class PresetsPanel : public wxPanel {
     void EnableCommands(bool usable, bool applicable);
 
  private:
+    // RowListHost
+    void RowSelected(std::size_t row) override;
+    void ListFocused() override;
+    void RowActivated() override;
+
+    /// Sends the command of a button, as long as it is enabled.
+    void Send(const wxButton& button);
     wxButton* MakeButton(int command, const char* label, const char* icon, const char* tip);
 
+    WindowHost& window_;
+    DetailsHost& details_;
     std::vector<PresetEntry> entries_;
     RowList* presetsList_;
     wxButton* command20_;  ///< Apply.

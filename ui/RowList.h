@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,11 +23,27 @@ struct ListRow {
     bool operator==(const ListRow&) const = default;
 };
 
+/// Whoever a list belongs to. What it does not care for it leaves alone.
+class RowListHost {
+ public:
+    /// The user selected a row.
+    virtual void RowSelected(std::size_t row) = 0;
+    /// The list got the focus.
+    virtual void ListFocused() {}
+    /// A row was double-clicked, or Enter was pressed on it.
+    virtual void RowActivated() {}
+    /// The list's menu is asked for, with the mouse or with the keyboard.
+    virtual void ListMenuAsked() {}
+
+ protected:
+    ~RowListHost() = default;
+};
+
 class RowList {
  public:
-    /// Makes one that goes with its parent. `name` is the accessible name.
-    static RowList* Make(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
-                         bool withIcons);
+    /// Makes one that goes with its parent; the host must outlive it. `name` is the accessible name.
+    static RowList* Make(wxWindow* parent, RowListHost& host, const std::string& name,
+                         const std::vector<ListColumn>& columns, bool withIcons);
     RowList(const RowList&) = delete;
     RowList& operator=(const RowList&) = delete;
 
@@ -42,20 +57,11 @@ class RowList {
     virtual void SetText(std::size_t row, std::size_t column, const std::string& text) = 0;
     virtual void SetTitle(std::size_t column, const std::string& title) = 0;
 
-    /// Selects a row and makes it visible, without telling `OnSelect`.
+    /// Selects a row and makes it visible, without telling the host.
     virtual void SelectRow(std::size_t row) = 0;
-    /// No row is selected any more, without telling anybody.
+    /// No row is selected any more, without telling the host.
     virtual void ClearSelection() = 0;
     [[nodiscard]] virtual std::optional<std::size_t> SelectedRow() const = 0;
-
-    /// Called when the user selects a row.
-    std::function<void(std::size_t row)> OnSelect;
-    /// Called when the list gets the focus.
-    std::function<void()> OnFocus;
-    /// Called when a row is double-clicked, or Enter is pressed on it.
-    std::function<void()> OnActivate;
-    /// Called when the list's menu is asked for, with the mouse or with the keyboard.
-    std::function<void()> OnMenu;
 
     /// Height that shows `rows` rows and the titles.
     virtual void SetVisibleRows(int rows) = 0;

@@ -11,8 +11,7 @@
 #include "ui/AddressPanels.h"
 #include "ui/Facts.h"
 #include "ui/MainMenu.h"
-#include "ui/PresetEditor.h"
-#include "ui/RowList.h"
+#include "ui/PanelHosts.h"
 #include "ui/WxText.h"
 
 namespace corvane {
@@ -47,7 +46,8 @@ constexpr AddressListKind kDnsList{.name = kDnsTitle,
 
 }  // namespace
 
-TcpipPanel::TcpipPanel(wxWindow* parent) : wxPanel(parent) {
+TcpipPanel::TcpipPanel(wxWindow* parent, WindowHost& window, DetailsHost& details)
+    : wxPanel(parent), window_(window), details_(details) {
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(MakeFacts(), 0, wxEXPAND);
     SetSizer(sizer);
@@ -76,9 +76,7 @@ wxSizer* TcpipPanel::MakeFacts() {
 }
 
 std::unique_ptr<AddressListBox> TcpipPanel::MakeList(const AddressListKind& kind) {
-    auto list = std::make_unique<AddressListBox>(this, kind);
-    list->List().OnFocus = [this, &shown = list->List()] { OnListFocus(shown.Window()); };
-    list->OnCommands = [this] { OnCommands(); };
+    auto list = std::make_unique<AddressListBox>(this, static_cast<AddressListHost&>(*this), kind);
     GetSizer()->Add(list->Sizer(), kind.visibleRows, wxEXPAND | wxTOP, kGap);
     return list;
 }
@@ -153,63 +151,71 @@ bool TcpipPanel::Escape() {
     return !open.empty();
 }
 
-void TcpipPanel::AddPanel(EntryPanel* panel, AddressListBox& list,
-                          std::function<void(const EditingTarget&)> add) {
-    panel->OnAdd = [this, add = std::move(add)] { Run([this, &add] { add(Target()); }); };
-    panel->OnOpen = [this, panel] {
-        for (EntryPanel* const other : OpenPanels()) {
-            if (other != panel) other->Dismiss();
-        }
-    };
-    panel->OnLayout = [this, panel] {
-        LayOut();
-        if (panel->IsOpen()) OnPanel(*panel);
-    };
-    panel->OnClosed = [this, &list] {
-        list.List().Window().SetFocus();
-        OnClosed();
-    };
-    list.AddPanel(panel);
+AddressListBox& TcpipPanel::ListOf(const EntryPanel& panel) const {
+    if (&panel == fAddIP_) return *listIP_;
+    return &panel == fAddGateway_ ? *listGateway_ : *listDNS_;
 }
 
 AddIPPanel& TcpipPanel::IPPanel() {
     if (fAddIP_ == nullptr) {
-        fAddIP_ = new AddIPPanel(this, *listIP_);
-        AddPanel(fAddIP_, *listIP_, [this](const EditingTarget& target) { fAddIP_->Editing().Add(target); });
+        fAddIP_ = new AddIPPanel(this, *this, *listIP_);
+        listIP_->AddPanel(fAddIP_);
     }
     return *fAddIP_;
 }
 
 AddGatewayPanel& TcpipPanel::GatewayPanel() {
     if (fAddGateway_ == nullptr) {
-        fAddGateway_ = new AddGatewayPanel(this, *listGateway_);
-        fAddGateway_->OnCheck4 = [this] { fAddGateway_->Editing().Check4Clicked(Target()); };
-        AddPanel(fAddGateway_, *listGateway_,
-                 [this](const EditingTarget& target) { fAddGateway_->Editing().Add(target); });
+        fAddGateway_ = new AddGatewayPanel(this, *this, *listGateway_);
+        listGateway_->AddPanel(fAddGateway_);
     }
     return *fAddGateway_;
 }
 
 AddDNSPanel& TcpipPanel::DNSPanel() {
     if (fAddDNS_ == nullptr) {
-        fAddDNS_ = new AddDNSPanel(this, *listDNS_);
-        AddPanel(fAddDNS_, *listDNS_,
-                 [this](const EditingTarget& target) { fAddDNS_->Editing().Add(target); });
+        fAddDNS_ = new AddDNSPanel(this, *this, *listDNS_);
+        listDNS_->AddPanel(fAddDNS_);
     }
     return *fAddDNS_;
 }
 
 PresetEditor& TcpipPanel::Editor() {
     if (editor_ != nullptr) return *editor_;
-    editor_ = new PresetEditor(this);
+    editor_ = new PresetEditor(this, *this);
     editor_->MoveBeforeInTabOrder(facts_);
     GetSizer()->Prepend(editor_, 0, wxEXPAND | wxBOTTOM, kGap);
-    editor_->OnName = [this] { presets_.NameChanged(); };
-    editor_->OnCheck = [this](PresetCheck check) { presets_.Clicked(check); };
-    editor_->OnSave = [this] { Run([this] { presets_.Save(programFolder); }); };
-    editor_->OnLeave = [this] { presets_.Leave(); };
     return *editor_;
 }
+
+void TcpipPanel::ListCommandsChanged() { window_.UpdateListCommands(); }
+void TcpipPanel::ListFocused(const wxWindow& list) { details_.ListFocused(list); }
+
+void TcpipPanel::Run(const std::function<void()>& command) { window_.Run(command); }
+EditingTarget TcpipPanel::Target() const { return {window_.SelectedAdapter(), !EditsPreset()}; }
+
+void TcpipPanel::PanelOpens(const EntryPanel& panel) {
+    for (EntryPanel* const other : OpenPanels()) {
+        if (other != &panel) other->Dismiss();
+    }
+}
+
+void TcpipPanel::PanelShown(const EntryPanel& panel) {
+    LayOut();
+    if (panel.IsOpen()) details_.ShowPart(panel);
+}
+
+void TcpipPanel::PanelClosed(const EntryPanel& panel) {
+    ListOf(panel).List().Window().SetFocus();
+    window_.EntryClosed();
+}
+
+void TcpipPanel::NameChanged() { presets_.NameChanged(); }
+void TcpipPanel::CheckClicked(PresetCheck check) { presets_.Clicked(check); }
+void TcpipPanel::SavePressed() {
+    Run([this] { presets_.Save(window_.PresetsFolder()); });
+}
+void TcpipPanel::LeavePressed() { presets_.Leave(); }
 
 void TcpipPanel::LayOut() {
     // The lists share the height that is left, in the proportion of their rows, unless one of them has a
@@ -221,7 +227,7 @@ void TcpipPanel::LayOut() {
         GetSizer()->GetItem(list->Sizer())->SetProportion(share ? rows : 0);
     }
     InvalidateBestSize();
-    OnLayout();
+    details_.Rearrange();
 }
 
 void TcpipPanel::ShowEditor(bool editing) {
@@ -229,7 +235,7 @@ void TcpipPanel::ShowEditor(bool editing) {
     Editor().Show(editing);
     facts_->Show(!editing);
     LayOut();
-    OnEditing(editing);
+    window_.EditingPreset(editing);
 }
 
 std::string TcpipPanel::PresetName() const { return Utf8(editor_->Name().GetValue()); }
@@ -261,6 +267,6 @@ void TcpipPanel::EnableListCommands(PresetCheck list, bool enable) {
     if (list == PresetCheck::ckCPDNS) set(*listDNS_, fAddDNS_);
 }
 
-void TcpipPanel::RefreshPresetsList() { OnPresets(); }
+void TcpipPanel::RefreshPresetsList() { details_.PresetsChanged(); }
 
 }  // namespace corvane

@@ -8,6 +8,7 @@
 #include <wx/panel.h>
 
 #include "ui/AddressListBox.h"
+#include "ui/PresetEditor.h"
 #include "ui/logic/Details.h"
 #include "ui/logic/PresetEditing.h"
 
@@ -18,36 +19,20 @@ namespace corvane {
 class AddDNSPanel;
 class AddGatewayPanel;
 class AddIPPanel;
+class DetailsHost;
 class FactText;
-class PresetEditor;
+class WindowHost;
 
 /// The TCP/IP set-up of the selected connection: its state, its lists of addresses, gateways and DNS servers
 /// with their entry panels; or, in its place, the preset editor with the same lists.
-class TcpipPanel : public wxPanel, private PresetEditorView {
+class TcpipPanel : public wxPanel,
+                   private PresetEditorView,
+                   private AddressListHost,
+                   private EntryPanelHost,
+                   private PresetEditorHost {
  public:
-    explicit TcpipPanel(wxWindow* parent);
+    TcpipPanel(wxWindow* parent, WindowHost& window, DetailsHost& details);
     ~TcpipPanel() override;
-
-    /// Runs a command, one at a time.
-    std::function<void(const std::function<void()>& command)> Run;
-    /// What editing works on now.
-    std::function<EditingTarget()> Target;
-    /// The panel's size has changed: what it lies in lays itself out anew.
-    std::function<void()> OnLayout;
-    /// An entry panel was closed.
-    std::function<void()> OnClosed;
-    /// The lists' commands were enabled or disabled.
-    std::function<void()> OnCommands;
-    /// A list got the focus.
-    std::function<void(const wxWindow& list)> OnListFocus;
-    /// An entry panel was opened.
-    std::function<void(const wxWindow& panel)> OnPanel;
-    /// Editing mode was entered or left: the connection's details and commands follow.
-    std::function<void(bool editing)> OnEditing;
-    /// The presets are other ones than before.
-    std::function<void()> OnPresets;
-    /// Folder of the presets file, ending in the separator.
-    std::string programFolder;
 
     /// Shows a connection's settings; nothing in editing mode. Another connection's rows lose the selection.
     void Fill(const Details& details, bool sameConnection);
@@ -82,17 +67,36 @@ class TcpipPanel : public wxPanel, private PresetEditorView {
     void EnableListCommands(PresetCheck list, bool enable) override;
     void RefreshPresetsList() override;
 
+    // AddressListHost
+    void ListCommandsChanged() override;
+    void ListFocused(const wxWindow& list) override;
+
+    // EntryPanelHost
+    void Run(const std::function<void()>& command) override;
+    [[nodiscard]] EditingTarget Target() const override;
+    void PanelOpens(const EntryPanel& panel) override;
+    void PanelShown(const EntryPanel& panel) override;
+    void PanelClosed(const EntryPanel& panel) override;
+
+    // PresetEditorHost
+    void NameChanged() override;
+    void CheckClicked(PresetCheck check) override;
+    void SavePressed() override;
+    void LeavePressed() override;
+
     wxSizer* MakeFacts();
     std::unique_ptr<AddressListBox> MakeList(const AddressListKind& kind);
     [[nodiscard]] std::vector<EntryPanel*> OpenPanels() const;
-    /// Puts an entry panel below its list and ties it to the editing of that list.
-    void AddPanel(EntryPanel* panel, AddressListBox& list, std::function<void(const EditingTarget&)> add);
+    /// The list that a panel enters something for.
+    [[nodiscard]] AddressListBox& ListOf(const EntryPanel& panel) const;
     AddIPPanel& IPPanel();
     AddGatewayPanel& GatewayPanel();
     AddDNSPanel& DNSPanel();
     PresetEditor& Editor();
     void LayOut();
 
+    WindowHost& window_;
+    DetailsHost& details_;
     wxPanel* facts_ = nullptr;
     FactText* labTCPIP_ = nullptr;
     FactText* labDHCP_ = nullptr;

@@ -8,13 +8,13 @@
 
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
-#include "ui/VendorDropDown.h"
 #include "ui/WxText.h"
 
 namespace corvane {
 
-VendorBox::VendorBox(wxWindow* parent)
-    : edit_(new wxTextCtrl(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxTE_PROCESS_ENTER)),
+VendorBox::VendorBox(wxWindow* parent, VendorBoxHost& host)
+    : host_(host),
+      edit_(new wxTextCtrl(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxTE_PROCESS_ENTER)),
       button_(new wxBitmapButton(parent, wxID_ANY, Icon("down"))) {
     button_->SetToolTip("Show the list of vendors");
     SetAccessibleName(button_, "Show the list of vendors");
@@ -30,7 +30,7 @@ VendorBox::VendorBox(wxWindow* parent)
     });
     edit_->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
-        if (OnFocus) OnFocus();
+        host_.VendorBoxFocused();
     });
     edit_->Bind(wxEVT_KILL_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
@@ -72,10 +72,7 @@ void VendorBox::MarkChosen(std::size_t entry) { chosen_ = entry; }
 bool VendorBox::ListShown() const { return list_ != nullptr && list_->IsShown(); }
 
 void VendorBox::OpenList() {
-    if (list_ == nullptr) {
-        list_ = new VendorDropDown(edit_);
-        list_->OnClick = [this](std::size_t row) { Choose(row); };
-    }
+    if (list_ == nullptr) list_ = new VendorDropDown(edit_, *this);
     list_->Open(*edit_, "", chosen_);
 }
 
@@ -88,7 +85,7 @@ bool VendorBox::CloseList() {
 void VendorBox::Choose(std::size_t row) {
     const std::size_t entry = list_->EntryAt(row);
     CloseList();
-    if (OnChoice) OnChoice(entry);
+    host_.VendorChosen(entry);
     edit_->SelectAll();
 }
 

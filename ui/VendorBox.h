@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <string>
 
+#include "ui/VendorDropDown.h"
 #include "ui/logic/VendorEntry.h"
 
 class wxBitmapButton;
@@ -18,12 +18,22 @@ class wxWindow;
 /// Enter or a click chooses, Escape closes it.
 namespace corvane {
 
-class VendorDropDown;
-
-class VendorBox : public VendorBoxView {
+/// Whoever a VendorBox belongs to.
+class VendorBoxHost {
  public:
-    /// Makes the controls on `parent`, which must outlive the box; MakeSizer lays them out.
-    explicit VendorBox(wxWindow* parent);
+    /// The user chose an entry; the edit part has still the text that was searched for.
+    virtual void VendorChosen(std::size_t entry) = 0;
+    /// The box got the focus.
+    virtual void VendorBoxFocused() = 0;
+
+ protected:
+    ~VendorBoxHost() = default;
+};
+
+class VendorBox : public VendorBoxView, private VendorDropDownHost {
+ public:
+    /// Makes the controls on `parent`, which must outlive the box, as the host must; MakeSizer lays them out.
+    VendorBox(wxWindow* parent, VendorBoxHost& host);
 
     wxSizer* MakeSizer();
 
@@ -36,17 +46,15 @@ class VendorBox : public VendorBoxView {
     /// False when the list was not open.
     bool CloseList();
 
-    /// The user chose an entry; the edit part has still the text that was searched for.
-    std::function<void(std::size_t entry)> OnChoice;
-    /// The box got the focus.
-    std::function<void()> OnFocus;
-
  private:
+    void RowClicked(std::size_t row) override { Choose(row); }
+
     void OnKey(wxKeyEvent& event);
     void OpenList();
     void Choose(std::size_t row);
     [[nodiscard]] bool ListShown() const;
 
+    VendorBoxHost& host_;
     wxTextCtrl* edit_;
     wxBitmapButton* button_;
     VendorDropDown* list_ = nullptr;  ///< Made when it is opened for the first time.

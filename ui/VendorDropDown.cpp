@@ -40,15 +40,15 @@ class VendorDropDown::List : public wxVListBox {
     const VendorSearch& search_;
 };
 
-VendorDropDown::VendorDropDown(wxWindow* owner)
-    : wxPopupWindow(owner, wxBORDER_NONE), list_(new List(this, search_)) {
+VendorDropDown::VendorDropDown(wxWindow* owner, VendorDropDownHost& host)
+    : wxPopupWindow(owner, wxBORDER_NONE), host_(host), list_(new List(this, search_)) {
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(list_, 1, wxEXPAND);
     SetSizer(sizer);
     list_->Bind(wxEVT_LEFT_UP, [this](wxMouseEvent& event) {
         event.Skip();
         const int row = list_->VirtualHitTest(event.GetY());
-        if (row != wxNOT_FOUND && OnClick) OnClick(static_cast<std::size_t>(row));
+        if (row != wxNOT_FOUND) host_.RowClicked(static_cast<std::size_t>(row));
     });
 }
 

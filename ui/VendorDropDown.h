@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -13,9 +12,20 @@
 /// The list that drops down from VendorBox. It never takes the focus.
 namespace corvane {
 
+/// Whoever a VendorDropDown belongs to.
+class VendorDropDownHost {
+ public:
+    /// A row was clicked.
+    virtual void RowClicked(std::size_t row) = 0;
+
+ protected:
+    ~VendorDropDownHost() = default;
+};
+
 class VendorDropDown : public wxPopupWindow {
  public:
-    explicit VendorDropDown(wxWindow* owner);
+    /// The host must outlive it.
+    VendorDropDown(wxWindow* owner, VendorDropDownHost& host);
 
     /// Shows the matches of `search` below `owner`, with `entry` marked when it is among them, else the
     /// first.
@@ -30,14 +40,12 @@ class VendorDropDown : public wxPopupWindow {
     [[nodiscard]] std::size_t EntryAt(std::size_t row) const { return search_.EntryAt(row); }
     [[nodiscard]] int PageRows() const;
 
-    /// A row was clicked.
-    std::function<void(std::size_t row)> OnClick;
-
  private:
     class List;
 
     void Mark(std::optional<std::size_t> row);
 
+    VendorDropDownHost& host_;
     VendorSearch search_;
     List* list_;
 };

@@ -21,7 +21,6 @@
 #include "ui/FactText.h"
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
-#include "ui/RowList.h"
 #include "ui/TcpipPanel.h"
 #include "ui/VendorBox.h"
 #include "ui/WxText.h"
@@ -76,7 +75,10 @@ frmMain::frmMain(ProgramFacts facts)
     });
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() {
+    // What is in it tells of its focus even now.
+    splitter_->Destroy();
+}
 
 void frmMain::MakeControls() {
     SetIcons(ProgramIcons());
@@ -86,8 +88,8 @@ void frmMain::MakeControls() {
     commandBar_ = new CommandBar(ground_);
     splitter_ = new wxSplitterWindow(ground_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                      wxSP_LIVE_UPDATE | wxSP_NOBORDER);
-    list_ = RowList::Make(splitter_, "Network Connections", ListColumns(), true);
-    fDetails_ = new DetailsPanel(splitter_);
+    list_ = RowList::Make(splitter_, *this, "Network Connections", ListColumns(), true);
+    fDetails_ = new DetailsPanel(splitter_, *this);
     splitter_->SetMinimumPaneSize(GetCharHeight() * 5);
     splitter_->SplitHorizontally(&list_->Window(), fDetails_);
 
@@ -186,11 +188,6 @@ void frmMain::ApplyDetails() {
 void frmMain::ShowInTray() {
     const NicInfo* const nic = SelectedNic();
     if (tray_) tray_->ShowConnection(nic == nullptr ? "" : nic->Name, nic == nullptr ? "" : nic->Mac);
-}
-
-void frmMain::OnSelected(std::size_t row) {
-    if (gate_.Busy() || refreshing_) return;
-    connections_.Select(row);
 }
 
 void frmMain::RefreshSoon() {

@@ -10,6 +10,8 @@
 #include <wx/timer.h>
 
 #include "ui/ChangesWatch.h"
+#include "ui/PanelHosts.h"
+#include "ui/RowList.h"
 #include "ui/logic/CommandGate.h"
 #include "ui/logic/Commands.h"
 #include "ui/logic/ConnectionList.h"
@@ -21,11 +23,9 @@ class wxSplitterWindow;
 /// `frmMain`: the list of connections, the details of the selected one, and the commands.
 namespace corvane {
 
-class ChangeMacPanel;
 class CommandBar;
 class DetailsPanel;
 class FactText;
-class RowList;
 class frmTray;
 
 /// What the window is told at start.
@@ -34,7 +34,7 @@ struct ProgramFacts {
     std::string osDescription;  ///< For the about box.
 };
 
-class frmMain : public wxFrame, private ConnectionListView {
+class frmMain : public wxFrame, private ConnectionListView, private RowListHost, private WindowHost {
  public:
     /// Loads the window: fills the vendor list and the connection list. Shows nothing yet.
     explicit frmMain(ProgramFacts facts);
@@ -56,31 +56,38 @@ class frmMain : public wxFrame, private ConnectionListView {
     void SelectRow(std::size_t row) override;
     void ShowDetails(const Details& details) override;
 
+    // RowListHost, of the list of connections.
+    void RowSelected(std::size_t row) override;
+    void RowActivated() override;
+    void ListMenuAsked() override;
+
+    // WindowHost
+    void Run(const std::function<void()>& command) override;
+    [[nodiscard]] std::optional<std::size_t> SelectedAdapter() const override;
+    [[nodiscard]] const std::string& PresetsFolder() const override { return facts_.folder; }
+    void UpdateCommands() override;
+    void UpdateListCommands() override;
+    void EditingPreset(bool editing) override;
+    void EntryClosed() override;
+    void ChangeMacClosed() override;
+
     void MakeControls();
     void BindCommands();
     /// Runs a command for a menu item or a button, one at a time; nothing while another runs.
     void BindCommand(int id, std::function<void()> command);
     /// Same for a command that acts on the selected connection; nothing without one.
     void BindConnectionCommand(int id, std::function<void(std::size_t adapter)> command);
-    void Run(const std::function<void()>& command);
 
     void ApplyDetails();
     void ShowInTray();
-    void UpdateCommands();
-    void UpdateListCommands();
     void BindTcpip();
     void BindPresets();
-    /// The list of connections and everything else follows the preset editor.
-    void EditingPreset(bool editing);
     void OpenChangeMacPanel(std::size_t adapter);
-    void BindChangeMac(ChangeMacPanel& panel);
     void ExportReport();
     void ShowAbout();
-    void ShowContextMenu();
     void Timer1Tick();
     /// Refreshes for changes from outside, if there are any and nothing is in the way.
     void RefreshForChanges();
-    void OnSelected(std::size_t row);
     /// Something was closed that a refresh for changes from outside has waited for.
     void RefreshSoon();
     void OnEscape(wxKeyEvent& event);

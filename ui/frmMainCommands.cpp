@@ -13,7 +13,6 @@
 #include "ui/DetailsPanel.h"
 #include "ui/MainMenu.h"
 #include "ui/PresetsPanel.h"
-#include "ui/RowList.h"
 #include "ui/TcpipPanel.h"
 #include "ui/VendorBox.h"
 #include "ui/WxText.h"
@@ -59,15 +58,20 @@ void frmMain::BindCommands() {
         event.Skip();
         OnThemeChanged();
     });
-
-    list_->OnSelect = [this](std::size_t row) { OnSelected(row); };
-    list_->OnActivate = [this] {
-        Run([this] {
-            if (const auto adapter = connections_.Selected()) OpenChangeMacPanel(*adapter);
-        });
-    };
-    list_->OnMenu = [this] { ShowContextMenu(); };
 }
+
+void frmMain::RowSelected(std::size_t row) {
+    if (gate_.Busy() || refreshing_) return;
+    connections_.Select(row);
+}
+
+void frmMain::RowActivated() {
+    Run([this] {
+        if (const auto adapter = connections_.Selected()) OpenChangeMacPanel(*adapter);
+    });
+}
+
+std::optional<std::size_t> frmMain::SelectedAdapter() const { return connections_.Selected(); }
 
 void frmMain::BindCommand(int id, std::function<void()> command) {
     const auto run = [this, command = std::move(command)](wxCommandEvent&) { Run(command); };
@@ -100,45 +104,22 @@ void frmMain::Run(const std::function<void()>& command) {
     RefreshForChanges();
 }
 
-void frmMain::OpenChangeMacPanel(std::size_t adapter) {
-    ChangeMacPanel& panel = fDetails_->ChangeMac();
-    if (!panel.OnChangeNow) BindChangeMac(panel);
-    panel.Open(Nics.at(adapter).Name);
-}
+void frmMain::OpenChangeMacPanel(std::size_t adapter) { fDetails_->ChangeMac().Open(Nics.at(adapter).Name); }
 
-void frmMain::BindChangeMac(ChangeMacPanel& panel) {
-    const auto onSelected = [this](auto command) {
-        Run([this, command] {
-            if (const auto adapter = connections_.Selected()) command(*adapter);
-        });
-    };
-    panel.OnChangeNow = [&panel, onSelected] {
-        onSelected([&panel](std::size_t adapter) { ChangeNow(adapter, panel, panel); });
-    };
-    panel.OnOriginalMac = [&panel, onSelected] {
-        onSelected([&panel](std::size_t adapter) { OriginalMac(adapter, panel, panel.Vendor(), panel); });
-    };
-    panel.OnClosed = [this] {
-        list_->Window().SetFocus();
-        RefreshSoon();
-    };
+void frmMain::EntryClosed() { RefreshSoon(); }
+
+void frmMain::ChangeMacClosed() {
+    list_->Window().SetFocus();
+    RefreshSoon();
 }
 
 void frmMain::BindTcpip() {
     TcpipPanel& tcpip = fDetails_->Tcpip();
-    tcpip.Run = [this](const std::function<void()>& command) { Run(command); };
-    tcpip.Target = [this, &tcpip] { return EditingTarget{connections_.Selected(), !tcpip.EditsPreset()}; };
-    tcpip.OnClosed = [this] { RefreshSoon(); };
-    tcpip.OnEditing = [this](bool editing) { EditingPreset(editing); };
-    tcpip.OnPresets = [this] { fDetails_->Presets().RefreshList(); };
-    tcpip.OnCommands = [this] { UpdateListCommands(); };
-    tcpip.programFolder = facts_.folder;
     for (const int id : kListCommands) BindCommand(id, [id, &tcpip] { tcpip.RunListCommand(id); });
 }
 
 void frmMain::BindPresets() {
     PresetsPanel& presets = fDetails_->Presets();
-    presets.OnSelect = [this] { UpdateCommands(); };
     BindCommand(mnuCreatePreset, [this] { fDetails_->Tcpip().EditPreset(""); });
     BindCommand(mnuEditPreset, [this, &presets] {
         if (const auto entry = presets.Selected()) fDetails_->Tcpip().EditPreset(entry->name);
@@ -174,7 +155,7 @@ void frmMain::ExportReport() {
 
 void frmMain::ShowAbout() { frmAboutUs(this, facts_.osDescription).ShowModal(); }
 
-void frmMain::ShowContextMenu() {
+void frmMain::ListMenuAsked() {
     if (gate_.Busy() || !connections_.Selected()) return;
     wxMenu menu;
     AddConnectionCommands(menu, details_);

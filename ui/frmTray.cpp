@@ -21,12 +21,7 @@ std::unique_ptr<frmTray> frmTray::Make(frmMain& window) {
     return tray->icon_ ? std::move(tray) : nullptr;
 }
 
-frmTray::frmTray(frmMain& window)
-    : window_(window),
-      tip_(TrayTip("")),
-      icon_(TrayIcon::Make(window, {.onClick = [this] { ShowOrHide(); },
-                                    .onActivate = [this] { ShowWindow(); },
-                                    .makeMenu = [this] { return MakeMenu(); }})) {
+frmTray::frmTray(frmMain& window) : window_(window), tip_(TrayTip("")), icon_(TrayIcon::Make(window, *this)) {
     if (!icon_) return;
     static constexpr std::array kNames = {"tray_idle", "tray_sending", "tray_receiving", "tray_both"};
     const int size = icon_->PictureSize();

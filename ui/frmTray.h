@@ -35,7 +35,7 @@ class OpenDialogs : private wxModalDialogHook {
     int count_ = 0;
 };
 
-class frmTray {
+class frmTray : private TrayIconHost {
  public:
     /// Nothing where the desktop has no tray.
     static std::unique_ptr<frmTray> Make(frmMain& window);
@@ -48,9 +48,11 @@ class frmTray {
  private:
     explicit frmTray(frmMain& window);
 
-    wxMenu* MakeMenu();
-    void ShowOrHide();
-    void ShowWindow();
+    // TrayIconHost
+    void ShowOrHide() override;
+    void ShowWindow() override;
+    wxMenu* MakeMenu() override;
+
     void ShowFrame(TrayFrame frame);
 
     frmMain& window_;

@@ -84,7 +84,7 @@ class IpPanel : public IpPanelView {
  public:
     IpPanel(std::vector<std::string>& userDiary, AddressListView& list)
         : diary(userDiary), editing(*this, list) {
-        mask.entry.Change = [this] { editing.MaskChanged(); };
+        mask.listener.change = [this] { editing.MaskChanged(); };
     }
 
     std::vector<std::string>& diary;

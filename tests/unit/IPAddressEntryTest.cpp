@@ -128,8 +128,7 @@ TEST_F(QuadValue, ChangeIsNotRaisedForAValueSetOnceMore) {
 }
 
 TEST_F(QuadValue, NobodyNeedsToListen) {
-    boxes.entry.Change = nullptr;
-    boxes.entry.Edit = nullptr;
+    boxes.entry.Tell(IPAddressEvents::Unheard());
     boxes.MoveTo(0);
     boxes.Type("300");
     EXPECT_EQ(boxes.texts, Texts());
@@ -137,7 +136,7 @@ TEST_F(QuadValue, NobodyNeedsToListen) {
 }
 
 TEST_F(QuadValue, ListenerMayEmptyTheControl) {
-    boxes.entry.Change = [&] { boxes.entry.SetText(""); };
+    boxes.listener.change = [&] { boxes.entry.SetText(""); };
     boxes.Stand(0, "192", {3, 0});
     boxes.Type("4");
     EXPECT_EQ(boxes.focus, 1);

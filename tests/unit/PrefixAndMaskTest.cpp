@@ -47,7 +47,7 @@ TEST_F(PrefixAndMaskTest, MaskThatFollowsDoesNotChangeThePrefixInReturn) {
 TEST_F(PrefixAndMaskTest, MaskIsEmptiedAndThenFilledFromTheLeft) {
     std::vector<std::string> states;
     panel.mask.entry.SetText("1.2.3.4");
-    panel.mask.entry.Change = [&] { states.push_back(panel.mask.entry.Text()); };
+    panel.mask.listener.change = [&] { states.push_back(panel.mask.entry.Text()); };
     panel.TypeCidr("9");
     EXPECT_THAT(states, ElementsAre(".2.3.4", "..3.4", "...4", "", "255...", "255.128..", "255.128.0.",
                                     "255.128.0.0"));

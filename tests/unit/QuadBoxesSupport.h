@@ -29,12 +29,22 @@ using Texts = std::array<std::string, 4>;
 /// When the window reports a move of the focus that the rules asked for: systems differ.
 enum class FocusReports { kAtOnce, kAfterTheKey };
 
+/// What a test does at the control's events; at first nothing.
+struct QuadListener : IPAddressEvents {
+    void Change() override { change(); }
+    void Edit() override { edit(); }
+
+    std::function<void()> change = [] {};
+    std::function<void()> edit = [] {};
+};
+
 /// Four text boxes in memory. A text that is set puts the caret to the start.
 class QuadBoxes : public QuadBoxesView {
  public:
     explicit QuadBoxes(FocusReports focusReports = FocusReports::kAtOnce) : reports(focusReports) {
-        entry.Change = [this] { changes.push_back(entry.Text()); };
-        entry.Edit = [this] { ++edits; };
+        listener.change = [this] { changes.push_back(entry.Text()); };
+        listener.edit = [this] { ++edits; };
+        entry.Tell(listener);
     }
 
     FocusReports reports;
@@ -46,6 +56,7 @@ class QuadBoxes : public QuadBoxesView {
     int changeEvents = 0;              ///< Change events of the boxes themselves.
     std::vector<std::string> changes;  ///< The whole text at each Change.
 
+    QuadListener listener;
     IPAddressEntry entry{*this};
 
     // Set-up, unseen by the rules.

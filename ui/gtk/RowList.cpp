@@ -25,8 +25,8 @@ void MoveCursor(wxDataViewCtrl* list, int row) {
 
 class DataViewRowList : public wxDataViewCtrl, public RowList {
  public:
-    DataViewRowList(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
-                    bool withIcons);
+    DataViewRowList(wxWindow* parent, RowListHost& host, const std::string& name,
+                    const std::vector<ListColumn>& columns, bool withIcons);
 
     [[nodiscard]] wxWindow& Window() override { return *this; }
     void SetRows(std::vector<ListRow> rows) override;
@@ -48,6 +48,7 @@ class DataViewRowList : public wxDataViewCtrl, public RowList {
     void AddColumns(const std::vector<ListColumn>& columns, bool withIcons);
     const wxBitmapBundle& IconOf(const std::string& name);
 
+    RowListHost& host_;
     std::vector<ListRow> rows_;
     std::map<std::string, wxBitmapBundle> icons_;
     wxObjectDataPtr<Model> model_;
@@ -82,9 +83,10 @@ class DataViewRowList::Model : public wxDataViewVirtualListModel {
     DataViewRowList& list_;
 };
 
-DataViewRowList::DataViewRowList(wxWindow* parent, const std::string& name,
+DataViewRowList::DataViewRowList(wxWindow* parent, RowListHost& host, const std::string& name,
                                  const std::vector<ListColumn>& columns, bool withIcons)
     : wxDataViewCtrl(parent, wxID_ANY, wxDefaultPosition, wxSize(200, 100), wxDV_SINGLE | wxDV_ROW_LINES),
+      host_(host),
       model_(new Model(*this)) {
     model_->withIcons = withIcons;
     AssociateModel(model_.get());
@@ -97,23 +99,17 @@ DataViewRowList::DataViewRowList(wxWindow* parent, const std::string& name,
 void DataViewRowList::BindEvents() {
     GetMainWindow()->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
-        if (OnFocus) OnFocus();
+        host_.ListFocused();
     });
     Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [this](wxDataViewEvent& event) {
         event.Skip();
         const std::optional<std::size_t> row = SelectedRow();
-        if (!quiet_ && row && OnSelect) OnSelect(*row);
+        if (!quiet_ && row) host_.RowSelected(*row);
     });
-    Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent&) {
-        if (OnActivate) OnActivate();
-    });
+    Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent&) { host_.RowActivated(); });
     // The mouse tells the one, the keyboard's menu key and Shift+F10 the other.
-    Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent&) {
-        if (OnMenu) OnMenu();
-    });
-    Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent&) {
-        if (OnMenu) OnMenu();
-    });
+    Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent&) { host_.ListMenuAsked(); });
+    Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent&) { host_.ListMenuAsked(); });
 }
 
 void DataViewRowList::AddColumns(const std::vector<ListColumn>& columns, bool withIcons) {
@@ -216,9 +212,9 @@ void DataViewRowList::ReloadIcons() {
 
 }  // namespace
 
-RowList* RowList::Make(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
-                       bool withIcons) {
-    return new DataViewRowList(parent, name, columns, withIcons);
+RowList* RowList::Make(wxWindow* parent, RowListHost& host, const std::string& name,
+                       const std::vector<ListColumn>& columns, bool withIcons) {
+    return new DataViewRowList(parent, host, name, columns, withIcons);
 }
 
 }  // namespace corvane

@@ -1,7 +1,5 @@
 #include "ui/TrayIcon.h"
 
-#include <utility>
-
 #include <wx/icon.h>
 #include <wx/menu.h>
 #include <wx/taskbar.h>
@@ -17,8 +15,8 @@ constexpr int kPictureSize = 24;
 /// The toolkit's icon.
 class TaskBarTrayIcon : public TrayIcon, private wxTaskBarIcon {
  public:
-    explicit TaskBarTrayIcon(TrayEvents events) : events_(std::move(events)) {
-        Bind(wxEVT_TASKBAR_LEFT_DOWN, [this](wxTaskBarIconEvent&) { events_.onClick(); });
+    explicit TaskBarTrayIcon(TrayIconHost& host) : host_(host) {
+        Bind(wxEVT_TASKBAR_LEFT_DOWN, [this](wxTaskBarIconEvent&) { host_.ShowOrHide(); });
     }
     ~TaskBarTrayIcon() override { RemoveIcon(); }
 
@@ -26,16 +24,16 @@ class TaskBarTrayIcon : public TrayIcon, private wxTaskBarIcon {
     void Show(const wxIcon& picture, const std::string& tip) override { SetIcon(picture, Wx(tip)); }
 
  private:
-    wxMenu* CreatePopupMenu() override { return events_.makeMenu(); }
+    wxMenu* CreatePopupMenu() override { return host_.MakeMenu(); }
 
-    TrayEvents events_;
+    TrayIconHost& host_;
 };
 
 }  // namespace
 
-std::unique_ptr<TrayIcon> TrayIcon::Make(const wxWindow&, TrayEvents events) {
+std::unique_ptr<TrayIcon> TrayIcon::Make(const wxWindow&, TrayIconHost& host) {
     if (!wxTaskBarIcon::IsAvailable()) return nullptr;
-    return std::make_unique<TaskBarTrayIcon>(std::move(events));
+    return std::make_unique<TaskBarTrayIcon>(host);
 }
 
 }  // namespace corvane

@@ -60,6 +60,11 @@ void PutCaret(QuadBoxesView& boxes, int box, int position) {
 
 }  // namespace
 
+IPAddressEvents& IPAddressEvents::Unheard() {
+    static IPAddressEvents unheard;
+    return unheard;
+}
+
 std::string IPAddressEntry::Text() const {
     std::vector<std::string> texts;
     for (int box = 0; box < kQuadBoxes; ++box) texts.push_back(boxes_.BoxText(box));
@@ -102,7 +107,7 @@ bool IPAddressEntry::KeyPress(int box, int character) {
     bool letThrough = IsEditingKey(character);
     if (character == kBackspace) letThrough = Backspace(box);
     if (IsDigit(character)) letThrough = Digit(box, character);
-    if (letThrough) Raise(Edit);
+    if (letThrough) events_->Edit();
     return letThrough;
 }
 
@@ -161,7 +166,7 @@ void IPAddressEntry::Changed(int box) {
         boxes_.Beep();
         boxes_.SetBoxText(box, "");  // A change of its own, which comes here too.
     }
-    Raise(Change);
+    events_->Change();
 }
 
 void IPAddressEntry::FocusGained(int box) {
@@ -203,10 +208,6 @@ void IPAddressEntry::PasteDigits(int box, const std::string& digits) {
     }
     boxes_.SetBoxText(box, content);
     PutCaret(boxes_, box, selection.start + LengthOf(digits));
-}
-
-void IPAddressEntry::Raise(const std::function<void()>& event) const {
-    if (event) event();
 }
 
 }  // namespace corvane

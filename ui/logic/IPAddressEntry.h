@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <string>
 
 #include "ui/logic/MacEntry.h"
@@ -32,6 +31,21 @@ class QuadBoxesView {
     virtual void Beep() = 0;
 };
 
+/// Whoever the control belongs to. What it does not care for it leaves alone.
+class IPAddressEvents {
+ public:
+    virtual ~IPAddressEvents() = default;
+    /// Raised after every change of any box, also after a rejected value was cleared.
+    virtual void Change() {}
+    /// Raised for every key that is let through to a box.
+    virtual void Edit() {}
+    /// The focus came to a box.
+    virtual void Focus() {}
+
+    /// For a control that nobody listens to.
+    static IPAddressEvents& Unheard();
+};
+
 /// What the window tells about the boxes and what it does with the answers. Every event of a box goes to the
 /// member of its name; the window itself has no rule. The value is read and written here too.
 class IPAddressEntry {
@@ -39,10 +53,8 @@ class IPAddressEntry {
     /// `boxes` must outlive the rules.
     explicit IPAddressEntry(QuadBoxesView& boxes) : boxes_(boxes) {}
 
-    /// Raised after every change of any box, also after a rejected value was cleared.
-    std::function<void()> Change;
-    /// Raised for every key that is let through to a box.
-    std::function<void()> Edit;
+    /// From now on events go to `events`, which must outlive the rules; until then to nobody.
+    void Tell(IPAddressEvents& events) { events_ = &events; }
 
     /// The texts of the boxes joined by "."; empty when all of them are. A value that is not complete reads
     /// as it stands, such as "10.1..".
@@ -82,9 +94,9 @@ class IPAddressEntry {
     bool Backspace(int box);
     bool Digit(int box, int character);
     void PasteDigits(int box, const std::string& digits);
-    void Raise(const std::function<void()>& event) const;
 
     QuadBoxesView& boxes_;
+    IPAddressEvents* events_ = &IPAddressEvents::Unheard();
     std::uint16_t pendingKey_ =
         0;  ///< The key that overflowed a box, for the next box when it gets the focus.
 };

@@ -19,7 +19,8 @@ constexpr long kSelected = wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED;
 /// The common list view, which asks for the texts of the rows that it paints.
 class ListViewRowList : public wxListCtrl, public RowList {
  public:
-    ListViewRowList(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns);
+    ListViewRowList(wxWindow* parent, RowListHost& host, const std::string& name,
+                    const std::vector<ListColumn>& columns);
 
     [[nodiscard]] wxWindow& Window() override { return *this; }
     void SetRows(std::vector<ListRow> rows) override;
@@ -46,6 +47,7 @@ class ListViewRowList : public wxListCtrl, public RowList {
     /// Makes the drawing of an icon known to the control.
     void AddIcon(const std::string& name);
 
+    RowListHost& host_;
     std::vector<ListRow> rows_;
     std::vector<std::string> icons_;  ///< In the order of the control's images.
     std::optional<std::size_t> selected_;
@@ -53,10 +55,11 @@ class ListViewRowList : public wxListCtrl, public RowList {
     bool quiet_ = false;
 };
 
-ListViewRowList::ListViewRowList(wxWindow* parent, const std::string& name,
+ListViewRowList::ListViewRowList(wxWindow* parent, RowListHost& host, const std::string& name,
                                  const std::vector<ListColumn>& columns)
     : wxListCtrl(parent, wxID_ANY, wxDefaultPosition, wxSize(200, 100),
                  wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL),
+      host_(host),
       lastColumnCharacters_(columns.back().widthInCharacters) {
     // Columns stay in their order, as they are titled for.
     ListView_SetExtendedListViewStyleEx(GetHWND(), LVS_EX_HEADERDRAGDROP, 0);
@@ -70,7 +73,7 @@ ListViewRowList::ListViewRowList(wxWindow* parent, const std::string& name,
 void ListViewRowList::BindEvents() {
     Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
-        if (OnFocus) OnFocus();
+        host_.ListFocused();
     });
     Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
         event.Skip();
@@ -80,19 +83,15 @@ void ListViewRowList::BindEvents() {
         event.Skip();
         if (quiet_) return;
         selected_ = SelectedRow();
-        if (selected_ && OnSelect) OnSelect(*selected_);
+        if (selected_) host_.RowSelected(*selected_);
     });
     Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent& event) {
         event.Skip();
         // When the control is done: another row may be selected right away.
         if (!quiet_) CallAfter([this] { KeepSelection(); });
     });
-    Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&) {
-        if (OnActivate) OnActivate();
-    });
-    Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent&) {
-        if (OnMenu) OnMenu();
-    });
+    Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&) { host_.RowActivated(); });
+    Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent&) { host_.ListMenuAsked(); });
 }
 
 wxString ListViewRowList::OnGetItemText(long row, long column) const {
@@ -211,9 +210,9 @@ void ListViewRowList::ReloadIcons() {
 
 }  // namespace
 
-RowList* RowList::Make(wxWindow* parent, const std::string& name, const std::vector<ListColumn>& columns,
-                       bool) {
-    return new ListViewRowList(parent, name, columns);
+RowList* RowList::Make(wxWindow* parent, RowListHost& host, const std::string& name,
+                       const std::vector<ListColumn>& columns, bool) {
+    return new ListViewRowList(parent, host, name, columns);
 }
 
 }  // namespace corvane

@@ -18,9 +18,9 @@ namespace {
 /// The icon of a form that is never shown.
 class FormTrayIcon : public TrayIcon {
  public:
-    FormTrayIcon(const wxWindow& window, TrayEvents events)
+    FormTrayIcon(const wxWindow& window, TrayIconHost& host)
         : window_(window),
-          events_(std::move(events)),
+          host_(host),
           form_(new wxFrame(nullptr, wxID_ANY, "frmTray", wxDefaultPosition, wxDefaultSize,
                             wxFRAME_NO_TASKBAR)) {
         // Whoever closes all windows of the program means the main window.
@@ -57,10 +57,10 @@ class FormTrayIcon : public TrayIcon {
         if (InputIsHeld() || IsWindowEnabled(window_.GetHWND()) == FALSE) return;
         switch (request) {
             case TrayRequest::kClick:
-                events_.onClick();
+                host_.ShowOrHide();
                 return;
             case TrayRequest::kActivate:
-                events_.onActivate();
+                host_.ShowWindow();
                 return;
             case TrayRequest::kMenu:
                 ShowMenu();
@@ -69,7 +69,7 @@ class FormTrayIcon : public TrayIcon {
     }
 
     void ShowMenu() {
-        const std::unique_ptr<wxMenu> menu(events_.makeMenu());
+        const std::unique_ptr<wxMenu> menu(host_.MakeMenu());
         if (menu == nullptr) return;
         const HWND form = form_->GetHWND();
         const HWND before = GetForegroundWindow();
@@ -82,7 +82,7 @@ class FormTrayIcon : public TrayIcon {
     }
 
     const wxWindow& window_;
-    TrayEvents events_;
+    TrayIconHost& host_;
     wxFrame* form_;
     wxIcon picture_;
     std::string tip_;
@@ -91,8 +91,8 @@ class FormTrayIcon : public TrayIcon {
 
 }  // namespace
 
-std::unique_ptr<TrayIcon> TrayIcon::Make(const wxWindow& window, TrayEvents events) {
-    return std::make_unique<FormTrayIcon>(window, std::move(events));
+std::unique_ptr<TrayIcon> TrayIcon::Make(const wxWindow& window, TrayIconHost& host) {
+    return std::make_unique<FormTrayIcon>(window, host);
 }
 
 }  // namespace corvane
