@@ -1,11 +1,8 @@
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <random>
 #include <string>
 
 #include "presets/PresetsFile.h"
-#include "startup/CommandLine.h"
 #include "startup/Startup.h"
 #include "tests/unit/CoreSupport.h"
 #include "tests/unit/FileSupport.h"
@@ -18,7 +15,7 @@ using namespace test;
 /// Random argument texts. The same seed gives the same texts; CORVANE_SEED takes another one.
 class ArgumentTexts {
  public:
-    ArgumentTexts() : random_(Seed()) {}
+    ArgumentTexts() : random_(TestSeed(20261120)) {}
 
     std::string Next() {
         std::string text;
@@ -28,14 +25,6 @@ class ArgumentTexts {
     }
 
  private:
-    static std::uint32_t Seed() {
-        const char* given = std::getenv("CORVANE_SEED");
-        const std::uint32_t seed =
-            given != nullptr ? static_cast<std::uint32_t>(std::strtoul(given, nullptr, 10)) : 20261120U;
-        std::printf("CORVANE_SEED=%u\n", seed);
-        return seed;
-    }
-
     std::size_t Below(std::size_t bound) {
         return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random_);
     }
@@ -66,32 +55,6 @@ class ArgumentTexts {
     std::mt19937 random_;
 };
 
-void ExpectSound(const CommandLine& line, const std::string& text) {
-    EXPECT_EQ(line.outcome == CommandLine::Outcome::kNone, text.empty());
-    EXPECT_EQ(line.record.Mac.find(':'), std::string::npos);
-    EXPECT_EQ(line.record.Flags & ~63, 0);
-    EXPECT_EQ(line.record.Name, "");
-    EXPECT_EQ(line.connectionName.find_first_of("-/"), std::string::npos);
-    EXPECT_EQ(line.invalidName.find_first_of("-/ "), std::string::npos);
-    if (!line.record.IpAddresses.Items.empty()) {
-        EXPECT_EQ(line.record.SubnetMasks.Items.size(), line.record.IpAddresses.Items.size());
-    }
-    if (!line.record.Gateways.Items.empty()) {
-        EXPECT_EQ(line.record.GatewayMetrics.Items.size(), line.record.Gateways.Items.size());
-    }
-    for (const std::string& address : line.record.IpAddresses.Items)
-        EXPECT_EQ(address.find_first_of(" ,:"), std::string::npos);
-}
-
-TEST(CommandLineFuzz, EveryTextIsParsed) {
-    ArgumentTexts texts;
-    for (int i = 0; i < 100000; ++i) {
-        const std::string text = texts.Next();
-        ExpectSound(ParseCommandLine(text), text);
-        ASSERT_FALSE(HasFailure()) << testing::PrintToString(text);
-    }
-}
-
 /// What the run left behind, to see that every way through was taken.
 struct Tally {
     std::array<int, 5> codes{};
@@ -99,7 +62,7 @@ struct Tally {
     int windows = 0;
 };
 
-TEST(CommandLineFuzz, EveryRunEndsWithAnExitCode) {
+TEST(StartupFuzz, EveryRunEndsWithAnExitCode) {
     ArgumentTexts texts;
     const TempFolder full;
     const TempFolder empty;

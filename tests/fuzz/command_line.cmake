@@ -1,1 +1,0 @@
-corvane_test(NAME command_line_fuzz SOURCES fuzz/CommandLineFuzz.cpp LIBS corvane_fakes)
