@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "base/Text.h"
+#include "platform/Files.h"
 #include "platform/linux/dhcp/DhcpHook.h"
 #include "platform/linux/system/Descriptor.h"
 
@@ -97,12 +98,14 @@ DhcpClientPlan PlanUdhcpc(const DhcpClient& client, const std::string& linkName,
                                        "-O", "staticroutes"});
     plan.renewSignal = SIGUSR1;
     plan.releaseSignal = SIGUSR2;
+    plan.repeatsRelease = true;
     plan.staysAfterRelease = true;
     return plan;
 }
 
 /// It would take every configuration file's word otherwise, and set the address itself. The signals are those
-/// of its -n and -k (dhcpcd(8)).
+/// of its -n and -k (dhcpcd(8)); it forgets one that comes while it waits for its hook's end (9.4, privilege
+/// separation).
 DhcpClientPlan PlanDhcpcd(const DhcpClient& client, const std::string& linkName, const std::string& hookPath,
                           const std::string& fileStem) {
     DhcpClientPlan plan;
@@ -114,11 +117,13 @@ DhcpClientPlan PlanDhcpcd(const DhcpClient& client, const std::string& linkName,
                                        hookPath, "-e", HookSetting(), linkName});
     plan.renewSignal = SIGHUP;
     plan.releaseSignal = SIGALRM;
+    plan.repeatsRelease = true;
     plan.files = {plan.configurationPath};
     return plan;
 }
 
-/// It has no signals: ended and run anew it asks for the address in its lease file; -r gives that one back.
+/// It has no signals: ended and run anew it asks for the address in its lease file, which it writes when the
+/// hook that reported the lease has ended; -r gives that one back.
 DhcpClientPlan PlanDhclient(const DhcpClient& client, const std::string& linkName,
                             const std::string& hookPath, const std::string& fileStem) {
     DhcpClientPlan plan;
@@ -133,6 +138,7 @@ DhcpClientPlan PlanDhclient(const DhcpClient& client, const std::string& linkNam
                                              "-e",  HookSetting(), linkName};
     plan.run = Concat(Concat(client.command, {"-d", "-q"}), common);
     plan.release = Concat(Concat(client.command, {"-r", "-q"}), common);
+    plan.endsToRenew = true;
     plan.leaseFile = leases;
     plan.files = {plan.configurationPath, leases, leases + "~"};
     return plan;
@@ -180,6 +186,13 @@ DhcpClientPlan PlanDhcpClient(const DhcpClient& client, const std::string& linkN
             return PlanDhclient(client, linkName, hookPath, fileStem);
     }
     return {};
+}
+
+bool HasWrittenLease(const DhcpClientPlan& plan, const Ipv4Bytes& address) {
+    if (plan.leaseFile.empty()) return true;
+    const std::string line = "fixed-address " + DottedQuad(address.data()) + ";";
+    std::string text;
+    return !ReadFileContents(plan.leaseFile, text) && text.find(line) != std::string::npos;
 }
 
 }  // namespace corvane

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <csignal>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "base/Address.h"
 
 /// The DHCP clients that can be supervised, and how each is told what to do. No process is made here but
 /// `busybox --list`.
@@ -30,11 +33,13 @@ std::optional<DhcpClient> FindDhcpClient(std::optional<DhcpClientKind> wanted, s
 /// answers, and leaves addresses, routes and resolv.conf to its hook.
 struct DhcpClientPlan {
     std::vector<std::string> run;
-    int renewSignal = 0;             ///< 0: it is ended and run anew, and then asks for its former address.
-    int releaseSignal = 0;           ///< 0: it is ended, then `release` is run to its end.
-    bool staysAfterRelease = false;  ///< It runs on, idle; `renewSignal` makes it ask anew.
-    std::vector<std::string> release;
-    std::string configurationPath;  ///< Empty, or a file to be made with the next text before `run`.
+    int renewSignal = SIGTERM;         ///< Makes it renew its lease, or ask for a lease when it is idle.
+    bool endsToRenew = false;          ///< `renewSignal` ends it; run anew it asks for its former address.
+    int releaseSignal = SIGTERM;       ///< Makes it give its lease back; it ends then, or before.
+    bool repeatsRelease = false;       ///< It may miss `releaseSignal`, and may be given it again.
+    bool staysAfterRelease = false;    ///< It does not end then, but runs on, idle.
+    std::vector<std::string> release;  ///< Empty, or to be run to its end for a lease that is left then.
+    std::string configurationPath;     ///< Empty, or a file to be made with the next text before `run`.
     std::string configurationText;
     /// Empty, or the file that must hold the lease before the client may be ended: it is what `run` and
     /// `release` go by.
@@ -46,5 +51,8 @@ struct DhcpClientPlan {
 /// needs.
 DhcpClientPlan PlanDhcpClient(const DhcpClient& client, const std::string& linkName,
                               const std::string& hookPath, const std::string& fileStem);
+
+/// True when the client has written its lease of `address` down, as far as it has to before it may be ended.
+bool HasWrittenLease(const DhcpClientPlan& plan, const Ipv4Bytes& address);
 
 }  // namespace corvane

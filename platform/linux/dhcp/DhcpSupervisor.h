@@ -2,15 +2,14 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/linux/dhcp/DhcpClientProcess.h"
 #include "platform/linux/dhcp/DhcpClients.h"
-#include "platform/linux/dhcp/DhcpInstall.h"
-#include "platform/linux/dhcp/DhcpLease.h"
-#include "platform/linux/dhcp/DhcpSocket.h"
+#include "platform/linux/dhcp/DhcpControllers.h"
+#include "platform/linux/dhcp/DhcpState.h"
+#include "platform/linux/dhcp/HeldLease.h"
 #include "platform/linux/kernel/LinkWatch.h"
 #include "platform/linux/kernel/Netlink.h"
 #include "platform/linux/system/Descriptor.h"
@@ -43,14 +42,20 @@ class DhcpSupervisor {
     void Run();
 
  private:
-    enum class Task { kNone, kRenewing, kReleasing, kEnding };
-    struct Connection {
-        Descriptor socket;
-        std::string question;  ///< Empty until it has asked.
+    /// How far the client's process is; it says something while one runs.
+    enum class ClientStage {
+        kStarting,    ///< No hook of it was heard yet: another signal than SIGTERM could kill it.
+        kReady,       ///< It has a lease or asks for one.
+        kIdle,        ///< It gave its lease back and waits for a renewal.
+        kGivingBack,  ///< The plan's release command runs.
     };
     using Milliseconds = std::int64_t;
 
-    static Milliseconds Now();
+    /// True when `event` led to another state.
+    bool Happen(DhcpEvent event);
+    /// A lease is to be had.
+    [[nodiscard]] bool WantsLease() const;
+    [[nodiscard]] bool LinkRuns() const { return !linkGone_ && link_.Running(); }
 
     void Wait();
     [[nodiscard]] int WaitMilliseconds() const;
@@ -63,16 +68,11 @@ class DhcpSupervisor {
     void RunClient(const std::vector<std::string>& arguments);
     void ClientEnded(const std::string& words);
     void ReplaceClient();
-    void AwaitLeaseFile() const;
+    /// Signals the client, with SIGTERM when `number` could not be heard yet.
+    void SignalWithLease(int number) const;
 
     void TakeReports();
     bool Heard(const HookReport& report);
-    void DropLease();
-
-    void AcceptControllers();
-    void Listen(Connection& connection);
-    void AnswerAll(const std::string& question, const DhcpAnswer& answer);
-    [[nodiscard]] bool Asked(const char* question) const;
     [[nodiscard]] DhcpAnswer Status() const;
 
     void DoTasks();
@@ -84,36 +84,26 @@ class DhcpSupervisor {
     void CheckDeadlines();
 
     DhcpOptions options_;
-    DhcpListener& listener_;
     LinkWatch watch_;
     Netlink netlink_;
-    LeaseInstaller installer_;
-    DhcpClientProcess client_;
-    DhcpClientPlan plan_;
+    DhcpControllers controllers_;
+    HeldLease lease_;
     Descriptor signals_;
-    std::vector<Connection> connections_;
 
-    KernelLink link_;           ///< As last seen.
-    bool linkRunning_ = false;  ///< It has carrier.
+    DhcpState state_ = DhcpState::kKeeping;
+    Milliseconds stateEnd_ = 0;  ///< When a renewal, a release or the end is waited for no longer.
+    bool endAsked_ = false;      ///< By a controller, a signal or the link's end.
+
+    KernelLink link_;  ///< As last seen.
     bool linkGone_ = false;
 
-    KernelLink clientLink_;     ///< The link as it was when the client was started.
-    bool clientReady_ = false;  ///< Its first hook was heard: signals do not kill it any more.
-    bool clientIdle_ = false;   ///< It gave its lease back and waits for a renewal.
-    bool wanted_ = true;        ///< A lease is to be had; false after a release.
-    bool releaseRun_ = false;   ///< The program that runs is the plan's release command.
-    Milliseconds startAt_ = 0;  ///< No client is started before.
-    Milliseconds pause_ = 0;    ///< Before a client that ended is run anew.
-
-    std::optional<Lease> lease_;
-    Milliseconds leaseEnd_ = 0;  ///< 0: without end.
-    bool noLeaseRecorded_ = false;
-
-    Task task_ = Task::kNone;
-    Milliseconds taskEnd_ = 0;   ///< When the task is given up.
+    DhcpClientProcess client_;
+    DhcpClientPlan plan_;
+    ClientStage stage_ = ClientStage::kStarting;
+    KernelLink clientLink_;      ///< The link as it was when the client was started.
+    Milliseconds startAt_ = 0;   ///< No client is started before.
+    Milliseconds pause_ = 0;     ///< Before a client that ended is run anew.
     Milliseconds repeatAt_ = 0;  ///< When the release is asked for once more.
-    bool endAsked_ = false;
-    bool finished_ = false;
 };
 
 }  // namespace corvane
