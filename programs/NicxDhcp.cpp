@@ -10,15 +10,15 @@
 #include <optional>
 #include <string>
 #include <system_error>
-#include <vector>
 
 #include <fcntl.h>
-#include <poll.h>
+#include <getopt.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <syslog.h>
 #include <unistd.h>
 
+#include "base/Refusal.h"
 #include "platform/linux/dhcp/DhcpClients.h"
 #include "platform/linux/dhcp/DhcpExit.h"
 #include "platform/linux/dhcp/DhcpHook.h"
@@ -63,51 +63,87 @@ struct Arguments {
     bool version = false;
 };
 
-/// False with the reason in `failure`.
-bool ReadArguments(const std::vector<std::string>& texts, Arguments& arguments, std::string& failure) {
-    const auto fail = [&](const std::string& reason) {
-        failure = reason;
-        return false;
-    };
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        const std::string& option = texts[i];
-        if (option == "--help" || option == "--version" || option == "--foreground") {
-            (option == "--help"      ? arguments.help
-             : option == "--version" ? arguments.version
-                                     : arguments.foreground) = true;
-            continue;
+Refusal ReadIndex(const std::string& text, Arguments& arguments) {
+    std::uint32_t index = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), index);
+    if (error != std::errc() || *end != '\0' || index == 0) return Refusal("--index needs a number from 1");
+    arguments.index = index;
+    return {};
+}
+
+/// `source` is the option or the variable that holds `name`.
+Refusal ReadClient(const std::string& source, const std::string& name, Arguments& arguments) {
+    arguments.client = DhcpClientKindFrom(name);
+    if (arguments.client) return {};
+    return Refusal(source + " is udhcpc, dhcpcd or dhclient, not " + name);
+}
+
+Refusal ReadOptions(int count, char** words, Arguments& arguments) {
+    // Above every character, so that they are told from short options.
+    enum : int { kInterface = 256, kIndex, kId, kClient, kForeground, kHelpWanted, kVersion };
+    static constexpr option kOptions[] = {{"interface", required_argument, nullptr, kInterface},
+                                          {"index", required_argument, nullptr, kIndex},
+                                          {"id", required_argument, nullptr, kId},
+                                          {"client", required_argument, nullptr, kClient},
+                                          {"foreground", no_argument, nullptr, kForeground},
+                                          {"help", no_argument, nullptr, kHelpWanted},
+                                          {"version", no_argument, nullptr, kVersion},
+                                          {}};
+    opterr = 0;
+    for (;;) {
+        // "-": what is no option comes in its place, so that this is the word that is read next. ":": a
+        // missing value is told apart.
+        const char* const word = words[optind];
+        const int found = getopt_long(count, words, "-:", kOptions, nullptr);
+        if (found == -1) break;
+        Refusal refusal;
+        switch (found) {
+            case kInterface:
+                arguments.interface = optarg;
+                break;
+            case kIndex:
+                refusal = ReadIndex(optarg, arguments);
+                break;
+            case kId:
+                arguments.id = optarg;
+                break;
+            case kClient:
+                refusal = ReadClient("--client", optarg, arguments);
+                break;
+            case kForeground:
+                arguments.foreground = true;
+                break;
+            case kHelpWanted:
+                arguments.help = true;
+                break;
+            case kVersion:
+                arguments.version = true;
+                break;
+            case ':':
+                refusal = Refusal(std::string(word) + " needs a value");
+                break;
+            default:
+                refusal = Refusal("unknown argument " + std::string(word));
+                break;
         }
-        const bool known =
-            option == "--interface" || option == "--index" || option == "--id" || option == "--client";
-        if (!known) return fail("unknown argument " + option);
-        if (++i == texts.size()) return fail(option + " needs a value");
-        const std::string& value = texts[i];
-        if (option == "--interface") arguments.interface = value;
-        if (option == "--id") arguments.id = value;
-        if (option == "--index") {
-            std::uint32_t index = 0;
-            const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), index);
-            if (error != std::errc() || *end != '\0' || index == 0)
-                return fail("--index needs a number from 1");
-            arguments.index = index;
-        }
-        if (option == "--client") {
-            arguments.client = DhcpClientKindFrom(value);
-            if (!arguments.client) return fail("--client is udhcpc, dhcpcd or dhclient, not " + value);
-        }
+        if (refusal) return refusal;
     }
-    if (arguments.help || arguments.version) return true;
+    if (optind < count) return Refusal("unknown argument " + std::string(words[optind]));
+    return {};
+}
+
+Refusal ReadArguments(int count, char** words, Arguments& arguments) {
+    if (Refusal refusal = ReadOptions(count, words, arguments)) return refusal;
+    if (arguments.help || arguments.version) return {};
     const char* const client = std::getenv("NICX_DHCP_CLIENT");
     if (!arguments.client && client != nullptr && *client != '\0') {
-        arguments.client = DhcpClientKindFrom(client);
-        if (!arguments.client)
-            return fail("NICX_DHCP_CLIENT is udhcpc, dhcpcd or dhclient, not " + std::string(client));
+        if (Refusal refusal = ReadClient("NICX_DHCP_CLIENT", client, arguments)) return refusal;
     }
-    if (arguments.interface.empty()) return fail("--interface is missing");
-    if (arguments.id.empty()) return fail("--id is missing");
+    if (arguments.interface.empty()) return Refusal("--interface is missing");
+    if (arguments.id.empty()) return Refusal("--id is missing");
     if (arguments.id.find('\\') != std::string::npos)
-        return fail("--id is no configuration id: " + arguments.id);
-    return true;
+        return Refusal("--id is no configuration id: " + arguments.id);
+    return {};
 }
 
 int Complain(int exitCode, const std::string& words) {
@@ -246,9 +282,8 @@ int main(int argc, char** argv) {
     if (const char* const hook = std::getenv(kHookVariable))
         return RunHook(hook, argc > 1 ? argv[1] : "", environ);
     Arguments arguments;
-    std::string failure;
-    if (!ReadArguments({argv + 1, argv + argc}, arguments, failure)) {
-        return Complain(kDhcpExitUsage, failure + "; see nicx-dhcp --help");
+    if (const Refusal refusal = ReadArguments(argc, argv, arguments)) {
+        return Complain(kDhcpExitUsage, refusal.Words() + "; see nicx-dhcp --help");
     }
     if (arguments.help) return std::fputs(kHelp, stdout) < 0 ? kDhcpExitFailed : kDhcpExitDone;
     if (arguments.version)

@@ -2,8 +2,10 @@
 #include <iostream>
 #include <string>
 #include <system_error>
-#include <vector>
 
+#include <getopt.h>
+
+#include "base/Refusal.h"
 #include "base/RunTimeError.h"
 #include "base/Text.h"
 #include "inventory/GetNicInfo.h"
@@ -49,30 +51,68 @@ int WriteReport(const std::string& report, const std::string& file) {
     return kExitActionFailed;
 }
 
-int Run(const std::vector<std::string>& arguments) {
+struct Arguments {
+    enum class Wish { kReport, kHelp, kVersion };
+    Wish wish = Wish::kReport;
     bool json = false;
-    bool optionsEnded = false;
-    std::string file;
-    for (const std::string& argument : arguments) {
-        if (!optionsEnded && argument == "--") {
-            optionsEnded = true;
-        } else if (!optionsEnded && argument == "--json") {
-            json = true;
-        } else if (!optionsEnded && argument == "--help") {
-            std::cout << kUsage;
-            return kExitDone;
-        } else if (!optionsEnded && argument == "--version") {
-            std::cout << "nicx-report " << kProgramVersion << '\n';
-            return kExitDone;
-        } else if (!optionsEnded && argument.size() > 1 && argument.front() == '-') {
-            return Usage("unknown option '" + argument + "'");
-        } else if (!file.empty()) {
-            return Usage("more than one file given: '" + file + "' and '" + argument + "'");
-        } else if (argument.empty()) {
-            return Usage("the file name is empty");
-        } else if (argument != "-") {
-            file = argument;
+    std::string file;  ///< Empty: standard output.
+};
+
+Refusal TakeFile(const std::string& name, Arguments& arguments) {
+    if (!arguments.file.empty())
+        return Refusal("more than one file given: '" + arguments.file + "' and '" + name + "'");
+    if (name.empty()) return Refusal("the file name is empty");
+    if (name != "-") arguments.file = name;
+    return {};
+}
+
+/// Help and version are given at once, whatever comes behind them.
+Refusal ReadArguments(int count, char** words, Arguments& arguments) {
+    // Above every character, so that they are told from short options.
+    enum : int { kFile = 1, kJson = 256, kHelp, kVersion };
+    static constexpr option kOptions[] = {{"json", no_argument, nullptr, kJson},
+                                          {"help", no_argument, nullptr, kHelp},
+                                          {"version", no_argument, nullptr, kVersion},
+                                          {}};
+    opterr = 0;
+    for (;;) {
+        // "-": files come in their place among the options, so that this is the word that is read next.
+        const char* const word = words[optind];
+        const int found = getopt_long(count, words, "-", kOptions, nullptr);
+        if (found == -1) break;
+        switch (found) {
+            case kFile:
+                if (Refusal refusal = TakeFile(optarg, arguments)) return refusal;
+                break;
+            case kJson:
+                arguments.json = true;
+                break;
+            case kHelp:
+                arguments.wish = Arguments::Wish::kHelp;
+                return {};
+            case kVersion:
+                arguments.wish = Arguments::Wish::kVersion;
+                return {};
+            default:
+                return Refusal("unknown option '" + std::string(word) + "'");
         }
+    }
+    for (int i = optind; i < count; ++i) {
+        if (Refusal refusal = TakeFile(words[i], arguments)) return refusal;
+    }
+    return {};
+}
+
+int Run(int count, char** words) {
+    Arguments arguments;
+    if (const Refusal refusal = ReadArguments(count, words, arguments)) return Usage(refusal.Words());
+    if (arguments.wish == Arguments::Wish::kHelp) {
+        std::cout << kUsage;
+        return kExitDone;
+    }
+    if (arguments.wish == Arguments::Wish::kVersion) {
+        std::cout << "nicx-report " << kProgramVersion << '\n';
+        return kExitDone;
     }
     InstallPlatform(MakeSystemPlatform());
     ConsoleSeat console(std::cin, std::cout, std::cerr, false);
@@ -81,17 +121,19 @@ int Run(const std::vector<std::string>& arguments) {
     HostApi& host = *CurrentPlatform().host;
     Vendors() = LoadVendorList(host.ProgramFolder() + host.Separator());
     RefreshNicInfo();
-    const std::string report = json ? ReportJson() : file.empty() ? TextReport() : ToCodePage(TextReport());
-    const int code = WriteReport(report, file);
+    const std::string report = arguments.json           ? ReportJson()
+                               : arguments.file.empty() ? TextReport()
+                                                        : ToCodePage(TextReport());
+    const int code = WriteReport(report, arguments.file);
     return code == kExitDone && seat.SawFailure() ? kExitActionFailed : code;
 }
 
 }  // namespace
 }  // namespace corvane
 
-int main(int count, char** arguments) {
+int main(int count, char** words) {
     try {
-        return corvane::Run(std::vector<std::string>(arguments + 1, arguments + count));
+        return corvane::Run(count, words);
     } catch (const corvane::RunTimeError& error) {
         std::cerr << "nicx-report: " << error.what() << '\n';
     } catch (const std::exception& error) {

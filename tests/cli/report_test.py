@@ -161,10 +161,15 @@ class Report(World):
         self.record("--version")
         self.record("--text")
         self.record("-j")
+        self.record("-ü")
+        self.record("--json=yes")
+        self.record("--json", "--help", "--text")
+        self.record("one", "--text")
+        self.record("--", "one", "--json")
         self.record("one", "two")
         self.record("")
         self.transcript.check(self, "report_arguments")
-        self.assertEqual(sorted(os.listdir("/")), sorted(set(os.listdir("/")) - {"one", "two", "--text", "-j"}))
+        self.assertEqual(sorted(os.listdir("/")), sorted(set(os.listdir("/")) - {"one", "two", "yes", "--json", "--text", "-j"}))
 
     def test_a_file_whose_name_begins_with_a_hyphen(self):
         folder = pathlib.Path("/run/reports")

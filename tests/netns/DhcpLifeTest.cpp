@@ -370,23 +370,40 @@ TEST_F(DhcpLife, TheCommandLineIsChecked) {
     EXPECT_EQ(run({"--help"}).exitCode, kDhcpExitDone);
     EXPECT_NE(run({"--help"}).output.find("--interface"), std::string::npos);
     EXPECT_EQ(run({"--version"}).output.rfind("nicx-dhcp ", 0), 0U);
-    const std::vector<std::vector<std::string>> wrong = {
-        {},
-        {"--interface", kLink},
-        {"--id", kId},
-        {"--interface"},
-        {"--interface", kLink, "--id", kId, "--index", "x"},
-        {"--interface", kLink, "--id", kId, "--index", "0"},
-        {"--interface", kLink, "--id", kId, "--index", "4294967296"},
-        {"--interface", kLink, "--id", kId, "--client", "pump"},
-        {"--interface", kLink, "--id", "..\\Other"},
-        {"eth9"},
+    const struct {
+        std::vector<std::string> arguments;
+        std::string reason;
+    } wrong[] = {
+        {{}, "--interface is missing"},
+        {{"--interface", kLink}, "--id is missing"},
+        {{"--id", kId}, "--interface is missing"},
+        {{"--interface"}, "--interface needs a value"},
+        {{"--interface", kLink, "--id"}, "--id needs a value"},
+        {{"--help", "--index"}, "--index needs a value"},
+        {{"--client"}, "--client needs a value"},
+        {{"--interface", "--id", kId}, "unknown argument " + std::string(kId)},
+        {{"--interface", kLink, "--id", kId, "--index", "x"}, "--index needs a number from 1"},
+        {{"--interface", kLink, "--id", kId, "--index", "0"}, "--index needs a number from 1"},
+        {{"--interface", kLink, "--id", kId, "--index", "1x"}, "--index needs a number from 1"},
+        {{"--interface", kLink, "--id", kId, "--index", "4294967296"}, "--index needs a number from 1"},
+        {{"--interface", kLink, "--id", kId, "--client", "pump"},
+         "--client is udhcpc, dhcpcd or dhclient, not pump"},
+        {{"--interface", kLink, "--id", "..\\Other"}, "--id is no configuration id: ..\\Other"},
+        {{"eth9"}, "unknown argument eth9"},
+        {{"--all"}, "unknown argument --all"},
+        {{"-f", "--help"}, "unknown argument -f"},
+        {{"-h"}, "unknown argument -h"},
+        {{"--foreground=yes"}, "unknown argument --foreground=yes"},
+        {{"--help", "eth9"}, "unknown argument eth9"},
+        {{"--help", "--", "--index"}, "unknown argument --index"},
     };
-    for (const std::vector<std::string>& arguments : wrong) {
+    for (const auto& [arguments, reason] : wrong) {
         const CommandResult result = run(arguments);
         EXPECT_EQ(result.exitCode, kDhcpExitUsage) << ::testing::PrintToString(arguments);
-        EXPECT_NE(result.errors.find("--help"), std::string::npos) << result.errors;
+        EXPECT_EQ(result.errors, "nicx-dhcp: " + reason + "; see nicx-dhcp --help\n");
+        EXPECT_EQ(result.output, "");
     }
+    EXPECT_EQ(run({"--help", "--"}).exitCode, kDhcpExitDone);
 }
 
 }  // namespace
