@@ -242,8 +242,8 @@ int Supervise(const Arguments& arguments) {
     }
     if (chdir("/") != 0) return kDhcpExitFailed;
     DhcpListener listener;
-    std::string failure;
-    switch (listener.Open(link.index, failure)) {
+    const DhcpListener::Opening opening = listener.Open(link.index);
+    switch (opening.outcome) {
         case DhcpListener::Outcome::kListening:
             break;
         case DhcpListener::Outcome::kAnotherRuns:
@@ -252,8 +252,8 @@ int Supervise(const Arguments& arguments) {
             starter.Tell(kDhcpExitDone, {});
             return kDhcpExitDone;
         case DhcpListener::Outcome::kFailed:
-            if (arguments.foreground) return Complain(kDhcpExitFailed, failure);
-            starter.Tell(kDhcpExitFailed, failure);
+            if (arguments.foreground) return Complain(kDhcpExitFailed, opening.words);
+            starter.Tell(kDhcpExitFailed, opening.words);
             return kDhcpExitFailed;
     }
     starter.Tell(kDhcpExitDone, {});

@@ -307,9 +307,8 @@ Win32Error IpHelper::IpRenewAddress(const InterfaceEntry& entry) {
     machine_->Update();
     const LinkRow* const row = machine_->RowOfIndex(entry.index);
     if (row != nullptr && !DhcpRunning(entry.index) && UsesDhcp(machine_->Store(), row->id)) {
-        std::string failure;
-        const Win32Error code = StartDhcp(entry.index, row->name, row->id, failure);
-        if (!Ok(code)) return code;
+        const DhcpAnswer started = StartDhcp(entry.index, row->name, row->id);
+        if (!Ok(started.code)) return started.code;
     }
     return RenewDhcp(entry.index);
 }

@@ -143,9 +143,9 @@ TEST_F(DhcpClientChoice, TakesTheFirstThatIsInstalled) {
 TEST_F(DhcpClientChoice, WithoutAnyClientTheStartSaysSo) {
     const DhcpNetwork network(kLink);
     for (const char* program : {"busybox", "dhcpcd", "dhclient"}) Hide(program);
-    std::string failure;
-    EXPECT_EQ(StartDhcp(network.Index(), kLink, kId, failure), Win32Error::kFileNotFound);
-    EXPECT_NE(failure.find("no DHCP client is installed"), std::string::npos) << failure;
+    const DhcpAnswer started = StartDhcp(network.Index(), kLink, kId);
+    EXPECT_EQ(started.code, Win32Error::kFileNotFound);
+    EXPECT_NE(started.words.find("no DHCP client is installed"), std::string::npos) << started.words;
     EXPECT_FALSE(DhcpRunning(network.Index()));
     EXPECT_TRUE(RuntimeFiles().empty());
 }

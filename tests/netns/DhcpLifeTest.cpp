@@ -293,8 +293,7 @@ TEST_F(DhcpLife, LinksOfTwoNamespacesHaveSupervisorsOfTheirOwn) {
                 "--pid-file=/run/dhcp-test/other.pid", "--dhcp-range=10.78.0.50,10.78.0.99,120s"},
                otherServer.Id(), "/run/dhcp-test/other.log");
 
-    std::string failure;
-    Win32Error started = Win32Error::kGenFailure;
+    DhcpAnswer started{Win32Error::kGenFailure, {}};
     Win32Error renewed = Win32Error::kGenFailure;
     Win32Error stopped = Win32Error::kGenFailure;
     bool distinct = false;
@@ -305,15 +304,14 @@ TEST_F(DhcpLife, LinksOfTwoNamespacesHaveSupervisorsOfTheirOwn) {
             open(("/proc/" + std::to_string(other.Id()) + "/ns/net").c_str(), O_RDONLY | O_CLOEXEC);
         if (setns(space, CLONE_NEWNET) == 0) {
             distinct = DhcpSocketPath(network_.Index()) != own && !DhcpRunning(network_.Index());
-            started = StartDhcp(network_.Index(), "cl0", kOtherId, failure);
+            started = StartDhcp(network_.Index(), "cl0", kOtherId);
             renewed = RenewDhcp(network_.Index());
-            std::string ignored;
-            stopped = StopDhcp(network_.Index(), ignored);
+            stopped = StopDhcp(network_.Index()).code;
         }
         close(space);
     }).join();
     EXPECT_TRUE(distinct);
-    EXPECT_EQ(started, Win32Error::kSuccess) << failure;
+    EXPECT_EQ(started.code, Win32Error::kSuccess) << started.words;
     EXPECT_EQ(renewed, Win32Error::kSuccess) << File("/run/dhcp-test/other.log");
     EXPECT_EQ(stopped, Win32Error::kSuccess);
     EXPECT_EQ(Value("DhcpServer", kOtherId), "10.78.0.1");
@@ -332,9 +330,9 @@ TEST_F(DhcpLife, WithoutRootItIsRefused) {
     const pid_t child = fork();
     if (child == 0) {
         if (setgid(65534) != 0 || setuid(65534) != 0) _exit(9);
-        std::string failure;
-        const Win32Error code = StartDhcp(index, kLink, kId, failure);
-        _exit(code == Win32Error::kAccessDenied && failure.find("root") != std::string::npos ? 0 : 1);
+        const DhcpAnswer started = StartDhcp(index, kLink, kId);
+        const bool told = started.words.find("root") != std::string::npos;
+        _exit(started.code == Win32Error::kAccessDenied && told ? 0 : 1);
     }
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
@@ -343,23 +341,25 @@ TEST_F(DhcpLife, WithoutRootItIsRefused) {
 }
 
 TEST_F(DhcpLife, AnUnknownLinkIsRefusedInWords) {
-    std::string failure;
-    EXPECT_EQ(StartDhcp(9999, "nolink0", kId, failure), Win32Error::kInvalidParameter);
-    EXPECT_NE(failure.find("nolink0"), std::string::npos) << failure;
-    EXPECT_EQ(StartDhcp(9999, kLink, kId, failure), Win32Error::kInvalidParameter);
-    EXPECT_NE(failure.find("9999"), std::string::npos) << failure;
+    const DhcpAnswer byName = StartDhcp(9999, "nolink0", kId);
+    EXPECT_EQ(byName.code, Win32Error::kInvalidParameter);
+    EXPECT_NE(byName.words.find("nolink0"), std::string::npos) << byName.words;
+    const DhcpAnswer byIndex = StartDhcp(9999, kLink, kId);
+    EXPECT_EQ(byIndex.code, Win32Error::kInvalidParameter);
+    EXPECT_NE(byIndex.words.find("9999"), std::string::npos) << byIndex.words;
     EXPECT_TRUE(RuntimeFiles().empty());
 }
 
 TEST_F(DhcpLife, ARunTimeFolderThatCannotBeIsRefusedInWords) {
     std::ofstream("/run/dhcp-test/file") << "x";
     setenv("NICX_RUNTIME", "/run/dhcp-test/file/below", 1);
-    std::string failure;
-    EXPECT_EQ(StartDhcp(network_.Index(), kLink, kId, failure), Win32Error::kGenFailure);
-    EXPECT_NE(failure.find("/run/dhcp-test/file/below"), std::string::npos) << failure;
+    const DhcpAnswer below = StartDhcp(network_.Index(), kLink, kId);
+    EXPECT_EQ(below.code, Win32Error::kGenFailure);
+    EXPECT_NE(below.words.find("/run/dhcp-test/file/below"), std::string::npos) << below.words;
     setenv("NICX_RUNTIME", ("/run/dhcp-test/" + std::string(100, 'd')).c_str(), 1);
-    EXPECT_EQ(StartDhcp(network_.Index(), kLink, kId, failure), Win32Error::kGenFailure);
-    EXPECT_NE(failure.find("too long"), std::string::npos) << failure;
+    const DhcpAnswer tooLong = StartDhcp(network_.Index(), kLink, kId);
+    EXPECT_EQ(tooLong.code, Win32Error::kGenFailure);
+    EXPECT_NE(tooLong.words.find("too long"), std::string::npos) << tooLong.words;
 }
 
 TEST_F(DhcpLife, TheCommandLineIsChecked) {

@@ -190,8 +190,8 @@ TEST_F(Dhcp, SigtermStopsAsWell) {
 }
 
 TEST_F(Dhcp, WithoutASupervisorStopSucceedsAndTheRestIsNotSupported) {
-    std::string failure;
-    EXPECT_EQ(StopDhcp(network_.Index(), failure), Win32Error::kSuccess) << failure;
+    const DhcpAnswer stopped = StopDhcp(network_.Index());
+    EXPECT_EQ(stopped.code, Win32Error::kSuccess) << stopped.words;
     EXPECT_EQ(ReleaseDhcp(network_.Index()), Win32Error::kNotSupported);
     EXPECT_EQ(RenewDhcp(network_.Index()), Win32Error::kNotSupported);
     EXPECT_FALSE(DhcpRunning(network_.Index()));
@@ -286,8 +286,7 @@ TEST_F(Dhcp, StartsAtTheSameTimeLeaveOneSupervisor) {
     std::vector<std::thread> starters;
     for (int number = 0; number < 8; ++number) {
         starters.emplace_back([&] {
-            std::string failure;
-            if (!Ok(StartDhcp(network_.Index(), network_.Client(), kId, failure))) ++failures;
+            if (!Ok(StartDhcp(network_.Index(), network_.Client(), kId).code)) ++failures;
         });
     }
     for (std::thread& starter : starters) starter.join();
@@ -303,9 +302,8 @@ TEST_F(Dhcp, AStartDuringAStopLeavesARunningSupervisor) {
     Bind();
     for (int round = 0; round < 5; ++round) {
         std::thread stopper([&] { Stop(network_); });
-        std::string failure;
-        EXPECT_EQ(StartDhcp(network_.Index(), network_.Client(), kId, failure), Win32Error::kSuccess)
-            << failure;
+        const DhcpAnswer started = StartDhcp(network_.Index(), network_.Client(), kId);
+        EXPECT_EQ(started.code, Win32Error::kSuccess) << started.words;
         stopper.join();
         // The stop may have met the new supervisor; then another start makes one.
         Start(network_);
@@ -327,10 +325,10 @@ TEST_F(Dhcp, TheSocketIsTheOwnersAlone) {
     const pid_t child = fork();
     if (child == 0) {
         if (setgid(65534) != 0 || setuid(65534) != 0) _exit(9);
-        std::string failure;
+        const DhcpAnswer stopped = StopDhcp(index);
         const bool refused = RenewDhcp(index) == Win32Error::kAccessDenied &&
                              ReleaseDhcp(index) == Win32Error::kAccessDenied && !DhcpRunning(index) &&
-                             StopDhcp(index, failure) == Win32Error::kAccessDenied && !failure.empty();
+                             stopped.code == Win32Error::kAccessDenied && !stopped.words.empty();
         _exit(refused ? 0 : 1);
     }
     int result = 0;

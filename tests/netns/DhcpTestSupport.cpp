@@ -183,9 +183,9 @@ void DhcpFixture::Introduce(const std::string& name, const std::string& id) cons
 }
 
 void DhcpFixture::Start(const DhcpNetwork& network) {
-    std::string failure;
-    EXPECT_EQ(StartDhcp(network.Index(), network.Client(), kId, failure), Win32Error::kSuccess) << failure;
-    EXPECT_EQ(failure, "");
+    const DhcpAnswer started = StartDhcp(network.Index(), network.Client(), kId);
+    EXPECT_EQ(started.code, Win32Error::kSuccess) << started.words;
+    EXPECT_EQ(started.words, "");
 }
 
 void DhcpFixture::StartWith(const DhcpNetwork& network, const std::string& client) {
@@ -195,8 +195,8 @@ void DhcpFixture::StartWith(const DhcpNetwork& network, const std::string& clien
 }
 
 void DhcpFixture::Stop(const DhcpNetwork& network) {
-    std::string failure;
-    EXPECT_EQ(StopDhcp(network.Index(), failure), Win32Error::kSuccess) << failure;
+    const DhcpAnswer stopped = StopDhcp(network.Index());
+    EXPECT_EQ(stopped.code, Win32Error::kSuccess) << stopped.words;
 }
 
 nlohmann::json DhcpFixture::Addresses(const std::string& link) {

@@ -81,19 +81,18 @@ DhcpClientProcess::~DhcpClientProcess() {
     if (Running()) End(0);
 }
 
-bool DhcpClientProcess::Start(const std::vector<std::string>& arguments, bool talk, std::string& failure) {
-    const auto fail = [&](const char* what, int error) {
-        failure = std::string(what) + ": " + std::strerror(error);
-        return false;
+Refusal DhcpClientProcess::Start(const std::vector<std::string>& arguments, bool talk) {
+    const auto refused = [](const std::string& what, int error) {
+        return Refusal(what + ": " + std::strerror(error));
     };
     std::array<int, 2> hookEnds{};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, hookEnds.data()) != 0) {
-        return fail("no socket for the DHCP client's hook", errno);
+        return refused("no socket for the DHCP client's hook", errno);
     }
     Descriptor ownEnd(hookEnds[0]);
     const Descriptor clientEnd(hookEnds[1]);
     std::array<int, 2> failureEnds{};
-    if (pipe2(failureEnds.data(), O_CLOEXEC) != 0) return fail("no pipe to the DHCP client", errno);
+    if (pipe2(failureEnds.data(), O_CLOEXEC) != 0) return refused("no pipe to the DHCP client", errno);
     const Descriptor failureReading(failureEnds[0]);
     Descriptor failureWriting(failureEnds[1]);
 
@@ -116,7 +115,7 @@ bool DhcpClientProcess::Start(const std::vector<std::string>& arguments, bool ta
     process_ = child;
     if (child < 0) {
         Clear();
-        return fail("cannot start the DHCP client", forkError);
+        return refused("cannot start the DHCP client", forkError);
     }
     failureWriting.Reset();
     int error = 0;
@@ -128,11 +127,11 @@ bool DhcpClientProcess::Start(const std::vector<std::string>& arguments, bool ta
     if (told > 0 || !end.IsOpen()) {
         if (told <= 0) error = errno;
         Clear();
-        return fail(("cannot run " + arguments[0]).c_str(), error);
+        return refused("cannot run " + arguments[0], error);
     }
     processEnd_ = std::move(end);
     hookSocket_ = std::move(ownEnd);
-    return true;
+    return {};
 }
 
 void DhcpClientProcess::MakeKeeper() {
@@ -179,16 +178,15 @@ void DhcpClientProcess::Signal(int number) const {
     if (Running()) SignalProcess(processEnd_.Get(), number);
 }
 
-bool DhcpClientProcess::Collect(std::string& words) {
-    if (!Running()) return false;
+std::optional<std::string> DhcpClientProcess::Collect() {
+    if (!Running()) return std::nullopt;
     siginfo_t end{};
     const int result = waitid(P_PID, static_cast<id_t>(process_), &end, WEXITED | WNOHANG | WNOWAIT);
-    if (result != 0 || end.si_pid == 0) return false;
+    if (result != 0 || end.si_pid == 0) return std::nullopt;
     // The status of a process that has ended is not changed by a signal to it.
     const int status = Clear();
-    words = WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
-                                : "exit code " + std::to_string(WEXITSTATUS(status));
-    return true;
+    return WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
+                               : "exit code " + std::to_string(WEXITSTATUS(status));
 }
 
 void DhcpClientProcess::End(int milliseconds) {

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <sys/types.h>
 
+#include "base/Refusal.h"
 #include "platform/linux/dhcp/DhcpLease.h"
 #include "platform/linux/system/Descriptor.h"
 
@@ -26,9 +28,8 @@ class DhcpClientProcess {
 
     /// Runs `arguments` (the first is the program's path) with an environment of PATH and the hook's socket
     /// alone, all signals at their defaults, in "/", with no standard input. Without `talk` its output goes
-    /// nowhere. False with the reason in `failure`
-    /// when the program cannot be run. One may run at a time.
-    bool Start(const std::vector<std::string>& arguments, bool talk, std::string& failure);
+    /// nowhere. Refused when the program cannot be run. One may run at a time.
+    Refusal Start(const std::vector<std::string>& arguments, bool talk);
 
     /// True from Start until Collect has told of the end.
     [[nodiscard]] bool Running() const { return processEnd_.IsOpen(); }
@@ -40,9 +41,9 @@ class DhcpClientProcess {
     /// Sends a signal, if it runs.
     void Signal(int number) const;
 
-    /// True when the process has ended; it is no longer running then, and neither is anything that it left.
-    /// `words` says how it ended.
-    bool Collect(std::string& words);
+    /// How the process ended, in words, once it has; it is no longer running then, and neither is anything
+    /// that it left. Nothing while it runs.
+    std::optional<std::string> Collect();
 
     /// Ends the process: SIGTERM, after `milliseconds` SIGKILL. Returns when it is gone. Reports of hooks are
     /// not heard any longer.

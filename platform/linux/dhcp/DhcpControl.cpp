@@ -131,22 +131,15 @@ bool DhcpRunning(std::uint32_t linkIndex) {
            caller.Ask(kAskStatus, kStatusMilliseconds, answer) == DhcpCaller::Outcome::kAnswered;
 }
 
-Win32Error StartDhcp(std::uint32_t linkIndex, const std::string& linkName, const std::string& linkId,
-                     std::string& failure) {
-    failure.clear();
-    if (geteuid() != 0) {
-        failure = "only root may start the DHCP supervisor of the link";
-        return Win32Error::kAccessDenied;
-    }
+DhcpAnswer StartDhcp(std::uint32_t linkIndex, const std::string& linkName, const std::string& linkId) {
+    if (geteuid() != 0)
+        return {Win32Error::kAccessDenied, "only root may start the DHCP supervisor of the link"};
     const std::string program = SupervisorProgram();
-    if (program.empty()) {
-        failure = "nicx-dhcp is not installed beside this program";
-        return Win32Error::kFileNotFound;
-    }
+    if (program.empty()) return {Win32Error::kFileNotFound, "nicx-dhcp is not installed beside this program"};
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        failure = std::string("no pipe to nicx-dhcp: ") + std::strerror(errno);
-        return FromErrno(errno);
+        const int error = errno;
+        return {FromErrno(error), std::string("no pipe to nicx-dhcp: ") + std::strerror(error)};
     }
     const Descriptor reading(ends[0]);
     Descriptor writing(ends[1]);
@@ -155,59 +148,46 @@ Win32Error StartDhcp(std::uint32_t linkIndex, const std::string& linkName, const
         Spawn({program, "--interface", linkName, "--index", std::to_string(linkIndex), "--id", linkId},
               writing.Get(), child);
     writing.Reset();
-    if (error != 0) {
-        failure = "cannot run " + program + ": " + std::strerror(error);
-        return FromErrno(error);
-    }
+    if (error != 0) return {FromErrno(error), "cannot run " + program + ": " + std::strerror(error)};
     const Descriptor process(OpenProcess(child));
 
     // The program's first process ends when the supervisor takes requests, or with the reason why there is
     // none.
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(kStartMilliseconds);
-    const bool ended = ReadAll(reading.Get(), end, failure) && WaitReadable(process.Get(), end);
+    std::string words;
+    const bool ended = ReadAll(reading.Get(), end, words) && WaitReadable(process.Get(), end);
     if (!ended) kill(child, SIGKILL);
     int status = 0;
     pid_t collected = 0;
     do {
         collected = waitpid(child, &status, 0);
     } while (collected < 0 && errno == EINTR);
-    while (!failure.empty() && failure.back() == '\n') failure.pop_back();
-    if (!ended) {
-        failure = "nicx-dhcp did not start in time";
-        return Win32Error::kSemTimeout;
-    }
+    if (!ended) return {Win32Error::kSemTimeout, "nicx-dhcp did not start in time"};
     // A caller that ignores SIGCHLD is not told how its children end.
     const bool done = collected == child ? WIFEXITED(status) && WEXITSTATUS(status) == kDhcpExitDone
                                          : DhcpRunning(linkIndex);
-    if (done) {
-        failure.clear();
-        return Win32Error::kSuccess;
-    }
-    if (failure.empty()) failure = "nicx-dhcp ended at once";
-    return collected == child && WIFEXITED(status) ? FromExit(WEXITSTATUS(status)) : Win32Error::kGenFailure;
+    if (done) return {};
+    while (!words.empty() && words.back() == '\n') words.pop_back();
+    if (words.empty()) words = "nicx-dhcp ended at once";
+    const bool told = collected == child && WIFEXITED(status);
+    return {told ? FromExit(WEXITSTATUS(status)) : Win32Error::kGenFailure, words};
 }
 
-Win32Error StopDhcp(std::uint32_t linkIndex, std::string& failure) {
-    failure.clear();
+DhcpAnswer StopDhcp(std::uint32_t linkIndex) {
     DhcpCaller caller;
     DhcpAnswer answer;
     DhcpCaller::Outcome outcome = caller.Connect(linkIndex);
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(kStopMilliseconds);
     if (outcome == DhcpCaller::Outcome::kAnswered) outcome = caller.Ask(kAskStop, kStopMilliseconds, answer);
-    if (outcome == DhcpCaller::Outcome::kDenied) {
-        failure = "only root may stop the DHCP supervisor of the link";
-        return Win32Error::kAccessDenied;
-    }
+    if (outcome == DhcpCaller::Outcome::kDenied)
+        return {Win32Error::kAccessDenied, "only root may stop the DHCP supervisor of the link"};
     // Without a process descriptor there was no supervisor, or it belongs to another process namespace.
     const int process = caller.Process().Get();
-    if (outcome != DhcpCaller::Outcome::kLate && (process < 0 || WaitReadable(process, end))) {
-        failure = answer.words;
-        return answer.code;
-    }
+    if (outcome != DhcpCaller::Outcome::kLate && (process < 0 || WaitReadable(process, end))) return answer;
     if (process >= 0) SignalProcess(process, SIGKILL);
-    failure =
-        "the DHCP supervisor of the link did not end in time and was killed; its address may still be there";
-    return Win32Error::kSemTimeout;
+    return {Win32Error::kSemTimeout,
+            "the DHCP supervisor of the link did not end in time and was killed; its address may still be "
+            "there"};
 }
 
 Win32Error ReleaseDhcp(std::uint32_t linkIndex) { return Request(linkIndex, kAskRelease); }

@@ -9,6 +9,12 @@
 /// socket per link in the run-time folder that only root may use.
 namespace corvane {
 
+/// How a request ended: a number, and words for people, which a success may have too.
+struct [[nodiscard]] DhcpAnswer {
+    Win32Error code = Win32Error::kSuccess;
+    std::string words;
+};
+
 /// Path of the control socket of a link of this network namespace. The name holds the namespace's cookie
 /// (SO_NETNS_COOKIE) and the link's index, so that equal indexes of two namespaces do not meet.
 std::string DhcpSocketPath(std::uint32_t linkIndex);
@@ -19,14 +25,13 @@ bool DhcpRunning(std::uint32_t linkIndex);
 /// Starts nicx-dhcp (beside this program) for the link, in a session of its own, and returns when it takes
 /// requests (the lease may come later). kSuccess also when one is running. kFileNotFound: no supervisor
 /// program or no DHCP client is installed; kAccessDenied; kInvalidParameter: there is no such link;
-/// kSemTimeout; kGenFailure: it ended at once. `failure` says so in words.
-Win32Error StartDhcp(std::uint32_t linkIndex, const std::string& linkName, const std::string& linkId,
-                     std::string& failure);
+/// kSemTimeout; kGenFailure: it ended at once. Each failure has its words.
+DhcpAnswer StartDhcp(std::uint32_t linkIndex, const std::string& linkName, const std::string& linkId);
 
 /// Ends the supervisor and its client: the lease is given back if the link is up, address and routes are
 /// taken away. Returns when both processes are gone. kSuccess also when none runs. kAccessDenied;
 /// kSemTimeout: it did not end in 20 seconds and was killed.
-Win32Error StopDhcp(std::uint32_t linkIndex, std::string& failure);
+DhcpAnswer StopDhcp(std::uint32_t linkIndex);
 
 /// Gives the lease back, and no new one is asked for until RenewDhcp or a new start; the client stays, idle.
 /// kNotSupported when no supervisor runs; kAccessDenied without the right; kSemTimeout.

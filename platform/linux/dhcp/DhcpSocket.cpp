@@ -127,12 +127,11 @@ DhcpCaller::Outcome DhcpCaller::Ask(const std::string& question, int millisecond
     }
 }
 
-DhcpListener::Outcome DhcpListener::Open(std::uint32_t linkIndex, std::string& failure) {
+DhcpListener::Opening DhcpListener::Open(std::uint32_t linkIndex) {
     const std::string folder = RuntimeFolder();
     const std::string path = DhcpSocketPath(linkIndex);
-    const auto fail = [&](const std::string& what, const std::string& reason) {
-        failure = what + ": " + reason;
-        return Outcome::kFailed;
+    const auto fail = [](const std::string& what, const std::string& reason) {
+        return Opening{Outcome::kFailed, what + ": " + reason};
     };
     sockaddr_un address{};
     if (!SocketAddress(path, address))
@@ -161,14 +160,14 @@ DhcpListener::Outcome DhcpListener::Open(std::uint32_t linkIndex, std::string& f
                 }
                 socket_ = std::move(socket);
                 path_ = path;
-                return Outcome::kListening;
+                return {Outcome::kListening, {}};
             }
         }
         // Asked without the lock: a supervisor that is ending needs it to remove its file.
         DhcpAnswer answer;
         if (found == DhcpCaller::Outcome::kAnswered)
             found = former.Ask(kAskStatus, kStatusMilliseconds, answer);
-        if (found == DhcpCaller::Outcome::kAnswered) return Outcome::kAnotherRuns;
+        if (found == DhcpCaller::Outcome::kAnswered) return {Outcome::kAnotherRuns, {}};
         if (found != DhcpCaller::Outcome::kNobody) break;
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }

@@ -5,7 +5,7 @@
 
 #include <sys/types.h>
 
-#include "base/Win32Error.h"
+#include "platform/linux/dhcp/DhcpControl.h"
 #include "platform/linux/system/Descriptor.h"
 
 /// The control socket of a supervisor: both ends. One question (a word) and one answer per connection.
@@ -16,11 +16,6 @@ inline constexpr char kAskStatus[] = "status";
 inline constexpr char kAskRenew[] = "renew";
 inline constexpr char kAskRelease[] = "release";
 inline constexpr char kAskStop[] = "stop";
-
-struct DhcpAnswer {
-    Win32Error code = Win32Error::kSuccess;
-    std::string words;
-};
 
 /// The controlling end.
 class DhcpCaller {
@@ -55,6 +50,10 @@ class DhcpListener {
         kAnotherRuns,  ///< Another supervisor takes questions for the link.
         kFailed,
     };
+    struct [[nodiscard]] Opening {
+        Outcome outcome = Outcome::kFailed;
+        std::string words;  ///< Why it failed.
+    };
 
     ~DhcpListener() { Close(); }
     DhcpListener() = default;
@@ -64,7 +63,7 @@ class DhcpListener {
     /// Makes the run-time folder (mode 0755) if need be and the socket in it (mode 0600). A file that a
     /// killed supervisor left is replaced. Of several processes that try at once for one link exactly one
     /// gets kListening. A supervisor that is ending is waited for, at most ten seconds.
-    Outcome Open(std::uint32_t linkIndex, std::string& failure);
+    Opening Open(std::uint32_t linkIndex);
 
     /// Stops listening and removes the file.
     void Close();

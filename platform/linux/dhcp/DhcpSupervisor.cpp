@@ -105,8 +105,9 @@ void DhcpSupervisor::Wait() {
     if (waits[kSignals].revents != 0 && read(signals_.Get(), &signal, sizeof signal) > 0) endAsked_ = true;
     // A hook that waits for its answer keeps its client from ending: reports come before the end.
     if (waits[kHook].revents != 0) TakeReports();
-    std::string words;
-    if (waits[kEnd].revents != 0 && client_.Collect(words)) ClientEnded(words);
+    if (waits[kEnd].revents != 0) {
+        if (const std::optional<std::string> words = client_.Collect()) ClientEnded(*words);
+    }
     if (waits[kWatch].revents != 0) {
         const LinkWatch::Events events = watch_.Take();
         if (events.changed) LookAtLink(events.wasDown);
@@ -173,9 +174,7 @@ void DhcpSupervisor::StartClient() {
 }
 
 void DhcpSupervisor::RunClient(const std::vector<std::string>& arguments) {
-    std::string failure;
-    if (client_.Start(arguments, options_.talk, failure)) return;
-    ClientEnded(failure);
+    if (const Refusal refusal = client_.Start(arguments, options_.talk)) ClientEnded(refusal.Words());
 }
 
 void DhcpSupervisor::ClientEnded(const std::string& words) {

@@ -60,9 +60,8 @@ class Operation {
         }
         const bool held = row_.held;
         if (!SetHeld(true)) return false;
-        std::string failure;
-        if (!Ok(StopDhcp(link_.index, failure))) {
-            Problem(failure);
+        if (const DhcpAnswer stopped = StopDhcp(link_.index); !Ok(stopped.code)) {
+            Problem(stopped.words);
             if (!held) SetHeld(false);
             return false;
         }
@@ -94,8 +93,8 @@ class Operation {
         }
         if (dhcp) {
             RemoveAddressesBut({});
-            std::string failure;
-            if (!Ok(StartDhcp(link_.index, name_, row_.id, failure))) Problem(failure);
+            const DhcpAnswer started = StartDhcp(link_.index, name_, row_.id);
+            if (!Ok(started.code)) Problem(started.words);
         } else {
             ApplyStatic(setup);
         }
