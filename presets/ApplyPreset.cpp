@@ -14,9 +14,6 @@ namespace corvane {
 
 namespace {
 
-static_assert(kPresetDhcp == kTcpipDhcp && kPresetIp == kTcpipAddresses && kPresetGateway == kTcpipGateways &&
-              kPresetDns == kTcpipDns);
-
 void ApplyMac(std::size_t adapter, const PresetRecord& preset) {
     if ((preset.Flags & kPresetRandomMac) != 0) {
         UniformRandom random(CurrentPlatform().clock->Seed());
@@ -33,9 +30,8 @@ void ApplyMac(std::size_t adapter, const PresetRecord& preset) {
 
 void ApplyPreset(std::size_t adapter, const PresetRecord& preset) {
     if ((preset.Flags & kPresetMac) != 0) ApplyMac(adapter, preset);
-    WriteTcpipSettings(static_cast<std::int16_t>(adapter), preset.Flags, preset.IpAddresses.Items,
-                       preset.SubnetMasks.Items, preset.Gateways.Items, preset.GatewayMetrics.Items,
-                       preset.DnsServers.Items);
+    WriteTcpipSettings(WriterIndex(adapter), preset.Flags, preset.IpAddresses.Items, preset.SubnetMasks.Items,
+                       preset.Gateways.Items, preset.GatewayMetrics.Items, preset.DnsServers.Items);
 }
 
 }  // namespace corvane

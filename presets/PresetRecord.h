@@ -6,15 +6,18 @@
 #include <utility>
 #include <vector>
 
+#include "tcpip/SettingBits.h"
+
 namespace corvane {
 
-/// Bits of PresetRecord::Flags: what a preset carries. No other bit is ever set.
-inline constexpr std::uint8_t kPresetDhcp = 1;
+/// Bits of PresetRecord::Flags: what a preset carries, TCP/IP settings and the address. No other bit is ever
+/// set.
+inline constexpr std::uint8_t kPresetDhcp = kTcpipDhcp;
 inline constexpr std::uint8_t kPresetMac = 2;
 inline constexpr std::uint8_t kPresetRandomMac = 4;  ///< Only together with kPresetMac.
-inline constexpr std::uint8_t kPresetIp = 8;
-inline constexpr std::uint8_t kPresetGateway = 16;
-inline constexpr std::uint8_t kPresetDns = 32;
+inline constexpr std::uint8_t kPresetIp = kTcpipAddresses;
+inline constexpr std::uint8_t kPresetGateway = kTcpipGateways;
+inline constexpr std::uint8_t kPresetDns = kTcpipDns;
 
 /// Metric text of a gateway that gets its metric from the connection; it counts as 0, which means automatic.
 inline constexpr char kAutomaticMetric[] = "Automatic";

@@ -15,9 +15,6 @@ namespace corvane {
 
 namespace {
 
-/// A record's number for the registry writers.
-std::int16_t WriterIndex(std::size_t adapter) { return static_cast<std::int16_t>(adapter); }
-
 /// The numeric value of a quad's part; the nearer end for one that no octet can hold.
 std::uint8_t OctetFrom(const std::string& part) {
     return static_cast<std::uint8_t>(std::clamp(std::nearbyint(NumericValue(part)), 0.0, 255.0));

@@ -1,8 +1,10 @@
 #include "tcpip/RegistryWriters.h"
 
+#include <exception>
 #include <functional>
 
 #include "base/Text.h"
+#include "inventory/NicInfo.h"
 #include "platform/Platform.h"
 #include "platform/Registry.h"
 #include "platform/Seat.h"
@@ -14,15 +16,23 @@ namespace {
 
 using TextList = std::vector<std::string>;
 
-/// Runs a routine on the adapter's key: a registry failure ends in `report`, any other fault ends it quietly.
-void Guarded(std::int16_t adapter, const std::function<void(const InterfaceKey&)>& routine,
-             const FailureReport& report) noexcept {
-    try {
-        RunOnKey(InterfaceKey(static_cast<std::size_t>(adapter)), routine, report);
-    } catch (...) {
-        return;
-    }
+/// Runs a routine on the key of an adapter, if there is such a one: a registry failure ends it in `report`, a
+/// fault of its own quietly. What `report` throws is the caller's.
+void Guarded(std::size_t adapter, const std::function<void(const InterfaceKey&)>& routine,
+             const FailureReport& report) {
+    if (adapter >= Nics.size()) return;
+    const auto guarded = [&](const InterfaceKey& key) {
+        try {
+            routine(key);
+        } catch (const std::exception&) {
+            return;
+        }
+    };
+    RunOnKey(InterfaceKey(adapter), guarded, report);
 }
+
+/// A position as the writers are handed it; a negative one is beyond every list.
+std::size_t Position(std::int16_t adapter) { return static_cast<std::size_t>(adapter); }
 
 void ReportReadWrite(const InterfaceKey& key, const RegistryFailure& failure) {
     ShowRegistryError("Error! Cannot Read/Write Registry", "Error while reading/writing in windows registry.",
@@ -108,7 +118,7 @@ void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList
             key.WriteText("NameServer", kNul, kRegSz);
         }
     };
-    Guarded(adapter, write, ReportWrite);
+    Guarded(Position(adapter), write, ReportWrite);
 }
 
 void AddRegistryIPAddress(std::int16_t adapter, const std::string& address, const std::string& mask) {
@@ -140,14 +150,14 @@ void AddRegistryIPAddress(std::int16_t adapter, const std::string& address, cons
         key.WriteList("IPAddress", lists.first);
         key.WriteList("SubnetMask", lists.second);
     };
-    Guarded(adapter, add, ReportReadWrite);
+    Guarded(Position(adapter), add, ReportReadWrite);
 }
 
 void RemoveRegistryIPAddress(std::int16_t adapter, const std::string& address) {
     const auto remove = [&](const InterfaceKey& key) {
         RemoveFromPair(key, "IPAddress", "SubnetMask", address, MultiString({kNoAddress}));
     };
-    Guarded(adapter, remove, ReportReadWrite);
+    Guarded(Position(adapter), remove, ReportReadWrite);
 }
 
 void AddRegistryGateway(std::int16_t adapter, const std::string& gateway, const std::string& metric) {
@@ -171,21 +181,21 @@ void AddRegistryGateway(std::int16_t adapter, const std::string& gateway, const 
         key.WriteList("DefaultGateway", lists.first);
         key.WriteList("DefaultGatewayMetric", lists.second);
     };
-    Guarded(adapter, add, ReportReadWrite);
+    Guarded(Position(adapter), add, ReportReadWrite);
 }
 
 void RemoveRegistryGateway(std::int16_t adapter, const std::string& gateway) {
     const auto remove = [&](const InterfaceKey& key) {
         RemoveFromPair(key, "DefaultGateway", "DefaultGatewayMetric", gateway, kNul);
     };
-    Guarded(adapter, remove, ReportReadWrite);
+    Guarded(Position(adapter), remove, ReportReadWrite);
 }
 
 int WriteDNSServers(std::int16_t adapter, const TextList& servers) {
     const auto write = [&](const InterfaceKey& key) {
         key.WriteText("NameServer", Join(servers, ","), kRegSz);
     };
-    Guarded(adapter, write, [](const InterfaceKey& key, const RegistryFailure& failure) {
+    Guarded(Position(adapter), write, [](const InterfaceKey& key, const RegistryFailure& failure) {
         CurrentSeat().ShowBox("Error! Cannot Write Into Registry",
                               std::string("Error while writing into windows registry.") + kCrLf + kCrLf +
                                   "Key: HKEY_LOCAL_MACHINE\\" + key.Path() + kCrLf +

@@ -1,19 +1,25 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "tcpip/SettingBits.h"
+
 /// Writers of an adapter's persistent TCP/IP settings: the values that take effect at the next start of the
-/// connection. `adapter` is an index into Nics, which must be current. Address texts are not checked. Every
-/// writer shows its own failure in one box and stops at it; what it wrote before stays.
+/// connection. `adapter` is an index into Nics, which must be current; for one that is not in it a writer
+/// does nothing. Address texts are not checked. Every writer shows a registry failure in one box and stops at
+/// it, and ends quietly at an exception of its own work (std::exception: no memory for a list, for example);
+/// what it wrote before stays. An exception out of the box goes on to the caller.
 namespace corvane {
 
-/// Bits of the flags byte that WriteTcpipSettings reads.
-inline constexpr std::uint8_t kTcpipDhcp = 1;
-inline constexpr std::uint8_t kTcpipAddresses = 8;
-inline constexpr std::uint8_t kTcpipGateways = 16;
-inline constexpr std::uint8_t kTcpipDns = 32;
+/// A position in Nics as the writers take it; one that they cannot be handed becomes one that is not in Nics.
+constexpr std::int16_t WriterIndex(std::size_t adapter) {
+    constexpr std::int16_t kNone = -1;
+    return std::in_range<std::int16_t>(adapter) ? static_cast<std::int16_t>(adapter) : kNone;
+}
 
 /// With kTcpipDhcp: DHCP on, addresses and gateways reset, and the DNS list cleared unless kTcpipDns is set.
 /// Without it: DHCP off - whatever else is set - and the lists whose bits are set. Masks parallel the

@@ -1,3 +1,8 @@
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "tcpip/RegistryWriters.h"
@@ -133,6 +138,39 @@ TEST_F(WriteTcpipSettingsTest, AdapterThatDoesNotExistEndsQuietly) {
     WriteTcpipSettings(-1, 1, {}, {}, {}, {}, {});
     EXPECT_THAT(machine.registry->diary, IsEmpty());
     EXPECT_THAT(machine.seat.diary, IsEmpty());
+}
+
+TEST_F(WriteTcpipSettingsTest, PositionThatIsTooLargeForAWriterIsNoAdapter) {
+    EXPECT_EQ(WriterIndex(1), 1);
+    EXPECT_EQ(WriterIndex(32767), 32767);
+    EXPECT_EQ(WriterIndex(32768), -1);
+    EXPECT_EQ(WriterIndex(65537), -1);
+}
+
+TEST_F(WriteTcpipSettingsTest, ExceptionOfTheWorkEndsItQuietly) {
+    machine.registry->fail = [](const std::string&, const std::string&,
+                                const std::string& name) -> std::optional<Win32Error> {
+        if (name == "SubnetMask") throw std::bad_alloc();
+        return std::nullopt;
+    };
+    Write(8);
+    EXPECT_THAT(Writes(), ElementsAre(staticAddress, ips, masks));
+    EXPECT_THAT(machine.seat.diary, IsEmpty());
+}
+
+TEST_F(WriteTcpipSettingsTest, WhatIsNoExceptionOfTheWorkGoesOn) {
+    machine.registry->fail = [](const std::string&, const std::string&,
+                                const std::string&) -> std::optional<Win32Error> { throw 7; };
+    EXPECT_THROW(Write(8), int);
+
+    struct ClosingSeat : NullSeat {
+        BoxAnswer ShowBox(const std::string&, const std::string&, BoxIcon, BoxButtons) override {
+            throw std::runtime_error("the box cannot be shown");
+        }
+    } seat;
+    const ScopedSeat installed(seat);
+    FailAt("IPAddress", Win32Error::kAccessDenied);
+    EXPECT_THROW(Write(8), std::runtime_error);
 }
 
 TEST_F(WriteTcpipSettingsTest, MissingKeyFailsAtTheFirstValue) {

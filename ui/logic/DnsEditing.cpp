@@ -21,7 +21,7 @@ void DnsEditing::Open() {
 void DnsEditing::Write(std::size_t adapter) {
     std::vector<std::string> servers;
     for (const DetailsRow& row : list_.Rows()) servers.push_back(row.text);
-    WriteDNSServers(static_cast<std::int16_t>(adapter), servers);
+    WriteDNSServers(WriterIndex(adapter), servers);
     // What the list shows is what the record says, until the adapters are read anew.
     if (servers.empty()) servers.emplace_back();
     Nics.at(adapter).DnsServers = std::move(servers);
