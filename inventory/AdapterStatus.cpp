@@ -9,13 +9,12 @@
 #include "platform/CodePage.h"
 #include "platform/Platform.h"
 #include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 #include "vendors/VendorList.h"
 
 namespace corvane {
 
 namespace {
-
-constexpr char kOriginalValue[] = "OriginalNetworkAddress";
 
 void LookUpVendor(NicInfo& nic, const std::string& prefix) {
     if (const std::optional<std::size_t> record = FindVendor(prefix))
@@ -25,8 +24,8 @@ void LookUpVendor(NicInfo& nic, const std::string& prefix) {
 /// An adapter without a driver key has no place for the saved address; it is then known for this run only.
 void WriteOriginal(const NicInfo& nic) {
     if (nic.DriverKey.empty()) return;
-    static_cast<void>(RegSetString(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue,
-                                   nic.OriginalNetworkAddress, kRegSz));
+    static_cast<void>(RegSetString(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey),
+                                   kOriginalNetworkAddressValue, nic.OriginalNetworkAddress, kRegSz));
 }
 
 /// The reported address is the manufacturer's while no override is in force; with one, the saved value is the
@@ -89,8 +88,8 @@ void ReadDisabled(NicInfo& nic) {
     if (ResetOriginalMac) {
         nic.OriginalNetworkAddress.clear();
         if (!nic.DriverKey.empty())
-            static_cast<void>(
-                RegDeleteValue(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey), kOriginalValue));
+            static_cast<void>(RegDeleteValue(kHkeyLocalMachine, DriverKeyPath(nic.DriverKey),
+                                             kOriginalNetworkAddressValue));
     }
     // In the code page, as the vendor list's prefixes are: one byte per character.
     const std::string stored =

@@ -14,6 +14,7 @@
 #include "platform/CodePage.h"
 #include "platform/IphlpApi.h"
 #include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 #include "platform/Seat.h"
 
 namespace corvane {
@@ -64,11 +65,11 @@ std::string PairsOfFirstTwelve(const std::string& text) {
 void ReadDriverKey(NicInfo& nic, const std::string& subkey) {
     const std::string key = DriverKeyPath(subkey);
     nic.DriverKey = subkey;
-    nic.DriverDesc = ReadText(key, "DriverDesc");
-    nic.ComponentId = ReadText(key, "ComponentId");
-    const std::string address = ToUpper(ReadText(key, "NetworkAddress"));
+    nic.DriverDesc = ReadText(key, kDriverDescValue);
+    nic.ComponentId = ReadText(key, kComponentIdValue);
+    const std::string address = ToUpper(ReadText(key, kNetworkAddressValue));
     nic.NetworkAddress = CharacterCount(address) > 11 ? PairsOfFirstTwelve(address) : std::string();
-    const std::string original = ToUpper(ReadText(key, "OriginalNetworkAddress"));
+    const std::string original = ToUpper(ReadText(key, kOriginalNetworkAddressValue));
     nic.OriginalNetworkAddress = CharacterCount(original) > 11 ? original : std::string();
 }
 
@@ -101,7 +102,7 @@ void ReadAdapterRegistry(Discovery& found) {
     }
     {
         const RegistryReading reading;
-        for (NicInfo& nic : adapters) nic.Name = ReadText(ConnectionKey(nic.Id), "Name");
+        for (NicInfo& nic : adapters) nic.Name = ReadText(ConnectionKey(nic.Id), kConnectionNameValue);
     }
 
     names.clear();
@@ -110,14 +111,14 @@ void ReadAdapterRegistry(Discovery& found) {
     const IdIndex records = IndexOfIds(adapters);
     for (const std::string& subkey : names) {
         if (subkey.empty()) continue;
-        const std::string id = ReadText(DriverKeyPath(subkey), "NetCfgInstanceId");
+        const std::string id = ReadText(DriverKeyPath(subkey), kNetCfgInstanceIdValue);
         if (id.empty()) continue;
         const auto record = records.find(id);
         if (record != records.end()) ReadDriverKey(adapters[record->second], subkey);
     }
 
     static constexpr std::string_view kDevice = "\\Device\\";
-    for (const std::string& piece : Split(ReadText(kLinkageKey, "Bind"), '\0')) {
+    for (const std::string& piece : ListPieces(ReadText(kLinkageKey, kBindValue))) {
         if (!piece.starts_with(kDevice)) continue;
         const auto record = records.find(piece.substr(kDevice.size()));
         if (record != records.end()) adapters[record->second].TcpipBound = true;

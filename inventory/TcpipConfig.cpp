@@ -8,8 +8,8 @@
 #include "inventory/NicInfo.h"
 #include "inventory/ReadText.h"
 #include "inventory/Stages.h"
-#include "platform/CodePage.h"
 #include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 
 namespace corvane {
 
@@ -22,12 +22,8 @@ std::vector<std::uint8_t> ReadBytes(const std::string& key, const std::string& n
     return data;
 }
 
-/// The entries of a REG_MULTI_SZ or REG_SZ read as text, less the NUL at its end; one empty entry for an
-/// empty text.
 std::vector<std::string> ReadList(const std::string& key, const std::string& name) {
-    std::string text = ReadText(key, name);
-    if (!text.empty() && text.back() == '\0') text.pop_back();
-    return Split(text, '\0');
+    return ListEntries(ReadText(key, name));
 }
 
 /// Rows of a table by interface index, in table order; nothing when the table was not fetched.
@@ -96,9 +92,9 @@ void LiveAddresses(NicInfo& nic, const std::vector<const IpAddrRow*>& rows) {
     }
 }
 
-void StoredAddresses(NicInfo& nic, const std::string& key, const std::string& prefix) {
-    nic.IpAddresses = ReadList(key, prefix + "IPAddress");
-    nic.SubnetMasks = ReadList(key, prefix + "SubnetMask");
+void StoredAddresses(NicInfo& nic, const std::string& key) {
+    nic.IpAddresses = ReadList(key, nic.DhcpEnabled ? kDhcpIpAddressValue : kIpAddressValue);
+    nic.SubnetMasks = ReadList(key, nic.DhcpEnabled ? kDhcpSubnetMaskValue : kSubnetMaskValue);
     if (nic.IpAddresses.size() == 1 && nic.IpAddresses[0].empty()) nic.TcpipBound = false;
     nic.SubnetMasks.resize(nic.IpAddresses.size());
     nic.IpRowFlags.resize(nic.IpAddresses.size());
@@ -118,11 +114,13 @@ void LiveGateways(NicInfo& nic, const std::vector<const IpForwardRow*>& rows) {
     nic.GatewayMetrics = std::move(metrics);
 }
 
-void StoredGateways(NicInfo& nic, const std::string& key, const std::string& prefix) {
-    std::vector<std::string> gateways = ReadList(key, prefix + "DefaultGateway");
+void StoredGateways(NicInfo& nic, const std::string& key) {
+    std::vector<std::string> gateways =
+        ReadList(key, nic.DhcpEnabled ? kDhcpDefaultGatewayValue : kDefaultGatewayValue);
     if (gateways.size() == 1 && gateways[0].empty()) return;
     nic.Gateways = std::move(gateways);
-    nic.GatewayMetrics = ReadList(key, prefix + "DefaultGatewayMetric");
+    nic.GatewayMetrics =
+        ReadList(key, nic.DhcpEnabled ? kDhcpDefaultGatewayMetricValue : kDefaultGatewayMetricValue);
     nic.GatewayMetrics.resize(nic.Gateways.size());
     for (std::string& metric : nic.GatewayMetrics) {
         if (NumericValue(metric) != 0) continue;
@@ -131,10 +129,10 @@ void StoredGateways(NicInfo& nic, const std::string& key, const std::string& pre
 }
 
 void ReadDnsServers(NicInfo& nic, const std::string& key) {
-    std::string servers = ReadText(key, "NameServer");
+    std::string servers = ReadText(key, kNameServerValue);
     char separator = ',';
     if (servers.empty()) {
-        servers = ReadText(key, "DhcpNameServer");
+        servers = ReadText(key, kDhcpNameServerValue);
         separator = ' ';
     }
     if (!servers.empty()) nic.DnsServers = Split(servers, separator);
@@ -143,12 +141,9 @@ void ReadDnsServers(NicInfo& nic, const std::string& key) {
 }  // namespace
 
 std::string GetTimeZoneOffsetText() {
-    const auto textOf = [](const std::vector<std::uint8_t>& bytes) {
-        return Without(FromCodePage({reinterpret_cast<const char*>(bytes.data()), bytes.size()}), '\0');
-    };
-    const std::string zone = textOf(ReadBytes(kTimeZoneKey, "StandardName"));
+    const std::string zone = TextWithoutNuls(ReadBytes(kTimeZoneKey, kStandardNameValue));
     if (zone.empty()) return {};
-    const std::string display = textOf(ReadBytes(kTimeZonesKey + ("\\" + zone), "Display"));
+    const std::string display = TextWithoutNuls(ReadBytes(kTimeZonesKey + ("\\" + zone), kZoneDisplayValue));
     static constexpr std::size_t kStart = 4;  // character 5: behind "(GMT"
     const std::size_t end = display.find(')', kStart);
     return end == std::string::npos ? std::string() : display.substr(kStart, end - kStart);
@@ -161,24 +156,22 @@ void ReadTcpipConfig(Discovery& found) {
     const RegistryReading reading;
     for (NicInfo& nic : found.Adapters) {
         const std::string key = TcpipKey(nic.Id);
-        nic.InterfaceMetric = DwordFrom(ReadBytes(key, "InterfaceMetric"));
-        const std::vector<std::uint8_t> dhcp = ReadBytes(key, "EnableDHCP");
-        nic.DhcpEnabled = !dhcp.empty() && dhcp[0] != 0;
+        nic.InterfaceMetric = DwordFrom(ReadBytes(key, kInterfaceMetricValue));
+        nic.DhcpEnabled = FlagFrom(ReadBytes(key, kEnableDhcpValue));
         if (nic.DhcpEnabled) {
             const std::string offset = GetTimeZoneOffsetText();
-            nic.LeaseObtained = LeaseTime(key, "LeaseObtainedTime", offset);
-            nic.LeaseTerminates = LeaseTime(key, "LeaseTerminatesTime", offset);
+            nic.LeaseObtained = LeaseTime(key, kLeaseObtainedTimeValue, offset);
+            nic.LeaseTerminates = LeaseTime(key, kLeaseTerminatesTimeValue, offset);
         }
-        const std::string prefix = nic.DhcpEnabled ? "Dhcp" : "";
         if (nic.IfIndex != 0 && addresses.Fetched()) {
             LiveAddresses(nic, addresses.Of(nic.IfIndex));
         } else {
-            StoredAddresses(nic, key, prefix);
+            StoredAddresses(nic, key);
         }
         if (nic.IfIndex != 0 && routes.Fetched()) {
             LiveGateways(nic, routes.Of(nic.IfIndex));
         } else {
-            StoredGateways(nic, key, prefix);
+            StoredGateways(nic, key);
         }
         ReadDnsServers(nic, key);
     }

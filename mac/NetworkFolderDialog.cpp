@@ -6,6 +6,8 @@
 #include "mac/RestartConnection.h"
 #include "mac/SetConnectionState.h"
 #include "platform/Registry.h"
+#include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 #include "platform/Seat.h"
 
 namespace corvane {

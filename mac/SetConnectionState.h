@@ -5,11 +5,8 @@
 namespace corvane {
 
 /// Name of the Network Connections folder as the user picked it, in lower case; empty when never picked. Read
-/// at start-up from kProgramKey, written by the folder dialog only.
+/// at start-up from the registry, written by the folder dialog only.
 inline std::string NetworkFolderName;
-
-inline constexpr char kProgramKey[] = "SOFTWARE\\Orvella\\Corvane_v4";
-inline constexpr char kNetworkFolderValue[] = "NetworkFolderName";
 
 enum class StateResult {
     kDone = 0,         ///< The connection was found and its verb invoked.

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "base/Text.h"
-#include "platform/CodePage.h"
+#include "platform/RegistryValues.h"
 #include "platform/Seat.h"
 
 namespace corvane {
@@ -12,8 +12,7 @@ Win32Error RegQueryString(RegistryRoot root, const std::string& subkey, const st
                           std::string& text) {
     const RegistryRead read = CurrentPlatform().registry->ReadValue(root, subkey, name);
     if (!Ok(read.code)) return read.code;
-    const std::vector<std::uint8_t>& data = read.value.data;
-    if (!data.empty()) text = FromCodePage({reinterpret_cast<const char*>(data.data()), data.size() - 1});
+    if (!read.value.data.empty()) text = TextBeforeLastByte(read.value.data);
     return read.code;
 }
 
@@ -32,8 +31,7 @@ Win32Error RegQueryBinary(RegistryRoot root, const std::string& subkey, const st
 
 Win32Error RegSetString(RegistryRoot root, const std::string& subkey, const std::string& name,
                         const std::string& text, std::uint32_t type) {
-    const std::string bytes = ToCodePage(text);
-    return CurrentPlatform().registry->WriteValue(root, subkey, name, {type, {bytes.begin(), bytes.end()}});
+    return CurrentPlatform().registry->WriteValue(root, subkey, name, {type, TextBytes(text)});
 }
 
 Win32Error RegSetBinary(RegistryRoot root, const std::string& subkey, const std::string& name,
@@ -105,19 +103,6 @@ void ShowRegistryError(const std::string& title, const std::string& firstLine, c
                           firstLine + kCrLf + kCrLf + "Registry Path: HKEY_LOCAL_MACHINE\\" + path + kCrLf +
                               kCrLf + "Error: " + RegErrorText(code) + kCrLf + kCrLf + "Click OK to continue",
                           BoxIcon::kCritical, BoxButtons::kOk);
-}
-
-std::uint32_t DwordFrom(std::vector<std::uint8_t> data) {
-    data.resize(4, 0);
-    return static_cast<std::uint32_t>(data[0]) | static_cast<std::uint32_t>(data[1]) << 8 |
-           static_cast<std::uint32_t>(data[2]) << 16 | static_cast<std::uint32_t>(data[3]) << 24;
-}
-
-std::vector<std::uint8_t> DwordBytes(std::uint32_t value) {
-    std::vector<std::uint8_t> bytes;
-    for (int shift = 0; shift < 32; shift += 8)
-        bytes.push_back(static_cast<std::uint8_t>(value >> shift & 0xFFU));
-    return bytes;
 }
 
 }  // namespace corvane

@@ -46,10 +46,4 @@ std::string RegErrorText(Win32Error code);
 void ShowRegistryError(const std::string& title, const std::string& firstLine, const std::string& path,
                        Win32Error code);
 
-/// A REG_DWORD from the bytes that RegQueryBinary gave: cut or zero-filled to four bytes, little-endian.
-std::uint32_t DwordFrom(std::vector<std::uint8_t> data);
-
-/// The four little-endian bytes of a REG_DWORD.
-std::vector<std::uint8_t> DwordBytes(std::uint32_t value);
-
 }  // namespace corvane

@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Where the adapters stand in the registry, all under HKEY_LOCAL_MACHINE. The class GUID keeps its mixed
-/// case.
+/// Where the adapters, the time zone and the program's own setting stand in the registry, all under
+/// HKEY_LOCAL_MACHINE. The class GUID keeps its mixed case.
 namespace corvane {
 
 inline constexpr char kAdaptersKey[] = "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Adapters";
@@ -15,6 +15,7 @@ inline constexpr char kLinkageKey[] = "SYSTEM\\CurrentControlSet\\Services\\Tcpi
 inline constexpr char kInterfacesKey[] = "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Interfaces";
 inline constexpr char kTimeZoneKey[] = "SYSTEM\\CurrentControlSet\\Control\\TimeZoneInformation";
 inline constexpr char kTimeZonesKey[] = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones";
+inline constexpr char kProgramKey[] = "SOFTWARE\\Orvella\\Corvane_v4";
 
 inline std::string ConnectionKey(const std::string& id) {
     return kConnectionsKey + ("\\" + id) + "\\Connection";

@@ -4,6 +4,8 @@
 #include "inventory/NicInfo.h"
 #include "mac/SetConnectionState.h"
 #include "platform/Registry.h"
+#include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 #include "platform/Seat.h"
 #include "presets/PresetsFile.h"
 #include "startup/Actions.h"

@@ -4,6 +4,7 @@
 
 #include "inventory/NicInfo.h"
 #include "platform/IphlpApi.h"
+#include "platform/RegistryValues.h"
 #include "platform/Seat.h"
 #include "tcpip/InterfaceKey.h"
 #include "tcpip/Metric.h"
@@ -62,7 +63,6 @@ void RenewLease(std::size_t adapter) {
 }
 
 void SetInterfaceMetric(std::size_t adapter) {
-    static constexpr char kValue[] = "InterfaceMetric";
     const std::string answer =
         CurrentSeat()
             .AskText("Enter Interface Metric",
@@ -73,9 +73,9 @@ void SetInterfaceMetric(std::size_t adapter) {
     if (answer.empty()) return;
     const auto write = [&](const InterfaceKey& key) {
         if (answer == "0") {
-            key.Delete(kValue);
+            key.Delete(kInterfaceMetricValue);
         } else {
-            key.WriteDword(kValue, MetricFrom(answer));
+            key.WriteDword(kInterfaceMetricValue, MetricFrom(answer));
         }
     };
     if (!RunOnKey(InterfaceKey(adapter), write, ReportWrite)) return;

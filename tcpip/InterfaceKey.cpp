@@ -1,8 +1,8 @@
 #include "tcpip/InterfaceKey.h"
 
-#include "base/Text.h"
 #include "inventory/NicInfo.h"
 #include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 
 namespace corvane {
 
@@ -13,8 +13,6 @@ void Check(Win32Error code, const std::string& valueName) {
 }
 
 }  // namespace
-
-std::string MultiString(const std::vector<std::string>& entries) { return Join(entries, kNul) + kNul + kNul; }
 
 InterfaceKey::InterfaceKey(std::size_t adapter) : path_(TcpipKey(Nics.at(adapter).Id)) {}
 
@@ -27,7 +25,7 @@ void InterfaceKey::WriteText(const std::string& name, const std::string& text, s
 }
 
 void InterfaceKey::WriteList(const std::string& name, const std::vector<std::string>& entries) const {
-    WriteText(name, MultiString(entries), kRegMultiSz);
+    WriteText(name, ListText(entries), kRegMultiSz);
 }
 
 std::string InterfaceKey::ReadText(const std::string& name) const {
@@ -39,7 +37,7 @@ std::string InterfaceKey::ReadText(const std::string& name) const {
 std::vector<std::string> InterfaceKey::ReadList(const std::string& name,
                                                 const std::string& placeholder) const {
     const std::string text = ReadText(name);
-    return Split(text.empty() || text == kNul ? placeholder : text, '\0');
+    return ListPieces(text.empty() || text == kEmptyListText ? placeholder : text);
 }
 
 void InterfaceKey::Delete(const std::string& name) const {
@@ -47,11 +45,11 @@ void InterfaceKey::Delete(const std::string& name) const {
 }
 
 void InterfaceKey::SwitchDhcpAndReset(bool enable) const {
-    WriteDword("EnableDHCP", enable ? 1 : 0);
-    WriteList("IPAddress", {kNoAddress});
-    WriteList("SubnetMask", {kNoAddress});
-    WriteText("DefaultGateway", kNul, kRegMultiSz);
-    WriteText("DefaultGatewayMetric", kNul, kRegMultiSz);
+    WriteDword(kEnableDhcpValue, enable ? 1 : 0);
+    WriteList(kIpAddressValue, {kNoAddress});
+    WriteList(kSubnetMaskValue, {kNoAddress});
+    WriteText(kDefaultGatewayValue, kEmptyListText, kRegMultiSz);
+    WriteText(kDefaultGatewayMetricValue, kEmptyListText, kRegMultiSz);
 }
 
 bool RunOnKey(const InterfaceKey& key, const std::function<void(const InterfaceKey&)>& routine,

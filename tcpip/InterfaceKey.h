@@ -12,7 +12,6 @@
 /// as RegistryFailure and end in the box of the routine, through RunOnKey; they never leave this folder.
 namespace corvane {
 
-inline const std::string kNul(1, '\0');
 /// Stands for "no static address".
 inline const std::string kNoAddress = "0.0.0.0";
 
@@ -21,9 +20,6 @@ struct RegistryFailure {
     std::string valueName;
     Win32Error code = Win32Error::kSuccess;
 };
-
-/// The entries joined by NUL, and two NULs at the end.
-std::string MultiString(const std::vector<std::string>& entries);
 
 class InterfaceKey {
  public:
@@ -37,7 +33,7 @@ class InterfaceKey {
     void WriteText(const std::string& name, const std::string& text, std::uint32_t type) const;
     void WriteList(const std::string& name, const std::vector<std::string>& entries) const;
     [[nodiscard]] std::string ReadText(const std::string& name) const;
-    /// The entries of a list, as a rule followed by one empty entry; `placeholder` alone for an empty list.
+    /// The pieces of a list (ListPieces); `placeholder` alone for an empty list.
     [[nodiscard]] std::vector<std::string> ReadList(const std::string& name,
                                                     const std::string& placeholder) const;
     void Delete(const std::string& name) const;

@@ -7,6 +7,7 @@
 #include "inventory/NicInfo.h"
 #include "platform/Platform.h"
 #include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 #include "platform/Seat.h"
 #include "tcpip/InterfaceKey.h"
 
@@ -77,18 +78,18 @@ ListPair ReadPair(const InterfaceKey& key, const char* firstName, const char* se
 /// Rewrites both lists without the entries equal to `entry`. A missing partner counts as empty.
 void RemoveFromPair(const InterfaceKey& key, const char* firstName, const char* secondName,
                     const std::string& entry, const std::string& whenEmptied) {
-    const TextList first = Split(key.ReadText(firstName), '\0');
-    TextList second = Split(key.ReadText(secondName), '\0');
+    const TextList first = ListPieces(key.ReadText(firstName));
+    TextList second = ListPieces(key.ReadText(secondName));
     second.resize(first.size());
     std::string firstText;
     std::string secondText;
     for (std::size_t i = 0; i < first.size(); ++i) {
         if (first[i] == entry) continue;
-        firstText += first[i] + kNul;
-        secondText += second[i] + kNul;
+        firstText += first[i] + '\0';
+        secondText += second[i] + '\0';
     }
-    if (firstText == kNul) firstText = whenEmptied;
-    if (secondText == kNul) secondText = whenEmptied;
+    if (firstText == kEmptyListText) firstText = whenEmptied;
+    if (secondText == kEmptyListText) secondText = whenEmptied;
     key.WriteText(firstName, firstText, kRegMultiSz);
     key.WriteText(secondName, secondText, kRegMultiSz);
 }
@@ -102,20 +103,20 @@ void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList
         if ((flags & kTcpipDhcp) != 0) {
             key.SwitchDhcpAndReset(true);
         } else {
-            key.WriteDword("EnableDHCP", 0);
+            key.WriteDword(kEnableDhcpValue, 0);
             if ((flags & kTcpipAddresses) != 0) {
-                key.WriteList("IPAddress", addresses);
-                key.WriteList("SubnetMask", masks);
+                key.WriteList(kIpAddressValue, addresses);
+                key.WriteList(kSubnetMaskValue, masks);
             }
             if ((flags & kTcpipGateways) != 0) {
-                key.WriteList("DefaultGateway", gateways);
-                key.WriteList("DefaultGatewayMetric", metrics);
+                key.WriteList(kDefaultGatewayValue, gateways);
+                key.WriteList(kDefaultGatewayMetricValue, metrics);
             }
         }
         if ((flags & kTcpipDns) != 0) {
-            key.WriteText("NameServer", Join(dnsServers, ",") + kNul, kRegSz);
+            key.WriteText(kNameServerValue, Join(dnsServers, ",") + '\0', kRegSz);
         } else if ((flags & kTcpipDhcp) != 0) {
-            key.WriteText("NameServer", kNul, kRegSz);
+            key.WriteText(kNameServerValue, std::string(1, '\0'), kRegSz);
         }
     };
     Guarded(Position(adapter), write, ReportWrite);
@@ -123,7 +124,7 @@ void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList
 
 void AddRegistryIPAddress(std::int16_t adapter, const std::string& address, const std::string& mask) {
     const auto add = [&](const InterfaceKey& key) {
-        ListPair lists = ReadPair(key, "IPAddress", "SubnetMask", kNoAddress);
+        ListPair lists = ReadPair(key, kIpAddressValue, kSubnetMaskValue, kNoAddress);
         bool found = false;
         for (std::size_t i = 0; i < lists.first.size(); ++i) {
             if (lists.first[i] == address) {
@@ -147,15 +148,15 @@ void AddRegistryIPAddress(std::int16_t adapter, const std::string& address, cons
             }
             lists.PullUp(i);
         }
-        key.WriteList("IPAddress", lists.first);
-        key.WriteList("SubnetMask", lists.second);
+        key.WriteList(kIpAddressValue, lists.first);
+        key.WriteList(kSubnetMaskValue, lists.second);
     };
     Guarded(Position(adapter), add, ReportReadWrite);
 }
 
 void RemoveRegistryIPAddress(std::int16_t adapter, const std::string& address) {
     const auto remove = [&](const InterfaceKey& key) {
-        RemoveFromPair(key, "IPAddress", "SubnetMask", address, MultiString({kNoAddress}));
+        RemoveFromPair(key, kIpAddressValue, kSubnetMaskValue, address, ListText({kNoAddress}));
     };
     Guarded(Position(adapter), remove, ReportReadWrite);
 }
@@ -163,7 +164,7 @@ void RemoveRegistryIPAddress(std::int16_t adapter, const std::string& address) {
 void AddRegistryGateway(std::int16_t adapter, const std::string& gateway, const std::string& metric) {
     const auto add = [&](const InterfaceKey& key) {
         static const std::string kBlank = " ";
-        ListPair lists = ReadPair(key, "DefaultGateway", "DefaultGatewayMetric", kBlank);
+        ListPair lists = ReadPair(key, kDefaultGatewayValue, kDefaultGatewayMetricValue, kBlank);
         bool found = false;
         for (std::size_t i = 0; i < lists.first.size(); ++i) {
             if (lists.first[i] != gateway) continue;
@@ -178,22 +179,22 @@ void AddRegistryGateway(std::int16_t adapter, const std::string& gateway, const 
             lists.Shrink();
             if (last || i + 1 == lists.first.size()) break;
         }
-        key.WriteList("DefaultGateway", lists.first);
-        key.WriteList("DefaultGatewayMetric", lists.second);
+        key.WriteList(kDefaultGatewayValue, lists.first);
+        key.WriteList(kDefaultGatewayMetricValue, lists.second);
     };
     Guarded(Position(adapter), add, ReportReadWrite);
 }
 
 void RemoveRegistryGateway(std::int16_t adapter, const std::string& gateway) {
     const auto remove = [&](const InterfaceKey& key) {
-        RemoveFromPair(key, "DefaultGateway", "DefaultGatewayMetric", gateway, kNul);
+        RemoveFromPair(key, kDefaultGatewayValue, kDefaultGatewayMetricValue, gateway, kEmptyListText);
     };
     Guarded(Position(adapter), remove, ReportReadWrite);
 }
 
 int WriteDNSServers(std::int16_t adapter, const TextList& servers) {
     const auto write = [&](const InterfaceKey& key) {
-        key.WriteText("NameServer", Join(servers, ","), kRegSz);
+        key.WriteText(kNameServerValue, Join(servers, ","), kRegSz);
     };
     Guarded(Position(adapter), write, [](const InterfaceKey& key, const RegistryFailure& failure) {
         CurrentSeat().ShowBox("Error! Cannot Write Into Registry",

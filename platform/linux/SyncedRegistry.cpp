@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 #include "platform/Seat.h"
 #include "platform/linux/registry/RegistryTables.h"
 #include "platform/linux/resolver/Dns.h"
@@ -42,7 +43,7 @@ Win32Error SyncedRegistry::EnumSubkeys(RegistryRoot root, const std::string& sub
 }
 
 bool SyncedRegistry::NamesServersInForce(const std::string& subkey, const std::string& name) {
-    if (FoldName(name) != FoldName("NameServer")) return false;
+    if (FoldName(name) != FoldName(kNameServerValue)) return false;
     const std::string key = FoldPath(subkey);
     const auto& rows = machine_->Rows();
     const auto row = std::find_if(rows.begin(), rows.end(), [&](const LinkRow& candidate) {

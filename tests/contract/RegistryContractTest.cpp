@@ -7,6 +7,7 @@
 
 #include "platform/Platform.h"
 #include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 #include "tests/contract/RegistryWorld.h"
 #include "tests/fakes/FakeRegistry.h"
 

@@ -11,8 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 #include "platform/linux/dhcp/DhcpControl.h"
 #include "platform/linux/dhcp/DhcpSocket.h"
 #include "platform/linux/system/RuntimeFolder.h"

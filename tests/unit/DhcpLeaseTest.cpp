@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 #include "platform/linux/dhcp/DhcpLease.h"
 
 namespace corvane {

@@ -3,15 +3,12 @@
 #include <utility>
 #include <vector>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/Registry.h"
 
 namespace corvane {
 namespace {
-
-using testing::ElementsAre;
 
 TEST(RegErrorText, EveryCodeOfTheTableHasItsText) {
     const std::vector<std::pair<std::uint32_t, std::string>> table = {
@@ -39,26 +36,6 @@ TEST(RegErrorText, EveryOtherCodeIsUndefined) {
         EXPECT_EQ(RegErrorText(static_cast<Win32Error>(code)),
                   "(" + std::to_string(code) + ") Undefined Error Code");
     }
-}
-
-TEST(RegistryDword, BytesAreCutOrZeroFilledToFourAndReadLittleEndian) {
-    const std::vector<std::pair<std::vector<std::uint8_t>, std::uint32_t>> table = {
-        {{}, 0},
-        {{7}, 7},
-        {{1, 2}, 0x0201},
-        {{1, 2, 3}, 0x030201},
-        {{1, 2, 3, 4}, 0x04030201},
-        {{1, 2, 3, 4, 5}, 0x04030201},
-        {{255, 255, 255, 255}, 0xFFFFFFFF},
-    };
-    for (const auto& [bytes, number] : table)
-        EXPECT_EQ(DwordFrom(bytes), number) << testing::PrintToString(bytes);
-}
-
-TEST(RegistryDword, NumbersBecomeFourLittleEndianBytes) {
-    EXPECT_THAT(DwordBytes(0), ElementsAre(0, 0, 0, 0));
-    EXPECT_THAT(DwordBytes(0x04030201), ElementsAre(1, 2, 3, 4));
-    EXPECT_THAT(DwordBytes(0xFFFFFFFE), ElementsAre(254, 255, 255, 255));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include "base/RunTimeError.h"
 #include "mac/SetConnectionState.h"
+#include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 #include "presets/PresetsFile.h"
 #include "startup/CommandLine.h"
 #include "startup/Startup.h"

@@ -5,5 +5,6 @@ corvane_test(NAME platform_test
         unit/PlatformTest.cpp
         unit/RegErrorTextTest.cpp
         unit/RegistryOperationsTest.cpp
+        unit/RegistryValuesTest.cpp
         unit/TextTest.cpp
     LIBS corvane_fakes)

@@ -12,10 +12,9 @@
 
 #include "base/Address.h"
 #include "base/Text.h"
-#include "platform/CodePage.h"
 #include "platform/Files.h"
-#include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 #include "platform/linux/kernel/Announce.h"
 #include "platform/linux/registry/RegistryStore.h"
 #include "platform/linux/resolver/Dns.h"
@@ -71,9 +70,7 @@ bool IsAskedFor(const std::set<std::string>& addresses) {
 /// A text value without its terminator; empty when there is none.
 std::string ReadText(RegistryStore& store, const std::string& key, const char* name) {
     const RegistryRead read = store.ReadValue(kHkeyLocalMachine, key, name);
-    if (!Ok(read.code)) return {};
-    const auto end = std::find(read.value.data.begin(), read.value.data.end(), 0);
-    return FromCodePage(std::string(read.value.data.begin(), end));
+    return Ok(read.code) ? TextBeforeNul(read.value.data) : std::string();
 }
 
 }  // namespace
@@ -83,7 +80,8 @@ LeaseInstaller::LeaseInstaller(std::uint32_t linkIndex, std::string linkId, Say 
 
 void LeaseInstaller::Adopt() {
     RegistryStore store(RegistryStore::DefaultPath());
-    const std::optional<Ipv4Bytes> recorded = ParseIpv4(ReadText(store, TcpipKey(linkId_), "DhcpIPAddress"));
+    const std::optional<Ipv4Bytes> recorded =
+        ParseIpv4(ReadText(store, TcpipKey(linkId_), kDhcpIpAddressValue));
     std::vector<KernelAddress> addresses;
     if (!recorded || !netlink_.DumpAddresses(addresses).Ok()) return;
     const auto found = std::find_if(addresses.begin(), addresses.end(), [&](const KernelAddress& address) {
@@ -215,7 +213,7 @@ std::vector<KernelRoute> LeaseInstaller::RoutesOf(const Lease& lease) const {
 
 std::uint32_t LeaseInstaller::InterfaceMetric() const {
     RegistryStore store(RegistryStore::DefaultPath());
-    const RegistryRead read = store.ReadValue(kHkeyLocalMachine, TcpipKey(linkId_), "InterfaceMetric");
+    const RegistryRead read = store.ReadValue(kHkeyLocalMachine, TcpipKey(linkId_), kInterfaceMetricValue);
     return Ok(read.code) ? DwordFrom(read.value.data) : 0;
 }
 
@@ -228,7 +226,7 @@ void LeaseInstaller::RecordNoLease() { Write(NoLeaseValues(), false); }
 void LeaseInstaller::Write(const std::vector<NamedValue>& values, bool makeKey) {
     RegistryStore store(RegistryStore::DefaultPath());
     const std::string key = TcpipKey(linkId_);
-    if (makeKey || store.ReadValue(kHkeyLocalMachine, key, "DhcpIPAddress").keyOpened) {
+    if (makeKey || store.ReadValue(kHkeyLocalMachine, key, kDhcpIpAddressValue).keyOpened) {
         std::vector<RegistryStore::Change> changes;
         for (const NamedValue& value : values) {
             changes.push_back({RegistryStore::Change::Kind::kSetValue, key, value.name, value.value});

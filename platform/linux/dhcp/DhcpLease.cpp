@@ -8,8 +8,7 @@
 
 #include "base/Address.h"
 #include "base/Text.h"
-#include "platform/CodePage.h"
-#include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 
 namespace corvane {
 
@@ -239,21 +238,6 @@ bool OneOf(std::string_view text, std::initializer_list<std::string_view> list) 
     return std::find(list.begin(), list.end(), text) != list.end();
 }
 
-RegistryValue TextValue(const std::string& text) {
-    std::string bytes = ToCodePage(text);
-    bytes += '\0';
-    return {kRegSz, {bytes.begin(), bytes.end()}};
-}
-
-RegistryValue ListValue(const std::vector<std::string>& entries) {
-    std::string bytes;
-    for (const std::string& entry : entries) bytes += entry + '\0';
-    bytes += '\0';
-    return {kRegMultiSz, {bytes.begin(), bytes.end()}};
-}
-
-RegistryValue DwordValue(std::uint32_t value) { return {kRegDword, DwordBytes(value)}; }
-
 /// The time `seconds` after `start`, as far as a REG_DWORD goes.
 RegistryValue TimeValue(std::uint32_t start, std::uint32_t seconds) {
     if (seconds == kInfiniteLease) return DwordValue(kEndlessTime);
@@ -314,28 +298,29 @@ std::vector<NamedValue> LeaseValues(const Lease& lease, std::uint32_t obtained) 
     }
     const std::vector<std::string> metrics(gateways.size(), "0");
     return {
-        {"DhcpIPAddress", TextValue(DottedQuad(lease.address.data()))},
-        {"DhcpSubnetMask", TextValue(DottedQuad(MaskFromPrefix(lease.prefix).data()))},
-        {"DhcpServer", TextValue(lease.server ? DottedQuad(lease.server->data()) : std::string())},
-        {"DhcpNameServer", TextValue(Join(lease.dnsServers, " "))},
-        {"DhcpDomain", TextValue(lease.domain)},
-        {"DhcpDefaultGateway", ListValue(gateways)},
-        {"DhcpDefaultGatewayMetric", ListValue(metrics)},
-        {"Lease", DwordValue(lease.seconds)},
-        {"LeaseObtainedTime", DwordValue(obtained)},
-        {"T1", TimeValue(obtained, lease.renewSeconds)},
-        {"T2", TimeValue(obtained, lease.rebindSeconds)},
-        {"LeaseTerminatesTime", TimeValue(obtained, lease.seconds)},
+        {kDhcpIpAddressValue, TextValue(DottedQuad(lease.address.data()))},
+        {kDhcpSubnetMaskValue, TextValue(DottedQuad(MaskFromPrefix(lease.prefix).data()))},
+        {kDhcpServerValue, TextValue(lease.server ? DottedQuad(lease.server->data()) : std::string())},
+        {kDhcpNameServerValue, TextValue(Join(lease.dnsServers, " "))},
+        {kDhcpDomainValue, TextValue(lease.domain)},
+        {kDhcpDefaultGatewayValue, ListValue(gateways)},
+        {kDhcpDefaultGatewayMetricValue, ListValue(metrics)},
+        {kLeaseValue, DwordValue(lease.seconds)},
+        {kLeaseObtainedTimeValue, DwordValue(obtained)},
+        {kLeaseRenewTimeValue, TimeValue(obtained, lease.renewSeconds)},
+        {kLeaseRebindTimeValue, TimeValue(obtained, lease.rebindSeconds)},
+        {kLeaseTerminatesTimeValue, TimeValue(obtained, lease.seconds)},
     };
 }
 
 std::vector<NamedValue> NoLeaseValues() {
     std::vector<NamedValue> values = {
-        {"DhcpIPAddress", TextValue("0.0.0.0")}, {"DhcpSubnetMask", TextValue("0.0.0.0")},
-        {"DhcpNameServer", TextValue("")},       {"DhcpDomain", TextValue("")},
-        {"DhcpDefaultGateway", ListValue({})},   {"DhcpDefaultGatewayMetric", ListValue({})},
+        {kDhcpIpAddressValue, TextValue("0.0.0.0")}, {kDhcpSubnetMaskValue, TextValue("0.0.0.0")},
+        {kDhcpNameServerValue, TextValue("")},       {kDhcpDomainValue, TextValue("")},
+        {kDhcpDefaultGatewayValue, ListValue({})},   {kDhcpDefaultGatewayMetricValue, ListValue({})},
     };
-    for (const char* name : {"Lease", "LeaseObtainedTime", "T1", "T2", "LeaseTerminatesTime"}) {
+    for (const char* name : {kLeaseValue, kLeaseObtainedTimeValue, kLeaseRenewTimeValue,
+                             kLeaseRebindTimeValue, kLeaseTerminatesTimeValue}) {
         values.push_back({name, DwordValue(0)});
     }
     return values;

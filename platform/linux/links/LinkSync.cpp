@@ -14,10 +14,9 @@
 
 #include "base/Address.h"
 #include "base/Text.h"
-#include "platform/CodePage.h"
 #include "platform/Files.h"
-#include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 #include "platform/linux/links/OriginalNote.h"
 #include "platform/linux/links/TcpipKey.h"
 
@@ -52,20 +51,6 @@ std::string Incarnation(const KernelPicture& picture, const KernelLink& link) {
 std::string PermanentDigits(const KernelLink& link) {
     return link.permanent ? MacDigits(*link.permanent) : std::string();
 }
-
-RegistryValue TextValue(const std::string& text, std::uint32_t type = kRegSz) {
-    std::string bytes = ToCodePage(text);
-    bytes += '\0';
-    return {type, {bytes.begin(), bytes.end()}};
-}
-
-RegistryValue ListValue(const std::vector<std::string>& entries) {
-    std::string text;
-    for (const std::string& entry : entries) text += entry + '\0';
-    return TextValue(text, kRegMultiSz);
-}
-
-RegistryValue DwordValue(std::uint32_t value) { return {kRegDword, DwordBytes(value)}; }
 
 /// A name-based GUID (RFC 4122, version 5), so that a link has the same one even for a program that may not
 /// store it.
@@ -152,8 +137,8 @@ class Step {
                 Meet(picture_.links[i], rows_[static_cast<std::size_t>(matches[i])]);
             }
         }
-        Note(editor_.SetFromKernel(kLinkageKey, "Bind", ListValue(bind_)));
-        Note(editor_.SetFromKernel(kTimeZoneKey, "StandardName", TextValue(zone_.standardName)));
+        Note(editor_.SetFromKernel(kLinkageKey, kBindValue, ListValue(bind_)));
+        Note(editor_.SetFromKernel(kTimeZoneKey, kStandardNameValue, TextValue(zone_.standardName)));
         Note(editor_.SetFromKernel(kTimeZonesKey + ("\\" + zone_.standardName), "Display",
                                    TextValue(zone_.display)));
         return code_;
@@ -186,7 +171,7 @@ class Step {
     void SaveDifferingOriginal(const KernelLink& link, const LinkRow& row) {
         const std::optional<MacBytes> original = ParseMacDigits(row.original);
         if (!original || *original == link.address) return;
-        Note(editor_.SetFromKernel(DriverKeyPath(row.driverKey), "OriginalNetworkAddress",
+        Note(editor_.SetFromKernel(DriverKeyPath(row.driverKey), kOriginalNetworkAddressValue,
                                    TextValue(MacText(*original))));
     }
 
@@ -228,10 +213,10 @@ class Step {
         const DeviceName device = NameDevice(link, ethtool_);
         const std::string driver = DriverKeyPath(row.driverKey);
         Note(editor_.CreateKey(kAdaptersKey + ("\\" + row.id)));
-        Note(editor_.SetFromKernel(ConnectionKey(row.id), "Name", TextValue(link.name)));
-        Note(editor_.SetFromKernel(driver, "NetCfgInstanceId", TextValue(row.id)));
-        Note(editor_.SetFromKernel(driver, "DriverDesc", TextValue(device.description)));
-        Note(editor_.SetFromKernel(driver, "ComponentId", TextValue(device.componentId)));
+        Note(editor_.SetFromKernel(ConnectionKey(row.id), kConnectionNameValue, TextValue(link.name)));
+        Note(editor_.SetFromKernel(driver, kNetCfgInstanceIdValue, TextValue(row.id)));
+        Note(editor_.SetFromKernel(driver, kDriverDescValue, TextValue(device.description)));
+        Note(editor_.SetFromKernel(driver, kComponentIdValue, TextValue(device.componentId)));
     }
 
     void Refresh(const KernelLink& link, LinkRow& row, bool firstSight) {
@@ -248,19 +233,19 @@ class Step {
 
     void WriteTcpip(const std::string& id, const TcpipValues& values) {
         const std::string key = TcpipKey(id);
-        Note(editor_.SetFromKernel(key, "EnableDHCP", DwordValue(values.dhcp ? 1 : 0)));
-        Note(editor_.SetFromKernel(key, "IPAddress", ListValue(values.addresses)));
-        Note(editor_.SetFromKernel(key, "SubnetMask", ListValue(values.masks)));
-        Note(editor_.SetFromKernel(key, "DefaultGateway", ListValue(values.gateways)));
-        Note(editor_.SetFromKernel(key, "DefaultGatewayMetric", ListValue(values.metrics)));
+        Note(editor_.SetFromKernel(key, kEnableDhcpValue, DwordValue(values.dhcp ? 1 : 0)));
+        Note(editor_.SetFromKernel(key, kIpAddressValue, ListValue(values.addresses)));
+        Note(editor_.SetFromKernel(key, kSubnetMaskValue, ListValue(values.masks)));
+        Note(editor_.SetFromKernel(key, kDefaultGatewayValue, ListValue(values.gateways)));
+        Note(editor_.SetFromKernel(key, kDefaultGatewayMetricValue, ListValue(values.metrics)));
     }
 
     bool HasUserSettings(const LinkRow& row) {
         static constexpr std::array kTcpipNames = {
-            "EnableDHCP",           "IPAddress",  "SubnetMask",     "DefaultGateway",
-            "DefaultGatewayMetric", "NameServer", "InterfaceMetric"};
+            kEnableDhcpValue,           kIpAddressValue,  kSubnetMaskValue,     kDefaultGatewayValue,
+            kDefaultGatewayMetricValue, kNameServerValue, kInterfaceMetricValue};
         return row.held || !row.applied.empty() ||
-               editor_.UserSet(DriverKeyPath(row.driverKey), "NetworkAddress") ||
+               editor_.UserSet(DriverKeyPath(row.driverKey), kNetworkAddressValue) ||
                std::any_of(kTcpipNames.begin(), kTcpipNames.end(),
                            [&](const char* name) { return editor_.UserSet(TcpipKey(row.id), name); });
     }
@@ -321,7 +306,7 @@ bool InStep(const std::vector<LinkRow>& rows, const KernelPicture& picture) {
 }
 
 bool ShowsZone(RegistryStore& store, const TimeZone& zone) {
-    const RegistryRead name = store.ReadValue(kHkeyLocalMachine, kTimeZoneKey, "StandardName");
+    const RegistryRead name = store.ReadValue(kHkeyLocalMachine, kTimeZoneKey, kStandardNameValue);
     const RegistryRead display =
         store.ReadValue(kHkeyLocalMachine, kTimeZonesKey + ("\\" + zone.standardName), "Display");
     return Ok(name.code) && Ok(display.code) && name.value == TextValue(zone.standardName) &&

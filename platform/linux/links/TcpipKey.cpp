@@ -4,9 +4,8 @@
 
 #include "base/Address.h"
 #include "base/Text.h"
-#include "platform/CodePage.h"
-#include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 
 namespace corvane {
 
@@ -17,14 +16,8 @@ std::vector<std::uint8_t> ReadBytes(RegistryStore& store, const std::string& key
     return Ok(read.code) ? read.value.data : std::vector<std::uint8_t>();
 }
 
-/// The entries of a multi-string, whatever terminators it has; positions are kept, empty entries at the end
-/// are not.
 std::vector<std::string> ReadList(RegistryStore& store, const std::string& key, const std::string& name) {
-    const std::vector<std::uint8_t> bytes = ReadBytes(store, key, name);
-    std::vector<std::string> entries =
-        Split(FromCodePage({reinterpret_cast<const char*>(bytes.data()), bytes.size()}), '\0');
-    while (!entries.empty() && entries.back().empty()) entries.pop_back();
-    return entries;
+    return ListFrom(ReadBytes(store, key, name));
 }
 
 std::uint32_t MetricOf(const std::string& text, std::uint32_t interfaceMetric) {
@@ -57,37 +50,26 @@ std::string NoteOf(const KernelAddress& address) {
     return DottedQuad(address.address.data()) + "/" + std::to_string(address.prefix);
 }
 
-RegistryValue ListValue(const std::vector<std::string>& entries) {
-    RegistryValue value{kRegMultiSz, {}};
-    for (const std::string& entry : entries) {
-        value.data.insert(value.data.end(), entry.begin(), entry.end());
-        value.data.push_back(0);
-    }
-    value.data.push_back(0);
-    return value;
-}
-
 }  // namespace
 
 bool UsesDhcp(RegistryStore& store, const std::string& linkId) {
-    const std::vector<std::uint8_t> bytes = ReadBytes(store, TcpipKey(linkId), "EnableDHCP");
-    return !bytes.empty() && bytes[0] != 0;
+    return FlagFrom(ReadBytes(store, TcpipKey(linkId), kEnableDhcpValue));
 }
 
 StaticSetup ReadStaticSetup(RegistryStore& store, const std::string& linkId, std::uint32_t linkIndex) {
     static constexpr std::uint8_t kStatic = 4;
     const std::string key = TcpipKey(linkId);
     StaticSetup setup;
-    const std::vector<std::string> addresses = ReadList(store, key, "IPAddress");
-    const std::vector<std::string> masks = ReadList(store, key, "SubnetMask");
+    const std::vector<std::string> addresses = ReadList(store, key, kIpAddressValue);
+    const std::vector<std::string> masks = ReadList(store, key, kSubnetMaskValue);
     for (std::size_t i = 0; i < addresses.size(); ++i) {
         if (addresses[i].empty() || addresses[i] == "0.0.0.0") continue;
         const bool hasMask = i < masks.size() && !masks[i].empty();
         TakeAddress(addresses[i], hasMask ? masks[i] : "255.0.0.0", linkIndex, setup);
     }
-    const std::uint32_t interfaceMetric = DwordFrom(ReadBytes(store, key, "InterfaceMetric"));
-    const std::vector<std::string> gateways = ReadList(store, key, "DefaultGateway");
-    std::vector<std::string> metrics = ReadList(store, key, "DefaultGatewayMetric");
+    const std::uint32_t interfaceMetric = DwordFrom(ReadBytes(store, key, kInterfaceMetricValue));
+    const std::vector<std::string> gateways = ReadList(store, key, kDefaultGatewayValue);
+    std::vector<std::string> metrics = ReadList(store, key, kDefaultGatewayMetricValue);
     metrics.resize(gateways.size());
     for (std::size_t i = 0; i < gateways.size(); ++i) {
         if (Trim(gateways[i]).empty()) continue;
@@ -133,10 +115,10 @@ Win32Error ForgetRunTimeAddress(RegistryStore& store, RegistryStore::Editor& edi
 }
 
 std::optional<std::string> ReadOverride(RegistryStore& store, const std::string& driverKey) {
-    const RegistryRead read = store.ReadValue(kHkeyLocalMachine, DriverKeyPath(driverKey), "NetworkAddress");
+    const RegistryRead read =
+        store.ReadValue(kHkeyLocalMachine, DriverKeyPath(driverKey), kNetworkAddressValue);
     if (!Ok(read.code)) return std::nullopt;
-    return Without(
-        FromCodePage({reinterpret_cast<const char*>(read.value.data.data()), read.value.data.size()}), '\0');
+    return TextWithoutNuls(read.value.data);
 }
 
 }  // namespace corvane

@@ -17,10 +17,9 @@
 #include <unistd.h>
 
 #include "base/Text.h"
-#include "platform/CodePage.h"
 #include "platform/Files.h"
-#include "platform/Registry.h"
 #include "platform/RegistryKeys.h"
+#include "platform/RegistryValues.h"
 #include "platform/linux/system/Descriptor.h"
 
 namespace corvane {
@@ -180,8 +179,7 @@ Win32Error ReadText(RegistryStore& store, const std::string& key, const char* na
     text.clear();
     if (read.code == Win32Error::kFileNotFound) return Win32Error::kSuccess;
     if (!Ok(read.code)) return read.code;
-    const auto end = std::find(read.value.data.begin(), read.value.data.end(), 0);
-    text = FromCodePage(std::string(read.value.data.begin(), end));
+    text = TextBeforeNul(read.value.data);
     return Win32Error::kSuccess;
 }
 
@@ -215,10 +213,10 @@ bool Collect(RegistryStore& store, Netlink& netlink, std::vector<std::string>& s
     for (const auto& [index, id] : upIds) {
         std::string text;
         char separator = ',';
-        Win32Error code = ReadText(store, TcpipKey(id), "NameServer", text);
+        Win32Error code = ReadText(store, TcpipKey(id), kNameServerValue, text);
         if (Ok(code) && text.empty()) {
             separator = ' ';
-            code = ReadText(store, TcpipKey(id), "DhcpNameServer", text);
+            code = ReadText(store, TcpipKey(id), kDhcpNameServerValue, text);
         }
         if (!Ok(code)) {
             failure =

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Registry.h"
+#include "platform/RegistryValues.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/WindowsRegistry.h"
 #include "tests/wine/contract/ImportedFunction.h"
