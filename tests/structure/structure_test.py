@@ -127,6 +127,18 @@ def listed_files(listings):
     return found
 
 
+def without_comments(text):
+    """C++ source with its comments as blanks; what stands in quotes stays."""
+    quoted = r'"(?:\\.|[^"\\\n])*"|\'(?:\\.[^\'\n]*|[^\'\\\n])\''
+    return re.sub(quoted + r"|//[^\n]*|/\*.*?\*/", lambda match: " " if match.group().startswith("/") else match.group(), text,
+                  flags=re.DOTALL)
+
+
+def quoted_texts(path):
+    with open(os.path.join(SOURCE, path), encoding="utf-8") as source:
+        return re.findall(r'"((?:\\.|[^"\\\n])*)"', without_comments(source.read()))
+
+
 class Structure(unittest.TestCase):
     def test_includes_go_one_way(self):
         wrong = []
@@ -159,6 +171,22 @@ class Structure(unittest.TestCase):
                 for pattern, folders in CONFINED.items():
                     if kind == "<" and re.fullmatch(pattern, name) and folder not in folders:
                         wrong.append(f"{path} includes <{name}>")
+        self.assertEqual(wrong, [])
+
+    def test_registry_names_are_spelt_once(self):
+        """Values in RegistryValues.h, keys in RegistryKeys.h. Whole texts: a message may hold the same word."""
+        values = set(quoted_texts("platform/RegistryValues.h"))
+        values -= {name for _, name in includes("platform/RegistryValues.h")}
+        self.assertLessEqual({"IPAddress", "EnableDHCP", "Bind", "OriginalNetworkAddress"}, values)
+        wrong = []
+        for path in sources(".cpp", ".h"):
+            if folder_of(path) is None:
+                continue
+            for text in quoted_texts(path):
+                if path != "platform/RegistryValues.h" and text in values:
+                    wrong.append(f'{path} spells the value "{text}"')
+                if path != "platform/RegistryKeys.h" and re.match(r"(SYSTEM|SOFTWARE)\\\\", text):
+                    wrong.append(f'{path} spells the key "{text}"')
         self.assertEqual(wrong, [])
 
     def test_every_header_compiles_alone(self):

@@ -139,7 +139,7 @@ class Step {
         }
         Note(editor_.SetFromKernel(kLinkageKey, kBindValue, ListValue(bind_)));
         Note(editor_.SetFromKernel(kTimeZoneKey, kStandardNameValue, TextValue(zone_.standardName)));
-        Note(editor_.SetFromKernel(kTimeZonesKey + ("\\" + zone_.standardName), "Display",
+        Note(editor_.SetFromKernel(kTimeZonesKey + ("\\" + zone_.standardName), kZoneDisplayValue,
                                    TextValue(zone_.display)));
         return code_;
     }
@@ -308,7 +308,7 @@ bool InStep(const std::vector<LinkRow>& rows, const KernelPicture& picture) {
 bool ShowsZone(RegistryStore& store, const TimeZone& zone) {
     const RegistryRead name = store.ReadValue(kHkeyLocalMachine, kTimeZoneKey, kStandardNameValue);
     const RegistryRead display =
-        store.ReadValue(kHkeyLocalMachine, kTimeZonesKey + ("\\" + zone.standardName), "Display");
+        store.ReadValue(kHkeyLocalMachine, kTimeZonesKey + ("\\" + zone.standardName), kZoneDisplayValue);
     return Ok(name.code) && Ok(display.code) && name.value == TextValue(zone.standardName) &&
            display.value == TextValue(zone.display);
 }
