@@ -1,5 +1,5 @@
 """Takes the pictures of the window for scripts/screenshots: screenshots.py FOLDER, inside tests/netns/sandbox and
-tests/gui/display, with CORVANE_BIN naming the folder of the programs.
+tests/gui/display, with CORVANE_BIN naming the folder of the programs and PYTHONPATH those two folders.
 
 What can be fixed is: links, addresses, sizes, the course of the traffic. The dates of leases and the system's name are
 those of the day and the machine.
@@ -16,9 +16,6 @@ import sys
 import threading
 import time
 import unittest
-
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-sys.path[:0] = [str(ROOT / "tests/netns"), str(ROOT / "tests/gui")]
 
 from Xlib import X, error
 

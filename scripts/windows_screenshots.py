@@ -5,9 +5,6 @@ import pathlib
 import sys
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-sys.path[:0] = [str(ROOT / "tests/wine")]
-
 from pictures import DESKTOP_COLOUR, MARGIN, NOWHERE, keep
 from programs import Program
 from wine import REG_SZ

@@ -1,10 +1,5 @@
 """Every box and form of nicx in a terminal, as whole-program goldens."""
 
-import pathlib
-import sys
-
-sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "netns"))
-
 from golden import Transcript
 from terminal import Terminal
 from world import CONNECTIONS_KEY, FAR, NOBODY, STORE, DhcpServer, World, ip, wait_for

@@ -5,9 +5,6 @@ import os
 import pathlib
 import re
 import subprocess
-import sys
-
-sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "netns"))
 
 from golden import Transcript
 from world import FAR, NOBODY, DhcpServer, World, ip, vendor_bytes, wait_for

@@ -11,11 +11,7 @@
             self.expect_fact("Link Status:", "Up, Operational")
 """
 
-import pathlib
 import shutil
-import sys
-
-sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "netns"))
 
 from controls import ACTIVE, MODAL, SHOWING, VISIBLE, Control, Table
 from desktop import Desktop

@@ -6,7 +6,7 @@ import sys
 from machine import WineTest
 from parts import BUTTONS
 from programs import Program
-from wine import HERE, TOOLS, number, processes_in, text, texts
+from wine import TOOLS, number, processes_in, text, texts
 from wine_limits import DEAD_INTERFACES_STAY
 from world import ip, wait_for
 
@@ -73,16 +73,14 @@ class Harness(WineTest):
         ip("link", "delete", "br0")
         self.assertEqual(list(self.interface_ids()), ["eth0"])
 
-
     def test_nothing_outlives_a_test_that_is_killed(self):
-        script = ("import sys, time, unittest\n"
-                  "sys.path.insert(0, sys.argv[1])\n"
+        script = ("import time, unittest\n"
                   "import wine\n"
                   "wine.ROOM = wine.pathlib.Path('/run/other')\n"
                   "prefix = wine.Wine(unittest.TestCase())\n"
                   "print('ready', flush=True)\n"
                   "time.sleep(600)\n")
-        test = subprocess.Popen([sys.executable, "-c", script, str(HERE)], stdout=subprocess.PIPE)
+        test = subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.PIPE)
         self.assertEqual(test.stdout.readline(), b"ready\n")
         self.assertTrue(processes_in("/run/other/prefix"))
         test.kill()

@@ -1,10 +1,5 @@
 """What is in the windows of a Windows program, as observer.exe tells it. Nothing that was read is kept."""
 
-import pathlib
-import sys
-
-sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "gui"))
-
 from waiting import NotNow
 
 BUTTONS, ENTRIES, TABLES = ("button",), ("edit",), ("syslistview32",)

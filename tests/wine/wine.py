@@ -17,10 +17,9 @@ import sys
 import tempfile
 import threading
 
-HERE = pathlib.Path(__file__).resolve().parent
-sys.path += [str(HERE.parent / "gui"), str(HERE.parent / "netns")]
-
 from waiting import NotNow, end_with_parent, patiently
+
+HERE = pathlib.Path(__file__).resolve().parent
 
 WINDOWS = pathlib.Path(os.environ["CORVANE_WINDOWS"])
 TOOLS = WINDOWS / "tests"
