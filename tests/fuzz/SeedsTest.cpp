@@ -34,6 +34,7 @@ constexpr Target kTargets[] = {
     {"command_line", CheckCommandLine, false},
     {"netlink_answer", CheckNetlinkAnswer, false},
     {"dhcp_hook", CheckDhcpHook, true},
+    {"dhcp_request", CheckDhcpRequest, true},
 };
 
 const std::filesystem::path kFolder = CORVANE_SOURCE_DIR "/tests/fuzz";

@@ -15,5 +15,7 @@ bool CheckCommandLine(std::string_view bytes);
 bool CheckNetlinkAnswer(std::string_view bytes);
 /// What a DHCP client's hook reports to the supervisor.
 bool CheckDhcpHook(std::string_view bytes);
+/// What a controller sends to the supervisor: one message over a connection of its own.
+bool CheckDhcpRequest(std::string_view bytes);
 
 }  // namespace corvane::fuzz

@@ -2,6 +2,7 @@ corvane_test(NAME fuzz_seeds_test
     SOURCES
         fuzz/CommandLineFuzzer.cpp
         fuzz/DhcpHookFuzzer.cpp
+        fuzz/DhcpRequestFuzzer.cpp
         fuzz/NetlinkAnswerFuzzer.cpp
         fuzz/PresetsFileFuzzer.cpp
         fuzz/RegFileFuzzer.cpp
