@@ -237,8 +237,7 @@ Win32Error IpHelper::AddForRunTime(const KernelAddress& address) {
     const Win32Error code = machine_->Store().Transact([&](RegistryStore::Editor& editor) {
         const KernelAnswer answer = kernel.AddAddress(address, false);
         added = answer.Ok();
-        return added ? NoteRunTimeAddress(machine_->Store(), editor, id, address)
-                     : FromErrno(answer.errnoValue);
+        return added ? NoteRunTimeAddress(editor, id, address) : FromErrno(answer.errnoValue);
     });
     if (!Ok(code) && added) static_cast<void>(kernel.DeleteAddress(address));
     return code;
@@ -275,9 +274,8 @@ void IpHelper::ForgetRunTime(const KernelAddress& address) {
         return;
     const std::string id = row->id;
     // A note that stays makes no address come back.
-    static_cast<void>(machine_->Store().Transact([&](RegistryStore::Editor& editor) {
-        return ForgetRunTimeAddress(machine_->Store(), editor, id, address);
-    }));
+    static_cast<void>(machine_->Store().Transact(
+        [&](RegistryStore::Editor& editor) { return ForgetRunTimeAddress(editor, id, address); }));
 }
 
 Win32Error IpHelper::CreateIpForwardEntry(const IpForwardRow& row) {

@@ -268,12 +268,14 @@ class Tool {
 
     // ---- export and import ----
 
-    Win32Error Collect(const std::string& key, std::vector<RegFileKey>& keys) {
+    static Win32Error Collect(RegistryStore::Editor& store, const std::string& key,
+                              std::vector<RegFileKey>& keys) {
         std::vector<std::string> names;
         keys.push_back({key, {}});
-        Win32Error code = store_.EnumValues(kHkeyLocalMachine, key, keys.back().values);
-        if (Ok(code)) code = store_.EnumSubkeys(kHkeyLocalMachine, key, names);
-        for (std::size_t i = 0; Ok(code) && i < names.size(); ++i) code = Collect(Below(key, names[i]), keys);
+        Win32Error code = store.EnumValues(key, keys.back().values);
+        if (Ok(code)) code = store.EnumSubkeys(key, names);
+        for (std::size_t i = 0; Ok(code) && i < names.size(); ++i)
+            code = Collect(store, Below(key, names[i]), keys);
         return code;
     }
 
@@ -286,8 +288,8 @@ class Tool {
         if (exists && !Agreed("Overwriting '" + file + "'", "/y")) return kRegistryToolFailed;
         std::vector<RegFileKey> keys;
         // In one transaction, so that the file shows one moment.
-        const Win32Error code =
-            store_.Transact([&](RegistryStore::Editor&) { return Collect(arguments_.key, keys); });
+        const Win32Error code = store_.Transact(
+            [&](RegistryStore::Editor& store) { return Collect(store, arguments_.key, keys); });
         if (!Ok(code)) return Fail(code, false);
         const RegFileText text = PrintRegFile(keys);
         if (const std::error_code failure = ReplaceFileContents(file, text.bytes)) {

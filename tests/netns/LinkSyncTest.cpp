@@ -148,7 +148,7 @@ TEST_F(LinkSync, AnAddressThatTheProgramAddedAtRunTimeIsNotRecordedAsLongAsTheLi
     Sync();
     const KernelAddress added = Address(3, {10, 0, 0, 6});
     ASSERT_EQ(store_.Transact([&](RegistryStore::Editor& editor) {
-        return NoteRunTimeAddress(store_, editor, Row("eth0").id, added);
+        return NoteRunTimeAddress(editor, Row("eth0").id, added);
     }),
               Win32Error::kSuccess);
     // A look at the kernel from before the addition does not end the note.

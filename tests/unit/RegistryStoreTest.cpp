@@ -200,6 +200,27 @@ TEST_F(RegistryStoreTest, TheStoresOwnOperationsTakePartInAnEdit) {
     EXPECT_FALSE(HasKey("B"));
 }
 
+TEST_F(RegistryStoreTest, AnEditReadsItsOwnWrites) {
+    EXPECT_EQ(store_.Transact([this](Editor& editor) {
+        EXPECT_EQ(editor.SetFromUser("A\\b", "v", {kRegBinary, {1}}), Win32Error::kSuccess);
+        EXPECT_EQ(editor.CreateKey("A\\a"), Win32Error::kSuccess);
+        EXPECT_EQ(editor.ReadValue("a\\B", "V").value.data, (Bytes{1}));
+        EXPECT_EQ(editor.ReadValue("A\\b", "w").code, Win32Error::kFileNotFound);
+        EXPECT_TRUE(editor.ReadValue("A\\b", "w").keyOpened);
+        EXPECT_FALSE(editor.ReadValue("B", "v").keyOpened);
+        std::vector<std::string> names;
+        EXPECT_EQ(editor.EnumSubkeys("A", names), Win32Error::kSuccess);
+        EXPECT_EQ(names, (std::vector<std::string>{"a", "b"}));
+        std::vector<NamedValue> values;
+        EXPECT_EQ(editor.EnumValues("A\\b", values), Win32Error::kSuccess);
+        EXPECT_EQ(values.size(), 1U);
+        EXPECT_EQ(editor.EnumValues("B", values), Win32Error::kFileNotFound);
+        EXPECT_EQ(values.size(), 1U);
+        return Win32Error::kBusy;
+    }),
+              Win32Error::kBusy);
+}
+
 TEST_F(RegistryStoreTest, WhatTheKernelShowedIsReplacedByWhatItShows) {
     for (const std::uint8_t byte : Bytes{1, 2}) {
         ASSERT_EQ(store_.Transact([&](Editor& editor) {

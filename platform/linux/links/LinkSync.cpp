@@ -105,10 +105,8 @@ TcpipValues ValuesOf(const std::vector<const KernelAddress*>& addresses,
 /// One pass of bringing the store in step, inside a transaction.
 class Step {
  public:
-    Step(RegistryStore& store, RegistryStore::Editor& editor, const KernelPicture& picture,
-         const TimeZone& zone, Ethtool& ethtool)
-        : store_(store),
-          editor_(editor),
+    Step(RegistryStore::Editor& editor, const KernelPicture& picture, const TimeZone& zone, Ethtool& ethtool)
+        : editor_(editor),
           picture_(picture),
           zone_(zone),
           ethtool_(ethtool),
@@ -226,7 +224,7 @@ class Step {
         const bool live = link.Up() && !row.held;
         const std::string signature = LinkSignature(link, live, addresses, routes);
         if (firstSight || (live && row.signature != signature))
-            WriteTcpip(row.id, ValuesOf(addresses, routes, ReadRunTimeAddresses(store_, row.id)));
+            WriteTcpip(row.id, ValuesOf(addresses, routes, ReadRunTimeAddresses(editor_, row.id)));
         row.index = link.index;
         row.signature = signature;
     }
@@ -268,7 +266,6 @@ class Step {
         Note(editor_.SaveLink(row));
     }
 
-    RegistryStore& store_;  ///< Read as part of the transaction.
     RegistryStore::Editor& editor_;
     const KernelPicture& picture_;
     const TimeZone& zone_;
@@ -385,7 +382,7 @@ Win32Error SyncLinks(RegistryStore& store, const KernelPicture& picture, const T
     const bool hasKeys = store.ReadValue(kHkeyLocalMachine, kAdaptersKey, "").keyOpened;
     if (hasKeys && InStep(rows, picture) && ShowsZone(store, zone)) return code;
     code = store.Transact(
-        [&](RegistryStore::Editor& editor) { return Step(store, editor, picture, zone, ethtool).Run(); });
+        [&](RegistryStore::Editor& editor) { return Step(editor, picture, zone, ethtool).Run(); });
     if (!Ok(code)) return code;
     return store.LoadLinks(rows);
 }

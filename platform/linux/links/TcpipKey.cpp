@@ -11,9 +11,12 @@ namespace corvane {
 
 namespace {
 
-std::vector<std::uint8_t> ReadBytes(RegistryStore& store, const std::string& key, const std::string& name) {
-    const RegistryRead read = store.ReadValue(kHkeyLocalMachine, key, name);
+std::vector<std::uint8_t> BytesOf(const RegistryRead& read) {
     return Ok(read.code) ? read.value.data : std::vector<std::uint8_t>();
+}
+
+std::vector<std::uint8_t> ReadBytes(RegistryStore& store, const std::string& key, const std::string& name) {
+    return BytesOf(store.ReadValue(kHkeyLocalMachine, key, name));
 }
 
 std::vector<std::string> ReadList(RegistryStore& store, const std::string& key, const std::string& name) {
@@ -93,21 +96,25 @@ std::vector<std::string> ReadRunTimeAddresses(RegistryStore& store, const std::s
     return ReadList(store, TcpipKey(linkId), kRunTimeAddresses);
 }
 
+std::vector<std::string> ReadRunTimeAddresses(RegistryStore::Editor& editor, const std::string& linkId) {
+    return ListFrom(BytesOf(editor.ReadValue(TcpipKey(linkId), kRunTimeAddresses)));
+}
+
 bool IsRunTimeAddress(const std::vector<std::string>& notes, const KernelAddress& address) {
     return std::find(notes.begin(), notes.end(), NoteOf(address)) != notes.end();
 }
 
-Win32Error NoteRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor, const std::string& linkId,
+Win32Error NoteRunTimeAddress(RegistryStore::Editor& editor, const std::string& linkId,
                               const KernelAddress& address) {
-    std::vector<std::string> notes = ReadRunTimeAddresses(store, linkId);
+    std::vector<std::string> notes = ReadRunTimeAddresses(editor, linkId);
     if (IsRunTimeAddress(notes, address)) return Win32Error::kSuccess;
     notes.push_back(NoteOf(address));
     return editor.SetFromKernel(TcpipKey(linkId), kRunTimeAddresses, ListValue(notes));
 }
 
-Win32Error ForgetRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor,
-                                const std::string& linkId, const KernelAddress& address) {
-    std::vector<std::string> notes = ReadRunTimeAddresses(store, linkId);
+Win32Error ForgetRunTimeAddress(RegistryStore::Editor& editor, const std::string& linkId,
+                                const KernelAddress& address) {
+    std::vector<std::string> notes = ReadRunTimeAddresses(editor, linkId);
     std::erase(notes, NoteOf(address));
     const std::string key = TcpipKey(linkId);
     return notes.empty() ? editor.DeleteValue(key, kRunTimeAddresses)

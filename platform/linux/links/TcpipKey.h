@@ -33,13 +33,14 @@ StaticSetup ReadStaticSetup(RegistryStore& store, const std::string& linkId, std
 inline constexpr char kRunTimeAddresses[] = "RunTimeIPAddress";
 
 std::vector<std::string> ReadRunTimeAddresses(RegistryStore& store, const std::string& linkId);
+std::vector<std::string> ReadRunTimeAddresses(RegistryStore::Editor& editor, const std::string& linkId);
 bool IsRunTimeAddress(const std::vector<std::string>& notes, const KernelAddress& address);
 
-/// Parts of the transaction on `store` that `editor` writes in.
-Win32Error NoteRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor, const std::string& linkId,
+/// Parts of the editor's transaction.
+Win32Error NoteRunTimeAddress(RegistryStore::Editor& editor, const std::string& linkId,
                               const KernelAddress& address);
-Win32Error ForgetRunTimeAddress(RegistryStore& store, RegistryStore::Editor& editor,
-                                const std::string& linkId, const KernelAddress& address);
+Win32Error ForgetRunTimeAddress(RegistryStore::Editor& editor, const std::string& linkId,
+                                const KernelAddress& address);
 
 /// The override "NetworkAddress" of a driver key: its text without NULs, or nothing when there is no value.
 std::optional<std::string> ReadOverride(RegistryStore& store, const std::string& driverKey);

@@ -120,10 +120,16 @@ class RegistryStore : public RegistryApi {
     std::unique_ptr<Impl> impl_;
 };
 
-/// The writes of one transaction (root is always HKEY_LOCAL_MACHINE). Each returns the first failure.
+/// The reads and writes of one transaction (root is always HKEY_LOCAL_MACHINE). Each returns the first
+/// failure; reads see the writes before them.
 class RegistryStore::Editor {
  public:
     virtual ~Editor() = default;
+
+    /// As the store's own.
+    virtual RegistryRead ReadValue(const std::string& subkey, const std::string& name) = 0;
+    virtual Win32Error EnumSubkeys(const std::string& subkey, std::vector<std::string>& names) = 0;
+    virtual Win32Error EnumValues(const std::string& subkey, std::vector<NamedValue>& values) = 0;
 
     virtual Win32Error LoadLinks(std::vector<LinkRow>& links) = 0;
     /// Inserts or replaces the row with this id.

@@ -8,10 +8,20 @@
 
 namespace corvane {
 
-/// The writes of one transaction on one database. The caller has begun it and ends it.
+/// The reads and writes of one transaction on one database. The caller has begun it and ends it.
 class TablesEditor : public RegistryStore::Editor {
  public:
     explicit TablesEditor(RegistryTables& tables) : tables_(tables) {}
+
+    RegistryRead ReadValue(const std::string& subkey, const std::string& name) override {
+        return tables_.ReadValue(subkey, name);
+    }
+    Win32Error EnumSubkeys(const std::string& subkey, std::vector<std::string>& names) override {
+        return tables_.EnumSubkeys(subkey, names);
+    }
+    Win32Error EnumValues(const std::string& subkey, std::vector<NamedValue>& values) override {
+        return tables_.EnumValues(subkey, values);
+    }
 
     Win32Error LoadLinks(std::vector<LinkRow>& links) override { return tables_.LoadLinks(links); }
     Win32Error SaveLink(const LinkRow& link) override { return tables_.SaveLink(link); }
