@@ -37,17 +37,17 @@ bool IsHelp(const std::string& argument) {
     return forms.contains(ToLower(argument));
 }
 
-/// Takes in what an option says; empty, or what is wrong.
-std::string TakeOption(const std::string& option, const std::string& value, RegistryArguments& result) {
+/// Takes in what an option says.
+Refusal TakeOption(const std::string& option, const std::string& value, RegistryArguments& result) {
     if (option == "v" || option == "ve") {
-        if (result.name) return "one of /v and /ve may be given, once";
+        if (result.name) return Refusal("one of /v and /ve may be given, once");
         result.name = value;
     } else if (option == "t") {
         result.type = ToUpper(value);
     } else if (option == "d") {
         result.data = value;
     } else if (option == "s" && result.command == Command::kAdd) {
-        if (value.empty()) return "the separator behind /s is empty";
+        if (value.empty()) return Refusal("the separator behind /s is empty");
         result.separator = value;
     } else if (option == "s") {
         result.below = true;
@@ -59,14 +59,14 @@ std::string TakeOption(const std::string& option, const std::string& value, Regi
     return {};
 }
 
-std::string TakePositionals(const std::vector<std::string>& positionals, const CommandForm& form,
-                            RegistryArguments& result) {
+Refusal TakePositionals(const std::vector<std::string>& positionals, const CommandForm& form,
+                        RegistryArguments& result) {
     const bool hasKey = form.command != Command::kImport;
     if (positionals.size() < form.positionals) {
-        return positionals.empty() && hasKey ? "the key is missing" : "the file is missing";
+        return Refusal(positionals.empty() && hasKey ? "the key is missing" : "the file is missing");
     }
     for (const std::string& positional : positionals) {
-        if (positional.empty()) return "an argument is empty";
+        if (positional.empty()) return Refusal("an argument is empty");
     }
     if (hasKey) result.key = positionals.front();
     if (form.command == Command::kExport || form.command == Command::kImport)
@@ -75,25 +75,25 @@ std::string TakePositionals(const std::vector<std::string>& positionals, const C
 }
 
 /// Options that exclude or need each other.
-std::string CheckTogether(const RegistryArguments& result) {
-    if (result.allValues && result.name) return "/va stands alone, without /v and /ve";
+Refusal CheckTogether(const RegistryArguments& result) {
+    if (result.allValues && result.name) return Refusal("/va stands alone, without /v and /ve");
     if (result.command == Command::kAdd && !result.name && (result.type || result.data)) {
-        return "/t and /d need the name of the value: /v NAME or /ve";
+        return Refusal("/t and /d need the name of the value: /v NAME or /ve");
     }
     return {};
 }
 
 }  // namespace
 
-std::string ParseRegistryArguments(const std::vector<std::string>& arguments, RegistryArguments& result) {
-    if (arguments.empty()) return "no command is given";
+Refusal ParseRegistryArguments(const std::vector<std::string>& arguments, RegistryArguments& result) {
+    if (arguments.empty()) return Refusal("no command is given");
     if (IsHelp(arguments.front())) return {};
     if (ToLower(arguments.front()) == "--version") {
         result.command = Command::kVersion;
         return {};
     }
     const auto entry = CommandForms().find(ToLower(arguments.front()));
-    if (entry == CommandForms().end()) return "unknown command \"" + arguments.front() + "\"";
+    if (entry == CommandForms().end()) return Refusal("unknown command \"" + arguments.front() + "\"");
     const CommandForm& form = entry->second;
     result.command = form.command;
 
@@ -103,13 +103,13 @@ std::string ParseRegistryArguments(const std::vector<std::string>& arguments, Re
         const std::string& argument = arguments[i];
         const std::string option = LooksLikeOption(argument) ? ToLower(argument.substr(1)) : std::string();
         if (form.options.contains(option)) {
-            if (!seen.insert(option).second) return argument + " is given twice";
+            if (!seen.insert(option).second) return Refusal(argument + " is given twice");
             const bool separator = option == "s" && form.command == Command::kAdd;
             const bool takesValue = option == "v" || option == "t" || option == "d" || separator;
-            if (takesValue && i + 1 == arguments.size()) return "there is nothing behind " + argument;
-            const std::string problem =
-                TakeOption(option, takesValue ? arguments[++i] : std::string(), result);
-            if (!problem.empty()) return problem;
+            if (takesValue && i + 1 == arguments.size())
+                return Refusal("there is nothing behind " + argument);
+            if (Refusal refusal = TakeOption(option, takesValue ? arguments[++i] : std::string(), result))
+                return refusal;
             continue;
         }
         // A file may start with "/", a key may not.
@@ -120,13 +120,13 @@ std::string ParseRegistryArguments(const std::vector<std::string>& arguments, Re
                 result.command = Command::kHelp;
                 return {};
             }
-            if (!isFile || argument.front() == '-') return "unknown option " + argument;
+            if (!isFile || argument.front() == '-') return Refusal("unknown option " + argument);
         }
-        if (positionals.size() == form.positionals) return "\"" + argument + "\" is one argument too many";
+        if (positionals.size() == form.positionals)
+            return Refusal("\"" + argument + "\" is one argument too many");
         positionals.push_back(argument);
     }
-    if (const std::string problem = TakePositionals(positionals, form, result); !problem.empty())
-        return problem;
+    if (Refusal refusal = TakePositionals(positionals, form, result)) return refusal;
     return CheckTogether(result);
 }
 

@@ -4,11 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "base/Refusal.h"
+
 namespace corvane {
 
 /// The arguments of nicx-registry, as reg.exe takes them: options are led by "/" or "-", in any case; what
-/// follows
-/// "/v", "/t", "/d" or (with "add") "/s" is taken as it stands.
+/// follows "/v", "/t", "/d" or (with "add") "/s" is taken as it stands.
 struct RegistryArguments {
     enum class Command { kHelp, kVersion, kQuery, kAdd, kDelete, kExport, kImport };
     Command command = Command::kHelp;
@@ -23,7 +24,7 @@ struct RegistryArguments {
     bool force = false;               ///< /f, /y
 };
 
-/// Empty when `arguments` were understood, else what is wrong, in words.
-std::string ParseRegistryArguments(const std::vector<std::string>& arguments, RegistryArguments& result);
+/// Refused when `arguments` are not understood; `result` is then meaningless.
+Refusal ParseRegistryArguments(const std::vector<std::string>& arguments, RegistryArguments& result);
 
 }  // namespace corvane

@@ -8,6 +8,7 @@
 
 #include "base/Text.h"
 #include "platform/CodePage.h"
+#include "platform/RegistryValues.h"
 
 namespace corvane {
 
@@ -39,17 +40,18 @@ std::string Hexadecimal(std::uint64_t number) {
 }
 
 void AppendText(std::vector<std::uint8_t>& data, const std::string& text) {
-    const std::string bytes = ToCodePage(text);
+    const RegistryBytes bytes = TextBytes(text);
     data.insert(data.end(), bytes.begin(), bytes.end());
     data.push_back(0);
 }
 
-std::string MultiFromText(const std::string& text, const std::string& separator, RegistryValue& value) {
+Refusal MultiFromText(const std::string& text, const std::string& separator, RegistryValue& value) {
     std::string_view rest = text;
     while (!rest.empty()) {
         const std::size_t end = rest.find(separator);
         const std::string_view piece = rest.substr(0, end);
-        if (piece.empty()) return "REG_MULTI_SZ cannot hold an empty entry; take the doubled separator out";
+        if (piece.empty())
+            return Refusal("REG_MULTI_SZ cannot hold an empty entry; take the doubled separator out");
         AppendText(value.data, std::string(piece));
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + separator.size());
     }
@@ -58,8 +60,7 @@ std::string MultiFromText(const std::string& text, const std::string& separator,
     return {};
 }
 
-std::string NumberFromText(const std::string& text, std::uint64_t most, std::size_t bytes,
-                           RegistryValue& value) {
+Refusal NumberFromText(const std::string& text, std::uint64_t most, std::size_t bytes, RegistryValue& value) {
     std::string_view digits = text;
     int base = 10;
     if (digits.starts_with("0x") || digits.starts_with("0X")) {
@@ -69,20 +70,21 @@ std::string NumberFromText(const std::string& text, std::uint64_t most, std::siz
     std::uint64_t number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, base);
     if (error != std::errc() || end != digits.data() + digits.size() || number > most) {
-        return "\"" + text + "\" is no number from 0 to " + std::to_string(most) + ", decimal or 0x...";
+        return Refusal("\"" + text + "\" is no number from 0 to " + std::to_string(most) +
+                       ", decimal or 0x...");
     }
     for (std::size_t i = 0; i < bytes; ++i)
         value.data.push_back(static_cast<std::uint8_t>(number >> 8 * i & 0xFFU));
     return {};
 }
 
-std::string BytesFromText(const std::string& text, RegistryValue& value) {
-    const std::string problem = "\"" + text + "\" is not made of pairs of hexadecimal digits";
-    if (text.size() % 2 != 0) return problem;
+Refusal BytesFromText(const std::string& text, RegistryValue& value) {
+    Refusal refusal("\"" + text + "\" is not made of pairs of hexadecimal digits");
+    if (text.size() % 2 != 0) return refusal;
     for (std::size_t i = 0; i < text.size(); i += 2) {
         std::uint8_t byte = 0;
         const auto [end, error] = std::from_chars(text.data() + i, text.data() + i + 2, byte, 16);
-        if (error != std::errc() || end != text.data() + i + 2) return problem;
+        if (error != std::errc() || end != text.data() + i + 2) return refusal;
         value.data.push_back(byte);
     }
     return {};
@@ -97,13 +99,11 @@ std::string RegistryTypeName(std::uint32_t type) {
     return "REG_TYPE(" + Hexadecimal(type) + ")";
 }
 
-bool RegistryTypeFromName(const std::string& name, std::uint32_t& type) {
+std::optional<std::uint32_t> RegistryTypeFromName(const std::string& name) {
     for (const auto& [number, known] : kTypes) {
-        if (known != name) continue;
-        type = number;
-        return true;
+        if (known == name) return number;
     }
-    return false;
+    return std::nullopt;
 }
 
 std::string RegistryDataText(const RegistryValue& value) {
@@ -128,8 +128,8 @@ std::string RegistryDataText(const RegistryValue& value) {
     return text;
 }
 
-std::string RegistryDataFromText(std::uint32_t type, const std::string& text, const std::string& separator,
-                                 RegistryValue& value) {
+Refusal RegistryDataFromText(std::uint32_t type, const std::string& text, const std::string& separator,
+                             RegistryValue& value) {
     value = {type, {}};
     switch (type) {
         case kRegSz:
@@ -146,7 +146,7 @@ std::string RegistryDataFromText(std::uint32_t type, const std::string& text, co
         case kRegBinary:
             return BytesFromText(text, value);
         default:
-            return "values of this type cannot be typed; import them from a file";
+            return Refusal("values of this type cannot be typed; import them from a file");
     }
 }
 

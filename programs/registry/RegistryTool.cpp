@@ -2,9 +2,11 @@
 
 #include <filesystem>
 #include <istream>
+#include <optional>
 #include <ostream>
 #include <system_error>
 
+#include "base/Refusal.h"
 #include "base/Text.h"
 #include "platform/Files.h"
 #include "platform/linux/registry/RegFile.h"
@@ -48,13 +50,12 @@ std::string Below(const std::string& key, const std::string& name) {
 
 std::string ShownName(const std::string& name) { return name.empty() ? "(Default)" : name; }
 
-/// Leaves the part of a typed key that is below the root; empty, or what is wrong.
-std::string TakeRootOff(std::string& key) {
+/// Leaves the part of a typed key that is below the root.
+Refusal TakeRootOff(std::string& key) {
     if (key.empty()) return {};
-    const std::string typed = key;
-    if (!StripRoot(typed, key)) {
-        return "\"" + typed + "\" is no key: keys start with HKLM or HKEY_LOCAL_MACHINE";
-    }
+    const std::optional<std::string> subkey = StripRoot(key);
+    if (!subkey) return Refusal("\"" + key + "\" is no key: keys start with HKLM or HKEY_LOCAL_MACHINE");
+    key = *subkey;
     while (key.ends_with('\\')) key.pop_back();
     return {};
 }
@@ -215,19 +216,19 @@ class Tool {
 
     int AddKey() { return Done(store_.CreateKey(kHkeyLocalMachine, arguments_.key)); }
 
+    /// What /t and /d say.
+    Refusal TypedValue(RegistryValue& value) const {
+        const std::optional<std::uint32_t> type =
+            arguments_.type ? RegistryTypeFromName(*arguments_.type) : kRegSz;
+        if (!type) return Refusal("unknown type \"" + *arguments_.type + "\"");
+        return RegistryDataFromText(*type, arguments_.data.value_or(""), arguments_.separator, value);
+    }
+
     int AddValue() {
         RegistryStore::Change change{
             RegistryStore::Change::Kind::kSetValue, arguments_.key, *arguments_.name, {}};
-        std::uint32_t type = kRegSz;
-        std::string problem;
-        if (arguments_.type && !RegistryTypeFromName(*arguments_.type, type)) {
-            problem = "unknown type \"" + *arguments_.type + "\"";
-        } else {
-            problem =
-                RegistryDataFromText(type, arguments_.data.value_or(""), arguments_.separator, change.value);
-        }
-        if (!problem.empty()) {
-            Fail(problem);
+        if (const Refusal refusal = TypedValue(change.value)) {
+            Fail(refusal.Words());
             return kRegistryToolWrongArguments;
         }
         const RegistryRead old = store_.ReadValue(kHkeyLocalMachine, arguments_.key, *arguments_.name);
@@ -338,10 +339,10 @@ class Tool {
 int RunRegistryTool(const std::vector<std::string>& arguments, const std::function<RegistryStore&()>& store,
                     RegistryConsole& console) {
     RegistryArguments parsed;
-    std::string problem = ParseRegistryArguments(arguments, parsed);
-    if (problem.empty()) problem = TakeRootOff(parsed.key);
-    if (!problem.empty()) {
-        console.err << "nicx-registry: " << problem << "\nTry 'nicx-registry --help'.\n";
+    Refusal refusal = ParseRegistryArguments(arguments, parsed);
+    if (!refusal) refusal = TakeRootOff(parsed.key);
+    if (refusal) {
+        console.err << "nicx-registry: " << refusal.Words() << "\nTry 'nicx-registry --help'.\n";
         return kRegistryToolWrongArguments;
     }
     if (parsed.command == RegistryArguments::Command::kHelp) {

@@ -305,13 +305,11 @@ TEST(Utf16, ReplacesWhatIsInvalid) {
 }
 
 TEST(StripRoot, TakesBothNamesInAnyCase) {
-    std::string subkey = "former";
-    EXPECT_TRUE(StripRoot("hklm\\A\\B", subkey));
-    EXPECT_EQ(subkey, "A\\B");
-    EXPECT_TRUE(StripRoot("HKEY_Local_Machine", subkey));
-    EXPECT_EQ(subkey, "");
-    EXPECT_FALSE(StripRoot("HKCU\\A", subkey));
-    EXPECT_FALSE(StripRoot("", subkey));
+    EXPECT_EQ(StripRoot("hklm\\A\\B"), "A\\B");
+    EXPECT_EQ(StripRoot("HKEY_Local_Machine"), "");
+    EXPECT_EQ(StripRoot("HKLM\\"), "");
+    EXPECT_EQ(StripRoot("HKCU\\A"), std::nullopt);
+    EXPECT_EQ(StripRoot(""), std::nullopt);
 }
 
 }  // namespace

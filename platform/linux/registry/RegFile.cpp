@@ -7,6 +7,7 @@
 #include "base/Text.h"
 #include "base/Utf8.h"
 #include "platform/CodePage.h"
+#include "platform/RegistryValues.h"
 #include "platform/linux/registry/Utf16.h"
 
 namespace corvane {
@@ -47,8 +48,6 @@ std::optional<std::uint32_t> HexNumber(std::string_view text, std::size_t mostDi
     }
     return number;
 }
-
-std::vector<std::uint8_t> BytesOf(const std::string& text) { return {text.begin(), text.end()}; }
 
 /// The file's text as UTF-8, or what keeps it from being read.
 std::optional<std::string> DecodeFile(std::string_view bytes, std::string& text) {
@@ -123,10 +122,12 @@ class Parser {
         line = line.substr(1, line.size() - 2);
         const bool remove = line.starts_with('-');
         if (remove) line.remove_prefix(1);
-        if (!StripRoot(line, key_)) {
+        const std::optional<std::string> subkey = StripRoot(line);
+        if (!subkey) {
             return "the key does not start with \"" + std::string(kLocalMachine) +
                    "\", the only root that is kept";
         }
+        key_ = *subkey;
         if (remove && Without(key_, '\\').empty()) return "the root itself cannot be deleted";
         inKey_ = !remove;
         changes_.push_back({remove ? Kind::kDeleteKey : Kind::kCreateKey, key_, {}, {}});
@@ -153,8 +154,7 @@ class Parser {
             std::string text;
             problem = Quoted(line, text);
             if (!problem) problem = NothingBehind(line);
-            change.value = {kRegSz, BytesOf(ToCodePage(text))};
-            change.value.data.push_back(0);
+            change.value = TextValue(text);
         } else if (line.starts_with('-')) {
             change.kind = Kind::kDeleteValue;
             problem = NothingBehind(line.substr(1));
@@ -248,7 +248,7 @@ class Parser {
         if (version4_ || !IsText(value.type)) return std::nullopt;
         if (value.data.size() % 2 != 0) return "UTF-16 text has an odd number of bytes";
         const std::string utf16(value.data.begin(), value.data.end());
-        value.data = BytesOf(ToCodePage(Utf8FromUtf16Le(utf16)));
+        value.data = TextBytes(Utf8FromUtf16Le(utf16));
         return std::nullopt;
     }
 
@@ -305,7 +305,7 @@ class Printer {
     void Value(const std::string& name, const RegistryValue& value) {
         const std::string bytes(value.data.begin(), value.data.end());
         if (CanQuote(value)) {
-            Line(name + "=\"" + Escaped(FromCodePage(bytes.substr(0, bytes.size() - 1))) + "\"");
+            Line(name + "=\"" + Escaped(TextBeforeLastByte(value.data)) + "\"");
         } else if (value.type == kRegDword && value.data.size() == 4) {
             std::string line = name + "=dword:";
             for (std::size_t i = 4; i > 0; --i) line += LowerHex(value.data[i - 1]);
@@ -359,12 +359,11 @@ RegFileText PrintRegFile(const std::vector<RegFileKey>& keys) {
     return printer.Finish();
 }
 
-bool StripRoot(std::string_view fullName, std::string& subkey) {
+std::optional<std::string> StripRoot(std::string_view fullName) {
     const std::size_t end = std::min(fullName.find('\\'), fullName.size());
     const std::string root = ToUpper(fullName.substr(0, end));
-    if (root != kLocalMachine && root != "HKLM") return false;
-    subkey = fullName.substr(std::min(end + 1, fullName.size()));
-    return true;
+    if (root != kLocalMachine && root != "HKLM") return std::nullopt;
+    return std::string(fullName.substr(std::min(end + 1, fullName.size())));
 }
 
 }  // namespace corvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,7 +46,7 @@ struct RegFileText {
 RegFileText PrintRegFile(const std::vector<RegFileKey>& keys);
 
 /// Takes the root off a full key name: "HKLM" or "HKEY_LOCAL_MACHINE", in any case, alone or followed by "\".
-/// False when the name starts with something else.
-bool StripRoot(std::string_view fullName, std::string& subkey);
+/// Nothing when the name starts with something else.
+std::optional<std::string> StripRoot(std::string_view fullName);
 
 }  // namespace corvane
