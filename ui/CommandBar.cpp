@@ -41,7 +41,7 @@ wxButton* CommandBar::Add(int id, const std::string& caption, const std::string&
 
 void CommandBar::Update(const Details& details, const CommandStates& states) {
     SetCaption(enable_, details.enableButton);
-    enable_->SetBitmap(Icon(details.mnuEnable == kEnableCaption ? "enable" : "disable"));
+    enable_->SetBitmap(Icon(details.enables ? "enable" : "disable"));
     SetCaption(command7_, details.mnuEnableDHCP);
     changeMac_->Enable(states.changeMac);
     enable_->Enable(states.enable);

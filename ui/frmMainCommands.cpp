@@ -38,11 +38,11 @@ void frmMain::BindCommands() {
     for (const int id : {mnuAboutUs, mnuRAboutUs}) BindCommand(id, [this] { ShowAbout(); });
     BindConnectionCommand(mnuChangeMAC, [this](std::size_t adapter) { OpenChangeMacPanel(adapter); });
     BindConnectionCommand(mnuEnable,
-                          [this](std::size_t adapter) { EnableOrDisable(adapter, details_.mnuEnable); });
+                          [this](std::size_t adapter) { EnableOrDisable(adapter, details_.enables); });
     BindConnectionCommand(mnuEnableDHCP, [this](std::size_t adapter) {
         commandBar_->EnableDhcpButton(false);
         GetMenuBar()->Enable(mnuEnableDHCP, false);
-        SwitchDhcp(adapter, details_.mnuEnableDHCP == kEnableDhcpCaption);
+        SwitchDhcp(adapter, details_.switchesDhcpOn);
     });
     BindTcpip();
     BindPresets();

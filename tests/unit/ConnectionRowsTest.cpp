@@ -100,15 +100,23 @@ TEST_F(ConnectionRowsTest, OfARecordAreItsNameAndFourSubItems) {
 TEST_F(ConnectionRowsTest, LeaveOutRecordsWithoutNameAndKeepRecordNumbers) {
     Nics = {NicRecord("{A}", "", "0001"), NicRecord("{B}", "eth1", "0002"), NicRecord("{C}", "", "0003"),
             NicRecord("{D}", "eth3", "0004")};
-    EXPECT_THAT(ConnectionRows(), ElementsAre(ConnectionRow{{"eth1", "No", "", "", "Disabled"}, 1},
-                                              ConnectionRow{{"eth3", "No", "", "", "Disabled"}, 3}));
+    EXPECT_THAT(ConnectionRows(), ElementsAre(ConnectionRow{{"eth1", "No", "", "", ""}, 1},
+                                              ConnectionRow{{"eth3", "No", "", "", ""}, 3}));
 }
 
-TEST_F(ConnectionRowsTest, SetAnEmptySpeedInTheRecordsThatAreListed) {
-    Nics = {NicRecord("{A}", "", "0001"), NicRecord("{B}", "eth1", "0002")};
+TEST_F(ConnectionRowsTest, ChangeNoRecord) {
+    Nics = {NicRecord("{A}", "eth0", "0001")};
     EXPECT_THAT(ConnectionRows(), SizeIs(1));
     EXPECT_EQ(Nics[0].Speed, "");
-    EXPECT_EQ(Nics[1].Speed, "Disabled");
+}
+
+TEST_F(ConnectionRowsTest, ShowTheSpeedThatWasNamedForRecordsWithoutOne) {
+    Nics = {NicRecord("{A}", "", "0001"), NicRecord("{B}", "eth1", "0002"), NicRecord("{C}", "eth2", "0003")};
+    Nics[2].Speed = "1 Gbps";
+    NameMissingSpeeds();
+    EXPECT_EQ(Nics[0].Speed, "");
+    EXPECT_THAT(ConnectionRows(), ElementsAre(ConnectionRow{{"eth1", "No", "", "", "Disabled"}, 1},
+                                              ConnectionRow{{"eth2", "No", "", "", "1 Gbps"}, 2}));
 }
 
 TEST_F(ConnectionRowsTest, OfADisabledAdapterWithASavedOriginal) {
@@ -116,6 +124,7 @@ TEST_F(ConnectionRowsTest, OfADisabledAdapterWithASavedOriginal) {
     nic.OriginalNetworkAddress = kMac;
     nic.Status = "Disabled";
     Nics = {nic};
+    NameMissingSpeeds();
     EXPECT_THAT(ConnectionRows(),
                 ElementsAre(ConnectionRow{{"eth0", "No", kMac, "Disabled", "Disabled"}, 0}));
 }

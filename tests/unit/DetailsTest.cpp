@@ -77,9 +77,9 @@ TEST(ClearedDetails, AreEmptyOtherwise) {
     EXPECT_THAT(cleared.ListDNS, IsEmpty());
 }
 
-TEST(ClearedDetails, MeanEnablingByTheirCaptions) {
-    EXPECT_EQ(Details().mnuEnable, kEnableCaption);
-    EXPECT_EQ(Details().mnuEnableDHCP, kEnableDhcpCaption);
+TEST(ClearedDetails, MeanEnabling) {
+    EXPECT_TRUE(Details().enables);
+    EXPECT_TRUE(Details().switchesDhcpOn);
 }
 
 // ---- the filled panel
@@ -106,6 +106,8 @@ TEST(FilledDetails, OfALiveDhcpAdapterInFull) {
     expected.enableButton = "&Disable";
     expected.mnuEnable = "&Disable Network Connection";
     expected.mnuEnableDHCP = "Disable DHC&P";
+    expected.enables = false;
+    expected.switchesDhcpOn = false;
     expected.headerIP = "IP Address (2)";
     expected.headerGateway = "Gateway (1)";
     expected.headerDNS = "DNS Server (3)";
@@ -128,6 +130,7 @@ TEST(FilledDetails, OfAnAdapterThatIsNotLiveOfferEnabling) {
     const Details filled = FillDetails(nic);
     EXPECT_EQ(filled.enableButton, "&Enable");
     EXPECT_EQ(filled.mnuEnable, "&Enable Network Connection");
+    EXPECT_TRUE(filled.enables);
 }
 
 TEST(FilledDetails, OfADisabledAdapterWithASavedOriginal) {
@@ -160,6 +163,7 @@ TEST(FilledDetails, WithoutTcpipSayDisabledWhateverTheRecordKnowsOfDhcp) {
     EXPECT_EQ(filled.labLeaseObtained, "DHCP Disabled");
     EXPECT_EQ(filled.labLeaseExpires, "DHCP Disabled");
     EXPECT_EQ(filled.mnuEnableDHCP, "Enable DHC&P");
+    EXPECT_TRUE(filled.switchesDhcpOn);
 }
 
 TEST(FilledDetails, WithoutTcpipStillListAddressesGatewaysAndServers) {
@@ -180,6 +184,7 @@ TEST(FilledDetails, WithDhcpOffHaveNoLease) {
     EXPECT_EQ(filled.labLeaseObtained, "DHCP Disabled");
     EXPECT_EQ(filled.labLeaseExpires, "DHCP Disabled");
     EXPECT_EQ(filled.mnuEnableDHCP, "Enable DHC&P");
+    EXPECT_TRUE(filled.switchesDhcpOn);
 }
 
 TEST(FilledDetails, ShowEmptyLeaseTimesOfALeaseNotYetObtained) {

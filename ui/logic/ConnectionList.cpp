@@ -38,12 +38,17 @@ std::string ListMacText(const NicInfo& nic) {
     return nic.NetworkAddress.empty() ? nic.OriginalNetworkAddress : nic.NetworkAddress;
 }
 
+void NameMissingSpeeds() {
+    for (NicInfo& nic : Nics) {
+        if (!nic.Name.empty() && nic.Speed.empty()) nic.Speed = "Disabled";
+    }
+}
+
 std::vector<ConnectionRow> ConnectionRows() {
     std::vector<ConnectionRow> rows;
     for (std::size_t i = 0; i < Nics.size(); ++i) {
-        NicInfo& nic = Nics[i];
+        const NicInfo& nic = Nics[i];
         if (nic.Name.empty()) continue;
-        if (nic.Speed.empty()) nic.Speed = "Disabled";
         rows.push_back({{nic.Name, ChangedText(nic), ListMacText(nic), nic.Status, nic.Speed}, i});
     }
     if (rows.empty()) rows.push_back(TextRow(kNoConnections));
@@ -55,6 +60,7 @@ void ConnectionList::Refresh() {
     rows_.clear();
     selected_.reset();
     RefreshNicInfo();
+    NameMissingSpeeds();
     rows_ = ConnectionRows();
     view_.ShowRows(rows_);
     view_.ShowDetails(Details());

@@ -35,8 +35,10 @@ std::string ChangedText(const NicInfo& nic);
 /// The address that the list shows: the current one, else the override, else the original one.
 std::string ListMacText(const NicInfo& nic);
 
-/// The rows of Nics: one for each record with a name, or kNoConnections when there is none. A record that
-/// gets a row and has no speed gets the speed "Disabled" in Nics itself.
+/// Gives each record of Nics that has a name but no speed the speed "Disabled", for all that show it.
+void NameMissingSpeeds();
+
+/// The rows of Nics: one for each record with a name, or kNoConnections when there is none.
 std::vector<ConnectionRow> ConnectionRows();
 
 /// The window's side of the list.

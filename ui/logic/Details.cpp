@@ -16,7 +16,8 @@ void FillTcpip(Details& details, const NicInfo& nic) {
     details.labDHCP = dhcp ? kEnabled : kDisabled;
     details.labLeaseObtained = dhcp ? nic.LeaseObtained : kDhcpDisabled;
     details.labLeaseExpires = dhcp ? nic.LeaseTerminates : kDhcpDisabled;
-    details.mnuEnableDHCP = dhcp ? "Disable DHC&P" : kEnableDhcpCaption;
+    details.switchesDhcpOn = !dhcp;
+    details.mnuEnableDHCP = dhcp ? "Disable DHC&P" : "Enable DHC&P";
 }
 
 }  // namespace
@@ -54,8 +55,9 @@ std::string ManufacturerText(const NicInfo& nic) {
 Details FillDetails(const NicInfo& nic) {
     Details details;
     const bool live = nic.IfIndex != 0;
+    details.enables = !live;
     details.enableButton = live ? "&Disable" : "&Enable";
-    details.mnuEnable = live ? "&Disable Network Connection" : kEnableCaption;
+    details.mnuEnable = live ? "&Disable Network Connection" : "&Enable Network Connection";
     details.txtConnName = nic.Name;
     details.txtDevName = nic.DriverDesc;
     details.txtHardID = nic.ComponentId;

@@ -41,6 +41,8 @@ struct Details {
     std::string labRecv = "0 Bytes";
     std::string labSentSpeed = "0 Bytes/s";
     std::string labRecvSpeed = "0 Bytes/s";
+    bool enables = true;         ///< The enable command enables the connection; else it disables it.
+    bool switchesDhcpOn = true;  ///< The DHCP command switches DHCP on; else off.
     std::string enableButton = "&Enable";
     std::string mnuEnable = "&Enable Network Connection";
     std::string mnuEnableDHCP = "Enable DHC&P";  ///< Command7 has the same caption.
@@ -53,11 +55,6 @@ struct Details {
 
     bool operator==(const Details&) const = default;
 };
-
-/// Caption of mnuEnable that means enabling; any other means disabling.
-inline constexpr char kEnableCaption[] = "&Enable Network Connection";
-/// Caption of mnuEnableDHCP that means switching DHCP on; any other means off.
-inline constexpr char kEnableDhcpCaption[] = "Enable DHC&P";
 
 /// Titles of the first columns of the panel's own lists, without the number of rows.
 inline constexpr char kIpTitle[] = "IP Address";

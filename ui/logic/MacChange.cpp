@@ -1,12 +1,14 @@
 #include "ui/logic/MacChange.h"
 
+#include <cstdint>
+#include <string>
+
 #include "inventory/NicInfo.h"
 #include "mac/RestartConnection.h"
 #include "mac/SetConnectionState.h"
 #include "mac/WriteNetworkAddress.h"
 #include "platform/Platform.h"
 #include "platform/Seat.h"
-#include "ui/logic/Details.h"
 #include "ui/logic/MacEntry.h"
 
 namespace corvane {
@@ -100,9 +102,8 @@ void OriginalMac(std::size_t adapter, MacBoxesView& boxes, VendorBoxView& vendor
     ChangeNow(adapter, boxes, panel);
 }
 
-void EnableOrDisable(std::size_t adapter, const std::string& caption) {
+void EnableOrDisable(std::size_t adapter, bool enable) {
     static constexpr std::uint32_t kWaitMilliseconds = 5000;
-    const bool enable = caption == kEnableCaption;
     // A copy: the folder dialog may read the adapters anew.
     const std::string name = Nics.at(adapter).Name;
     Seat& seat = CurrentSeat();

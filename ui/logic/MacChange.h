@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 
 #include "ui/logic/VendorEntry.h"
 
@@ -29,7 +28,7 @@ void ChangeNow(std::size_t adapter, MacBoxesView& boxes, ChangeMacView& panel);
 /// `Command10`, "&Original MAC": empties the boxes and the vendor text and does as ChangeNow.
 void OriginalMac(std::size_t adapter, MacBoxesView& boxes, VendorBoxView& vendorList, ChangeMacView& panel);
 
-/// `mnuEnable`: enables the connection when the command's caption is kEnableCaption, else disables it.
-void EnableOrDisable(std::size_t adapter, const std::string& caption);
+/// `mnuEnable`: enables or disables the connection.
+void EnableOrDisable(std::size_t adapter, bool enable);
 
 }  // namespace corvane
