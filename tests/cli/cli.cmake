@@ -1,3 +1,3 @@
-# What the programs say, against golden texts (golden/*.txt; CORVANE_REGENERATE=1 in the environment writes them anew).
+# What the programs say, against golden texts (golden/*.txt; scripts/golden writes them anew).
 corvane_python_tests(NAME cli FILE ${CMAKE_CURRENT_LIST_DIR}/command_line_test.py NETNS)
 corvane_python_tests(NAME cli_report FILE ${CMAKE_CURRENT_LIST_DIR}/report_test.py NETNS)

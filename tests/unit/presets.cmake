@@ -10,3 +10,4 @@ corvane_test(NAME presets_disk_test SOURCES unit/PresetsDiskTest.cpp LIBS corvan
 add_test(NAME presets_oracle_test
     COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/unit/presets_oracle.py check
         ${CMAKE_CURRENT_SOURCE_DIR}/data/presets)
+set_tests_properties(presets_oracle_test PROPERTIES LABELS unit)
