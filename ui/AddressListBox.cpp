@@ -8,13 +8,12 @@
 
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
+#include "ui/Spacing.h"
 #include "ui/WxText.h"
 
 namespace corvane {
 
 namespace {
-
-constexpr int kGap = 4;
 
 std::vector<ListColumn> Columns(const AddressListKind& kind) {
     std::vector<ListColumn> columns{{kind.name, 18}};
@@ -30,7 +29,7 @@ AddressListBox::AddressListBox(wxWindow* parent, AddressListHost& host, const Ad
       list_(RowList::Make(parent, *this, kind.name, Columns(kind), false)),
       sizer_(new wxBoxSizer(wxVERTICAL)) {
     list_->SetVisibleRows(kind.visibleRows);
-    auto* const grid = new wxGridSizer(kind.upCommand == 0 ? 1 : 2, kGap, kGap);
+    auto* const grid = new wxGridSizer(kind.upCommand == 0 ? 1 : 2, kTightGap, kTightGap);
     AddButton(parent, grid, kind.addCommand, "add", kind.addTip);
     if (kind.upCommand != 0) AddButton(parent, grid, kind.upCommand, "up", "One up DNS Server priority");
     AddButton(parent, grid, kind.removeCommand, "remove", kind.removeTip);
@@ -38,7 +37,7 @@ AddressListBox::AddressListBox(wxWindow* parent, AddressListHost& host, const Ad
         AddButton(parent, grid, kind.downCommand, "down", "One down DNS Server priority");
     }
     auto* const row = new wxBoxSizer(wxHORIZONTAL);
-    row->Add(&list_->Window(), 1, wxEXPAND | wxRIGHT, kGap);
+    row->Add(&list_->Window(), 1, wxEXPAND | wxRIGHT, kTightGap);
     row->Add(grid);
     sizer_->Add(row, 1, wxEXPAND);
     BindKeys();
@@ -59,7 +58,7 @@ wxButton* AddressListBox::AddButton(wxWindow* parent, wxSizer* sizer, int comman
 }
 
 void AddressListBox::AddPanel(EntryPanel* panel) {
-    sizer_->Add(panel, 0, wxEXPAND | wxTOP | wxBOTTOM, 2 * kGap);
+    sizer_->Add(panel, 0, wxEXPAND | wxTOP | wxBOTTOM, 2 * kTightGap);
     // Right behind the list's own controls in the tab order.
     panel->MoveAfterInTabOrder(buttons_.back());
 }

@@ -8,6 +8,7 @@
 
 #include "ui/Desktop.h"
 #include "ui/IPAddress.h"
+#include "ui/Spacing.h"
 #include "ui/TextBox.h"
 #include "ui/WxText.h"
 
@@ -15,7 +16,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int kGap = 6;
 constexpr int kNoteCharacters = 40;
 
 /// A box for a number of up to `digits` digits, whose whole text is selected when it gets the focus.

@@ -12,15 +12,10 @@
 #include "ui/Icons.h"
 #include "ui/MacBoxRow.h"
 #include "ui/PanelHosts.h"
+#include "ui/Spacing.h"
 #include "ui/WxText.h"
 
 namespace corvane {
-
-namespace {
-
-constexpr int kGap = 6;
-
-}  // namespace
 
 ChangeMacPanel::ChangeMacPanel(wxWindow* parent, WindowHost& window, DetailsHost& details)
     : wxPanel(parent),

@@ -10,17 +10,12 @@
 #include "ui/Desktop.h"
 #include "ui/Facts.h"
 #include "ui/PresetsPanel.h"
+#include "ui/Spacing.h"
 #include "ui/TcpipPanel.h"
 #include "ui/TrafficGraph.h"
 #include "ui/WxText.h"
 
 namespace corvane {
-
-namespace {
-
-constexpr int kGap = 6;
-
-}  // namespace
 
 DetailsPanel::DetailsPanel(wxWindow* parent, WindowHost& window)
     : wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,

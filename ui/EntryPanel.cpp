@@ -5,15 +5,10 @@
 #include <wx/stattext.h>
 
 #include "ui/Icons.h"
+#include "ui/Spacing.h"
 #include "ui/WxText.h"
 
 namespace corvane {
-
-namespace {
-
-constexpr int kGap = 6;
-
-}  // namespace
 
 EntryPanel::EntryPanel(wxWindow* parent, EntryPanelHost& host, const std::string& caption,
                        const std::string& addLabel)

@@ -11,6 +11,7 @@
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
 #include "ui/MacBoxRow.h"
+#include "ui/Spacing.h"
 #include "ui/TextBox.h"
 #include "ui/logic/MacEntry.h"
 
@@ -18,7 +19,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int kGap = 6;
 constexpr int kFirstBox = 6;
 
 }  // namespace

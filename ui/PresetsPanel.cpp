@@ -8,13 +8,13 @@
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
 #include "ui/PanelHosts.h"
+#include "ui/Spacing.h"
 #include "ui/WxText.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr int kGap = 4;
 constexpr int kVisibleRows = 3;
 
 }  // namespace
@@ -39,9 +39,9 @@ PresetsPanel::PresetsPanel(wxWindow* parent, WindowHost& window, DetailsHost& de
     });
     auto* const buttons = new wxBoxSizer(wxVERTICAL);
     for (wxButton* const button : {command20_, edit_, command22_})
-        buttons->Add(button, 0, wxEXPAND | wxBOTTOM, kGap);
+        buttons->Add(button, 0, wxEXPAND | wxBOTTOM, kTightGap);
     auto* const sizer = new wxBoxSizer(wxHORIZONTAL);
-    sizer->Add(&presetsList_->Window(), 1, wxEXPAND | wxRIGHT, kGap);
+    sizer->Add(&presetsList_->Window(), 1, wxEXPAND | wxRIGHT, kTightGap);
     sizer->Add(buttons);
     SetSizer(sizer);
     RefreshList();

@@ -12,13 +12,12 @@
 #include "ui/Facts.h"
 #include "ui/MainMenu.h"
 #include "ui/PanelHosts.h"
+#include "ui/Spacing.h"
 #include "ui/WxText.h"
 
 namespace corvane {
 
 namespace {
-
-constexpr int kGap = 6;
 
 constexpr AddressListKind kIpList{.name = kIpTitle,
                                   .second = "Subnet Mask",

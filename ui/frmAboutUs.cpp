@@ -10,6 +10,7 @@
 
 #include "ui/Desktop.h"
 #include "ui/ProgramPicture.h"
+#include "ui/Spacing.h"
 #include "ui/WxText.h"
 #include "ui/logic/Maker.h"
 #include "ui/logic/OpenPages.h"
@@ -17,8 +18,6 @@
 namespace corvane {
 
 namespace {
-
-constexpr int kGap = 10;
 
 /// A label that looks and works like a link; opened by `open`, so that every page goes the same way.
 wxWindow* Link(wxWindow* parent, const wxString& label, void (*open)()) {
@@ -61,7 +60,7 @@ frmAboutUs::frmAboutUs(wxWindow* parent, const std::string& osDescription)
     auto* const system = new wxStaticText(this, wxID_ANY, "");
     system->SetLabelText(Wx("System: " + osDescription));
     auto* const links = new wxBoxSizer(wxHORIZONTAL);
-    links->Add(Link(this, kMakerWebsite, OpenWebsite), 0, wxRIGHT, 2 * kGap);
+    links->Add(Link(this, kMakerWebsite, OpenWebsite), 0, wxRIGHT, 2 * kWideGap);
     links->Add(Link(this, kMakerMail, OpenMail));
     auto* const disclaimer = new wxTextCtrl(this, wxID_ANY, Wx(kDisclaimer), wxDefaultPosition, wxDefaultSize,
                                             wxTE_MULTILINE | wxTE_READONLY);
@@ -70,11 +69,11 @@ frmAboutUs::frmAboutUs(wxWindow* parent, const std::string& osDescription)
     auto* const close = new wxButton(this, wxID_CANCEL, "&Close");
 
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
-    sizer->Add(picture, 0, wxALIGN_CENTER | wxALL, kGap);
-    sizer->Add(system, 0, wxLEFT | wxRIGHT, kGap);
-    sizer->Add(links, 0, wxALL, kGap);
-    sizer->Add(disclaimer, 1, wxEXPAND | wxLEFT | wxRIGHT, kGap);
-    sizer->Add(close, 0, wxALIGN_RIGHT | wxALL, kGap);
+    sizer->Add(picture, 0, wxALIGN_CENTER | wxALL, kWideGap);
+    sizer->Add(system, 0, wxLEFT | wxRIGHT, kWideGap);
+    sizer->Add(links, 0, wxALL, kWideGap);
+    sizer->Add(disclaimer, 1, wxEXPAND | wxLEFT | wxRIGHT, kWideGap);
+    sizer->Add(close, 0, wxALIGN_RIGHT | wxALL, kWideGap);
     SetSizerAndFit(sizer);
     close->SetDefault();
     close->SetFocus();

@@ -6,15 +6,10 @@
 #include <wx/stattext.h>
 
 #include "ui/Desktop.h"
+#include "ui/Spacing.h"
 #include "ui/WxText.h"
 
 namespace corvane {
-
-namespace {
-
-constexpr int kGap = 10;
-
-}  // namespace
 
 frmBrowseNetFolder::frmBrowseNetFolder(wxWindow* parent, const std::string& title, const std::string& heading,
                                        const std::string& instruction, const std::vector<std::string>& names)
@@ -31,13 +26,13 @@ frmBrowseNetFolder::frmBrowseNetFolder(wxWindow* parent, const std::string& titl
     auto* const command2 = new wxButton(this, wxID_CANCEL, "&Cancel");
 
     auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
-    buttons->Add(command1, 0, wxRIGHT, kGap);
+    buttons->Add(command1, 0, wxRIGHT, kWideGap);
     buttons->Add(command2);
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
-    sizer->Add(text, 0, wxALL, kGap);
-    sizer->Add(label, 0, wxLEFT | wxRIGHT, kGap);
-    sizer->Add(list1_, 1, wxEXPAND | wxALL, kGap);
-    sizer->Add(buttons, 0, wxALIGN_RIGHT | wxLEFT | wxRIGHT | wxBOTTOM, kGap);
+    sizer->Add(text, 0, wxALL, kWideGap);
+    sizer->Add(label, 0, wxLEFT | wxRIGHT, kWideGap);
+    sizer->Add(list1_, 1, wxEXPAND | wxALL, kWideGap);
+    sizer->Add(buttons, 0, wxALIGN_RIGHT | wxLEFT | wxRIGHT | wxBOTTOM, kWideGap);
     SetSizerAndFit(sizer);
     CentreOnParent();
     command1->SetDefault();

@@ -21,6 +21,7 @@
 #include "ui/FactText.h"
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
+#include "ui/Spacing.h"
 #include "ui/TcpipPanel.h"
 #include "ui/VendorBox.h"
 #include "ui/WxText.h"
@@ -30,7 +31,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int kGap = 6;
 /// Events of one change come in groups; a refresh waits for the rest of the group.
 constexpr int kSettleMilliseconds = 200;
 /// The list's part of the height.

@@ -66,20 +66,20 @@ class Tool {
         : arguments_(arguments), store_(store), console_(console) {}
 
     int Run() {
-        using Command = RegistryArguments::Command;
+        using Verb = RegistryArguments::Command;
         switch (arguments_.command) {
-            case Command::kQuery:
+            case Verb::kQuery:
                 return arguments_.name ? QueryValue() : QueryKey();
-            case Command::kAdd:
+            case Verb::kAdd:
                 return arguments_.name ? AddValue() : AddKey();
-            case Command::kDelete:
+            case Verb::kDelete:
                 return Delete();
-            case Command::kExport:
+            case Verb::kExport:
                 return Export();
-            case Command::kImport:
+            case Verb::kImport:
                 return Import();
-            case Command::kHelp:
-            case Command::kVersion:
+            case Verb::kHelp:
+            case Verb::kVersion:
                 break;
         }
         return kRegistryToolWrongArguments;

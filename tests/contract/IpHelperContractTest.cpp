@@ -34,9 +34,9 @@ class FakeIpWorld : public contract::IpHelperWorld {
     FakeIpHelper helper_;
 };
 
-using World = contract::NamedWorld<contract::IpHelperWorld>;
+using IpHelperCase = contract::NamedWorld<contract::IpHelperWorld>;
 
-class IpHelperContract : public testing::TestWithParam<World> {
+class IpHelperContract : public testing::TestWithParam<IpHelperCase> {
  protected:
     IpHelperApi& Api() { return world_->Api(); }
     std::uint32_t Live() { return world_->Live(); }

@@ -28,9 +28,9 @@ class FakeRegistryWorld : public contract::RegistryWorld {
     std::shared_ptr<RegistryApi> registry_ = std::make_shared<FakeRegistry>();
 };
 
-using World = contract::NamedWorld<contract::RegistryWorld>;
+using RegistryCase = contract::NamedWorld<contract::RegistryWorld>;
 
-class RegistryContract : public testing::TestWithParam<World> {
+class RegistryContract : public testing::TestWithParam<RegistryCase> {
  protected:
     RegistryContract() { EXPECT_EQ(registry_->CreateKey(kRoot, "SOFTWARE\\Test"), Win32Error::kSuccess); }
 

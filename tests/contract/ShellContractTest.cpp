@@ -20,9 +20,9 @@ class FakeShellWorld : public contract::ShellWorld {
     FakeShell shell_;
 };
 
-using World = contract::NamedWorld<contract::ShellWorld>;
+using ShellCase = contract::NamedWorld<contract::ShellWorld>;
 
-class ShellContract : public testing::TestWithParam<World> {
+class ShellContract : public testing::TestWithParam<ShellCase> {
  protected:
     ShellApi& Api() { return world_->Api(); }
 

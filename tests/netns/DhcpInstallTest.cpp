@@ -15,9 +15,6 @@
 namespace corvane::netns {
 namespace {
 
-constexpr char kResolvConf[] = "/etc/resolv.conf";
-constexpr char kOriginal[] = "nameserver 192.0.2.53\n";
-
 class DhcpInstall : public DhcpFixture {
  protected:
     void SetUp() override {

@@ -22,9 +22,6 @@
 namespace corvane::netns {
 namespace {
 
-constexpr char kResolvConf[] = "/etc/resolv.conf";
-constexpr char kOriginal[] = "nameserver 192.0.2.53\n";
-
 class Dhcp : public DhcpFixture {
  protected:
     /// Lease bound, from a fresh server.

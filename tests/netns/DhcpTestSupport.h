@@ -16,6 +16,10 @@
 /// A real DHCP server in a network namespace of its own, and what tests of nicx-dhcp look at.
 namespace corvane::netns {
 
+inline constexpr char kResolvConf[] = "/etc/resolv.conf";
+/// What the sandbox has in it.
+inline constexpr char kOriginal[] = "nameserver 192.0.2.53\n";
+
 /// A process that is killed at the end of the scope, and when the test process ends in any way.
 class ScopedProcess {
  public:

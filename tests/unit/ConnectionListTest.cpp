@@ -9,23 +9,17 @@
 
 #include "fakes/Fakes.h"
 #include "inventory/NicInfo.h"
+#include "tests/unit/ConnectionRowSupport.h"
 #include "ui/logic/ConnectionList.h"
 
 namespace corvane {
 
-// Readable failures.
-static void PrintTo(const ConnectionRow& row, std::ostream* out) {
-    for (const std::string& text : row.texts) *out << '[' << text << "] ";
-    *out << (row.tag ? "tag " + std::to_string(*row.tag) : "no tag");
-}
-
 namespace {
 
+using test::kNotFoundRow;
 using testing::ElementsAre;
 using testing::Optional;
 using testing::SizeIs;
-
-const ConnectionRow kNotFoundRow{{"NIC Not Found", "", "", " ", " "}, std::nullopt};
 
 /// The window: what it was told, in order, and what it shows.
 class RecordingView : public ConnectionListView {

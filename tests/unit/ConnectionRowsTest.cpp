@@ -5,28 +5,21 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/unit/ConnectionRowSupport.h"
 #include "tests/unit/CoreSupport.h"
 #include "ui/logic/ConnectionList.h"
 
 namespace corvane {
 
-// Readable failures.
-static void PrintTo(const ConnectionRow& row, std::ostream* out) {
-    for (const std::string& text : row.texts) *out << '[' << text << "] ";
-    *out << (row.tag ? "tag " + std::to_string(*row.tag) : "no tag");
-}
-
 namespace {
 
+using test::kMac;
+using test::kNotFoundRow;
+using test::kOther;
+using test::kThird;
 using test::NicRecord;
 using testing::ElementsAre;
 using testing::SizeIs;
-
-constexpr char kMac[] = "00-0C-29-4F-8E-35";
-constexpr char kOther[] = "00-12-AB-34-CD-56";
-constexpr char kThird[] = "02-00-00-00-00-01";
-
-const ConnectionRow kNotFoundRow{{"NIC Not Found", "", "", " ", " "}, std::nullopt};
 
 // ---- the columns
 

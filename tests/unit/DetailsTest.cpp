@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "inventory/NicInfo.h"
+#include "tests/unit/ConnectionRowSupport.h"
 #include "ui/logic/Details.h"
 
 namespace corvane {
@@ -16,12 +17,11 @@ static void PrintTo(const DetailsRow& row, std::ostream* out) {
 
 namespace {
 
+using test::kMac;
+using test::kOther;
+using test::kThird;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr char kMac[] = "00-0C-29-4F-8E-35";
-constexpr char kOther[] = "00-12-AB-34-CD-56";
-constexpr char kThird[] = "02-00-00-00-00-01";
 
 NicInfo DhcpAdapter() {
     NicInfo nic;

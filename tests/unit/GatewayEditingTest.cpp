@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 const std::vector<std::string> kGatewayWrites = {"write DefaultGateway", "write DefaultGatewayMetric"};
-const std::vector<std::string> kPanelReady = {"focus Gateway", "default Command19"};
+const std::vector<std::string> kGatewayPanelReady = {"focus Gateway", "default Command19"};
 
 /// Lab has two static gateways.
 class GatewayEditingTest : public AddressEditingTest {
@@ -152,14 +152,14 @@ TEST_F(GatewayEditingTest, PersistentGatewayIsWrittenWithItsMetricInDecimal) {
     panel.check3 = true;
     Add(kLab, "10.0.0.3", "030.2");
     ExpectStored({"10.0.0.1", "10.0.0.2", "10.0.0.3"}, {"1", "20", "30"});
-    EXPECT_EQ(diary, Lines({kGatewayWrites, {"focus txtMetric", "refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({kGatewayWrites, {"focus txtMetric", "refresh"}, kGatewayPanelReady}));
 }
 
 TEST_F(GatewayEditingTest, GatewayThatIsNotPersistentLosesItsRegistryEntry) {
     Add(kLab, "10.0.0.2", "30");
     ExpectRoute({10, 0, 0, 2}, 30);
     ExpectStored({"10.0.0.1"}, {"1"});
-    EXPECT_EQ(diary, Lines({kGatewayWrites, {"focus txtMetric", "refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({kGatewayWrites, {"focus txtMetric", "refresh"}, kGatewayPanelReady}));
 }
 
 TEST_F(GatewayEditingTest, AdapterWithoutALiveInterfaceWritesOnlyTheRegistryAndReportsNoError) {
@@ -200,7 +200,7 @@ TEST_F(GatewayEditingTest, AutomaticMetricStaysForTheNextGateway) {
     EXPECT_TRUE(panel.check4);
     EXPECT_EQ(panel.metric, "25");
     EXPECT_FALSE(panel.metricEnabled);
-    EXPECT_EQ(diary, Lines({kGatewayWrites, {"refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({kGatewayWrites, {"refresh"}, kGatewayPanelReady}));
 }
 
 TEST_F(GatewayEditingTest, EmptyGatewayIsAddedAsZeros) {
@@ -218,7 +218,7 @@ TEST_F(GatewayEditingTest, RefusedAddIsReportedWritesNothingAndLeavesTheBoxes) {
         panel.check3 = persistent;
         Add(kLab, "10.0.0.2", "30");
         EXPECT_THAT(machine.seat.boxes, ElementsAre(Refusal(5010, "CreateIpForwardEntry", "unknown")));
-        EXPECT_EQ(diary, Lines({{"box Orvella Corvane"}, kPanelReady}));
+        EXPECT_EQ(diary, Lines({{"box Orvella Corvane"}, kGatewayPanelReady}));
         EXPECT_EQ(panel.gateway.entry.Text(), "10.0.0.2");
         EXPECT_EQ(panel.metric, "30");
     }
@@ -238,7 +238,7 @@ TEST_F(GatewayEditingTest, RefusedGatewayThatNoHostMayHaveIsExplainedAfterTheBox
         diary.clear();
         Add(kLab, gateway, "30");
         const std::string sentence = "Gateway '" + gateway + "' cannot be used: " + reason;
-        EXPECT_EQ(diary, Lines({{"box Orvella Corvane", "warn " + sentence}, kPanelReady}));
+        EXPECT_EQ(diary, Lines({{"box Orvella Corvane", "warn " + sentence}, kGatewayPanelReady}));
     }
 }
 
@@ -246,8 +246,8 @@ TEST_F(GatewayEditingTest, RegistryFailureAfterTheLiveAddIsShownAndTheAddIsDone)
     machine.registry->RemoveValue(kLabKey, "DefaultGateway");
     panel.check3 = true;
     Add(kLab, "10.0.0.3", "30");
-    EXPECT_EQ(diary,
-              Lines({{"box Error! Cannot Read/Write Registry", "focus txtMetric", "refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({{"box Error! Cannot Read/Write Registry", "focus txtMetric", "refresh"},
+                            kGatewayPanelReady}));
     EXPECT_EQ(panel.gateway.entry.Text(), "");
 }
 
@@ -260,7 +260,7 @@ TEST_F(GatewayEditingTest, WithoutAConnectionNothingIsAdded) {
     Add(kNoConnection, "10.0.0.3", "30");
     ExpectMachineUntouched();
     ExpectListAsBefore();
-    EXPECT_EQ(diary, kPanelReady);
+    EXPECT_EQ(diary, kGatewayPanelReady);
 }
 
 // ---- adding, to a preset
@@ -276,7 +276,7 @@ TEST_F(GatewayEditingTest, GatewayOfAPresetIsAddedAsTheLastRowCountedAndSelected
     EXPECT_EQ(panel.gateway.entry.Text(), "");
     EXPECT_EQ(panel.metric, "");
     ExpectMachineUntouched();
-    EXPECT_EQ(diary, Lines({{"focus txtMetric"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({{"focus txtMetric"}, kGatewayPanelReady}));
 }
 
 TEST_F(GatewayEditingTest, MetricOfAPresetThatIsNoNumberIsZero) {
@@ -295,7 +295,7 @@ TEST_F(GatewayEditingTest, AutomaticMetricOfAPresetIsRecordedInAWord) {
     EXPECT_TRUE(panel.check4);
     EXPECT_EQ(panel.metric, "25");
     EXPECT_FALSE(panel.metricEnabled);
-    EXPECT_EQ(diary, kPanelReady);
+    EXPECT_EQ(diary, kGatewayPanelReady);
 }
 
 TEST_F(GatewayEditingTest, GatewayThatThePresetHasGetsTheNewMetricOnly) {

@@ -8,7 +8,7 @@ using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::vector<std::string> kPanelReady = {"focus IPAddress", "default Command16"};
+const std::vector<std::string> kIpPanelReady = {"focus IPAddress", "default Command16"};
 
 class IpEditingTest : public LabAddressesTest {
  protected:
@@ -45,7 +45,7 @@ TEST_F(IpEditingTest, AddressThatIsNotPersistentIsAddedToTheStackAlone) {
     EXPECT_EQ(added.mask, (Ipv4Bytes{255, 255, 255, 0}));
     EXPECT_EQ(added.index, kLabIndex);
     EXPECT_THAT(machine.registry->diary, IsEmpty());
-    EXPECT_EQ(diary, Lines({{"refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({{"refresh"}, kIpPanelReady}));
 }
 
 TEST_F(IpEditingTest, PersistentAddressIsAddedToTheStackAndWritten) {
@@ -53,7 +53,7 @@ TEST_F(IpEditingTest, PersistentAddressIsAddedToTheStackAndWritten) {
     Add(kLab, "10.0.0.7", "255.255.255.0");
     EXPECT_EQ(ipHelper->addresses.size(), 1U);
     ExpectStored({"10.0.0.5", "10.0.0.6", "10.0.0.7"}, {"255.0.0.0", "255.255.0.0", "255.255.255.0"});
-    EXPECT_EQ(diary, Lines({kAddressWrites, {"refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({kAddressWrites, {"refresh"}, kIpPanelReady}));
 }
 
 TEST_F(IpEditingTest, BoxesAreEmptyWhenTheWindowIsRefreshedAfterTheAdd) {
@@ -77,7 +77,7 @@ TEST_F(IpEditingTest, AdapterWithoutALiveInterfaceGetsAPersistentAddressInTheReg
     Add(kLab, "10.0.0.7", "255.255.255.0");
     EXPECT_THAT(ipHelper->diary, IsEmpty());
     ExpectStored({"10.0.0.5", "10.0.0.6", "10.0.0.7"}, {"255.0.0.0", "255.255.0.0", "255.255.255.0"});
-    EXPECT_EQ(diary, Lines({kAddressWrites, {"refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({kAddressWrites, {"refresh"}, kIpPanelReady}));
     EXPECT_THAT(panel.Texts(), ElementsAre("", "", ""));
 }
 
@@ -85,7 +85,7 @@ TEST_F(IpEditingTest, AdapterWithoutALiveInterfaceAndAnAddressThatIsNotPersisten
     TakeLabDown();
     Add(kLab, "10.0.0.7", "255.255.255.0");
     ExpectMachineUntouched();
-    EXPECT_EQ(diary, Lines({{"refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({{"refresh"}, kIpPanelReady}));
     EXPECT_THAT(panel.Texts(), ElementsAre("", "", ""));
 }
 
@@ -95,7 +95,7 @@ TEST_F(IpEditingTest, RefusedAddIsReportedWritesNothingAndLeavesTheBoxes) {
     panel.cidr = "24";
     Add(kLab, "10.0.0.5", "255.255.255.0");
     EXPECT_THAT(machine.seat.boxes, ElementsAre(Refusal(5010, "AddIPAddress", "unknown")));
-    EXPECT_EQ(diary, Lines({{"box Orvella Corvane"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({{"box Orvella Corvane"}, kIpPanelReady}));
     EXPECT_THAT(panel.Texts(), ElementsAre("10.0.0.5", "255.255.255.0", "24"));
     EXPECT_THAT(machine.registry->diary, IsEmpty());
     ExpectListAsBefore();
@@ -124,7 +124,7 @@ TEST_F(IpEditingTest, RefusedAddressThatNoHostMayHaveIsExplainedAfterTheBox) {
     const std::string sentence =
         "IP address '224.0.0.1' cannot be used: addresses from 224.0.0.0 to 239.255.255.255 are multicast "
         "groups";
-    EXPECT_EQ(diary, Lines({{"box Orvella Corvane", "warn " + sentence}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({{"box Orvella Corvane", "warn " + sentence}, kIpPanelReady}));
 }
 
 TEST_F(IpEditingTest, RefusedMaskWithHolesOrOfZeroIsExplained) {
@@ -199,7 +199,7 @@ TEST_F(IpEditingTest, RegistryFailureAfterTheLiveAddIsShownAndTheAddIsDone) {
     machine.registry->RemoveValue(kLabKey, "IPAddress");
     panel.check2 = true;
     Add(kLab, "10.0.0.7", "255.255.255.0");
-    EXPECT_EQ(diary, Lines({{"box Error! Cannot Read/Write Registry", "refresh"}, kPanelReady}));
+    EXPECT_EQ(diary, Lines({{"box Error! Cannot Read/Write Registry", "refresh"}, kIpPanelReady}));
     EXPECT_THAT(panel.Texts(), ElementsAre("", "", ""));
 }
 
@@ -208,7 +208,7 @@ TEST_F(IpEditingTest, WithoutAConnectionNothingIsAdded) {
     Add(kNoConnection, "10.0.0.7", "255.255.255.0");
     ExpectMachineUntouched();
     ExpectListAsBefore();
-    EXPECT_EQ(diary, kPanelReady);
+    EXPECT_EQ(diary, kIpPanelReady);
 }
 
 // ---- adding, to a preset
@@ -224,7 +224,7 @@ TEST_F(IpEditingTest, AddressOfAPresetIsAddedAsTheLastRowCountedAndSelected) {
     EXPECT_EQ(list.selected, 2U);
     EXPECT_THAT(panel.Texts(), ElementsAre("", "", ""));
     ExpectMachineUntouched();
-    EXPECT_EQ(diary, kPanelReady);
+    EXPECT_EQ(diary, kIpPanelReady);
 }
 
 TEST_F(IpEditingTest, AddressThatThePresetHasGetsTheNewMaskOnly) {
@@ -247,7 +247,7 @@ TEST_F(IpEditingTest, AnyAddressMayBeInAPreset) {
     list.rows.clear();
     Add(kPreset, "255.255.255.255", "0.255.0.255");
     EXPECT_THAT(list.rows, ElementsAre(DetailsRow{"255.255.255.255", "0.255.0.255", 0}));
-    EXPECT_EQ(diary, kPanelReady);
+    EXPECT_EQ(diary, kIpPanelReady);
 }
 
 TEST_F(IpEditingTest, PresetNeedsNoConnection) {

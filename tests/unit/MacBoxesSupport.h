@@ -23,6 +23,9 @@ inline void PrintTo(const TextSelection& selection, std::ostream* out) {
 
 namespace test {
 
+/// Of the panel and the preset editor: two rows of six.
+inline constexpr int kBoxes = 12;
+
 /// When the window reports a move of the focus that the rules asked for: systems differ.
 enum class FocusReports { kNever, kAtOnce, kAfterTheKey };
 

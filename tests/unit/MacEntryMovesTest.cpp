@@ -11,13 +11,12 @@ namespace {
 
 using test::BoxesModel;
 using test::FocusReports;
+using test::kBoxes;
 using test::kNoOctets;
 using test::LoadVendors;
 using test::Octets;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr int kBoxes = 12;
 
 class MacEntryMoves : public testing::Test {
  protected:

@@ -13,6 +13,7 @@ namespace {
 
 using test::BoxesModel;
 using test::FocusReports;
+using test::kBoxes;
 using test::kCheck1;
 using test::kNoOctets;
 using test::kNowhere;
@@ -21,7 +22,6 @@ using test::Octets;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr int kBoxes = 12;
 constexpr int kBackspace = 8;
 
 bool IsFirst(int box) { return box == 0 || box == 6; }

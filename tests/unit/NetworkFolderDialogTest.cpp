@@ -9,7 +9,7 @@ using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr char kKey[] = "SOFTWARE\\Orvella\\Corvane_v4";
+constexpr char kProgramKey[] = "SOFTWARE\\Orvella\\Corvane_v4";
 
 /// Control Panel of a system in another language. Verbs done and waits stand in the seat's diary.
 class NetworkFolderDialogTest : public testing::Test {
@@ -90,8 +90,9 @@ TEST_F(NetworkFolderDialogTest, SelectRemembersTheNameInLowerCase) {
     machine.seat.folderChoice = 1;
     Browse(false, false);
     EXPECT_EQ(NetworkFolderName, "netzwerkverbindungen");
-    EXPECT_THAT(machine.registry->diary, ElementsAre("create " + std::string(kKey),
-                                                     "write " + std::string(kKey) + "\\NetworkFolderName"));
+    EXPECT_THAT(machine.registry->diary,
+                ElementsAre("create " + std::string(kProgramKey),
+                            "write " + std::string(kProgramKey) + "\\NetworkFolderName"));
     ASSERT_EQ(machine.registry->writes.size(), 1U);
     EXPECT_EQ(machine.registry->writes[0].value, Sz("netzwerkverbindungen"));
 }
@@ -170,7 +171,7 @@ TEST_F(NetworkFolderDialogTest, FailedCreationOfTheKeyIsShownOnceAndTheOperation
     machine.registry->readOnly = true;
     machine.seat.folderChoice = 1;
     Browse(false, false);
-    EXPECT_THAT(machine.registry->diary, ElementsAre("create " + std::string(kKey)));
+    EXPECT_THAT(machine.registry->diary, ElementsAre("create " + std::string(kProgramKey)));
     ASSERT_EQ(machine.seat.boxes.size(), 2U);
     EXPECT_EQ(machine.seat.boxes[0], WriteFailure());
     EXPECT_EQ(machine.seat.boxes[1].title, "Network Connection Disabled");

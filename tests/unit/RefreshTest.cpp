@@ -34,7 +34,7 @@ TEST(Refresh, RunsTheFourStagesInTheirOrder) {
     EXPECT_EQ(machine.registry->diary.back(), "read " + TcpipKey("{A}") + "\\DhcpNameServer");
 }
 
-std::vector<std::string> Ids() {
+std::vector<std::string> ListedIds() {
     std::vector<std::string> ids;
     for (const NicInfo& nic : Nics) ids.push_back(nic.Id);
     return ids;
@@ -101,7 +101,7 @@ TEST_F(FailingRefresh, ShowsItsBoxesWhenTheAdaptersAreComplete) {
     const ScopedSeat installed(seat);
     std::vector<std::string> serversOfTheLast;
     seat.onBox = [&] {
-        EXPECT_THAT(Ids(), ElementsAre("{A}", "{B}", "{C}"));
+        EXPECT_THAT(ListedIds(), ElementsAre("{A}", "{B}", "{C}"));
         serversOfTheLast.push_back(Nics.back().DnsServers.front());
     };
     RefreshNicInfo();
@@ -122,16 +122,16 @@ TEST_F(FailingRefresh, MayBeStartedAnewInEachOfItsBoxes) {
     RefreshNicInfo();
     // Its own four boxes, and as many in each refresh that they started.
     EXPECT_THAT(seat.boxes, SizeIs(4 + 4 * 4));
-    EXPECT_THAT(Ids(), ElementsAre("{A}", "{B}", "{C}", "{Z11}", "{Z16}", "{Z1}", "{Z6}"));
+    EXPECT_THAT(ListedIds(), ElementsAre("{A}", "{B}", "{C}", "{Z11}", "{Z16}", "{Z1}", "{Z6}"));
 }
 
 TEST_F(FailingRefresh, LeavesTheFormerAdaptersVisibleUntilItIsComplete) {
     Nics.assign(1, test::NicRecord("{former}", "former", "0009"));
     std::set<std::vector<std::string>> seen;
-    onRegistryCall_ = [&] { seen.insert(Ids()); };
+    onRegistryCall_ = [&] { seen.insert(ListedIds()); };
     RefreshNicInfo();
     EXPECT_THAT(seen, ElementsAre(ElementsAre("{former}")));
-    EXPECT_THAT(Ids(), ElementsAre("{A}", "{B}", "{C}"));
+    EXPECT_THAT(ListedIds(), ElementsAre("{A}", "{B}", "{C}"));
 }
 
 TEST_F(FailingRefresh, ThatIsBrokenOffLeavesTheFormerAdapters) {
@@ -141,7 +141,7 @@ TEST_F(FailingRefresh, ThatIsBrokenOffLeavesTheFormerAdapters) {
         if (++calls == 6) throw std::runtime_error("no more");
     };
     EXPECT_THROW(RefreshNicInfo(), std::runtime_error);
-    EXPECT_THAT(Ids(), ElementsAre("{former}"));
+    EXPECT_THAT(ListedIds(), ElementsAre("{former}"));
     EXPECT_THAT(machine_.seat.boxes, testing::IsEmpty());
 }
 

@@ -15,7 +15,6 @@
 namespace corvane {
 namespace {
 
-constexpr RegistryRoot kRoot = kHkeyLocalMachine;
 using Bytes = std::vector<std::uint8_t>;
 using Kind = RegistryStore::Change::Kind;
 using Editor = RegistryStore::Editor;
@@ -26,7 +25,8 @@ class RegistryStoreFiles : public testing::Test {
  protected:
     void Seed() const {
         RegistryStore store(path_);
-        ASSERT_EQ(store.Apply(kRoot, {{Kind::kSetValue, "K\\Sub", "v", kValue}}), Win32Error::kSuccess);
+        ASSERT_EQ(store.Apply(kHkeyLocalMachine, {{Kind::kSetValue, "K\\Sub", "v", kValue}}),
+                  Win32Error::kSuccess);
     }
 
     /// Runs SQL on the file, past the store.
@@ -47,16 +47,16 @@ class RegistryStoreFiles : public testing::Test {
             std::vector<LinkRow> links(1);
             std::vector<HeldMessage> messages(1);
             bool edited = false;
-            const RegistryRead read = store.ReadValue(kRoot, "K", "v");
+            const RegistryRead read = store.ReadValue(kHkeyLocalMachine, "K", "v");
             EXPECT_EQ(read.code, code);
             EXPECT_FALSE(read.keyOpened);
-            EXPECT_EQ(store.WriteValue(kRoot, "K", "v", kValue), code);
-            EXPECT_EQ(store.DeleteValue(kRoot, "K", "v"), code);
-            EXPECT_EQ(store.CreateKey(kRoot, "New"), code);
-            EXPECT_EQ(store.DeleteKey(kRoot, "K"), code);
-            EXPECT_EQ(store.Apply(kRoot, {{Kind::kCreateKey, "New", "", {}}}), code);
-            EXPECT_EQ(store.EnumSubkeys(kRoot, "K", names), code);
-            EXPECT_EQ(store.EnumValues(kRoot, "K", values), code);
+            EXPECT_EQ(store.WriteValue(kHkeyLocalMachine, "K", "v", kValue), code);
+            EXPECT_EQ(store.DeleteValue(kHkeyLocalMachine, "K", "v"), code);
+            EXPECT_EQ(store.CreateKey(kHkeyLocalMachine, "New"), code);
+            EXPECT_EQ(store.DeleteKey(kHkeyLocalMachine, "K"), code);
+            EXPECT_EQ(store.Apply(kHkeyLocalMachine, {{Kind::kCreateKey, "New", "", {}}}), code);
+            EXPECT_EQ(store.EnumSubkeys(kHkeyLocalMachine, "K", names), code);
+            EXPECT_EQ(store.EnumValues(kHkeyLocalMachine, "K", values), code);
             EXPECT_EQ(store.LoadLinks(links), code);
             EXPECT_EQ(store.LoadHeld("{1}", messages), code);
             EXPECT_EQ(store.Transact([&](Editor& editor) {
@@ -90,7 +90,7 @@ TEST_F(RegistryStoreFiles, AreMadeReadableForAllWhateverTheUmask) {
     const std::string path = folder_ / "nicx/registry.db";
     RegistryStore store(path);
     umask(former);
-    EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kSuccess);
+    EXPECT_EQ(store.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
     EXPECT_FALSE(store.ReadOnly());
     EXPECT_EQ(ModeOf(folder_ / "nicx"), 0755U);
     EXPECT_EQ(ModeOf(path), 0644U);
@@ -99,19 +99,19 @@ TEST_F(RegistryStoreFiles, AreMadeReadableForAllWhateverTheUmask) {
 TEST_F(RegistryStoreFiles, OfNoLengthCountAsNew) {
     test::WriteBytes(path_, "");
     RegistryStore store(path_);
-    EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kSuccess);
-    EXPECT_TRUE(RegistryStore(path_).ReadValue(kRoot, "K", "").keyOpened);
+    EXPECT_EQ(store.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
+    EXPECT_TRUE(RegistryStore(path_).ReadValue(kHkeyLocalMachine, "K", "").keyOpened);
 }
 
 TEST_F(RegistryStoreFiles, ThatAreGoneAreMadeAnewByTheNextWrite) {
     Seed();
     RegistryStore store(path_);
-    ASSERT_EQ(store.CreateKey(kRoot, "Old"), Win32Error::kSuccess);
+    ASSERT_EQ(store.CreateKey(kHkeyLocalMachine, "Old"), Win32Error::kSuccess);
     std::filesystem::remove(path_);
-    ASSERT_EQ(store.CreateKey(kRoot, "New"), Win32Error::kSuccess);
+    ASSERT_EQ(store.CreateKey(kHkeyLocalMachine, "New"), Win32Error::kSuccess);
     RegistryStore next(path_);
-    EXPECT_TRUE(next.ReadValue(kRoot, "New", "").keyOpened);
-    EXPECT_FALSE(next.ReadValue(kRoot, "Old", "").keyOpened);
+    EXPECT_TRUE(next.ReadValue(kHkeyLocalMachine, "New", "").keyOpened);
+    EXPECT_FALSE(next.ReadValue(kHkeyLocalMachine, "Old", "").keyOpened);
 }
 
 TEST_F(RegistryStoreFiles, UseNoWriteAheadLog) {
@@ -124,14 +124,14 @@ TEST_F(RegistryStoreFiles, UseNoWriteAheadLog) {
 TEST_F(RegistryStoreFiles, BelowAFileCannotBeOpened) {
     test::WriteBytes(folder_ / "plain", "x");
     RegistryStore store(folder_ / "plain/registry.db");
-    EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kCantOpen);
-    EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kCantOpen);
+    EXPECT_EQ(store.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kCantOpen);
+    EXPECT_EQ(store.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kCantOpen);
 }
 
 TEST_F(RegistryStoreFiles, ThatAreFoldersCannotBeOpened) {
     RegistryStore store(folder_.Path());
-    EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kCantOpen);
-    EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kCantOpen);
+    EXPECT_EQ(store.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kCantOpen);
+    EXPECT_EQ(store.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kCantOpen);
 }
 
 // ---- damage ----
@@ -165,7 +165,7 @@ TEST_F(RegistryStoreFiles, WithDamagedPagesGiveCorruptOnceTheyAreMet) {
         for (int i = 0; i < 2000; ++i) {
             changes.push_back({Kind::kSetValue, "K\\" + std::to_string(i), "v", {kRegBinary, Bytes(100, 7)}});
         }
-        ASSERT_EQ(store.Apply(kRoot, changes), Win32Error::kSuccess);
+        ASSERT_EQ(store.Apply(kHkeyLocalMachine, changes), Win32Error::kSuccess);
     }
     std::string bytes = test::ReadBytes(path_);
     ASSERT_GT(bytes.size(), 20U * 4096);
@@ -179,8 +179,8 @@ TEST_F(RegistryStoreFiles, WithoutATableAreCorrupt) {
     Seed();
     Execute("DROP TABLE vals");
     RegistryStore store(path_);
-    EXPECT_EQ(store.ReadValue(kRoot, "K\\Sub", "v").code, Win32Error::kRegistryCorrupt);
-    EXPECT_EQ(store.CreateKey(kRoot, "New"), Win32Error::kRegistryCorrupt);
+    EXPECT_EQ(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").code, Win32Error::kRegistryCorrupt);
+    EXPECT_EQ(store.CreateKey(kHkeyLocalMachine, "New"), Win32Error::kRegistryCorrupt);
 }
 
 TEST_F(RegistryStoreFiles, OfAnotherProgramAreCorrupt) {

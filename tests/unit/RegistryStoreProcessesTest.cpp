@@ -17,7 +17,6 @@
 namespace corvane {
 namespace {
 
-constexpr RegistryRoot kRoot = kHkeyLocalMachine;
 using Kind = RegistryStore::Change::Kind;
 
 /// Runs `action` in a child process; its return value is the exit code.
@@ -44,11 +43,12 @@ TEST(RegistryStoreProcesses, LoseNothingWhenTheyWriteAtOnce) {
         children.push_back(Start([&] {
             RegistryStore store(path, 60000);
             const std::string own = "Common\\" + std::to_string(writer);
-            if (!Ok(store.CreateKey(kRoot, own))) return 1;
+            if (!Ok(store.CreateKey(kHkeyLocalMachine, own))) return 1;
             for (int i = 0; i < kValues; ++i) {
                 const RegistryValue value{kRegBinary, {static_cast<std::uint8_t>(i)}};
-                if (!Ok(store.WriteValue(kRoot, own, std::to_string(i), value))) return 2;
-                if (!Ok(store.WriteValue(kRoot, "Common", std::to_string(writer * kValues + i), value)))
+                if (!Ok(store.WriteValue(kHkeyLocalMachine, own, std::to_string(i), value))) return 2;
+                if (!Ok(store.WriteValue(kHkeyLocalMachine, "Common", std::to_string(writer * kValues + i),
+                                         value)))
                     return 3;
             }
             return 0;
@@ -57,10 +57,11 @@ TEST(RegistryStoreProcesses, LoseNothingWhenTheyWriteAtOnce) {
     for (const pid_t child : children) EXPECT_EQ(Wait(child), 0);
     RegistryStore store(path);
     std::vector<NamedValue> values;
-    ASSERT_EQ(store.EnumValues(kRoot, "Common", values), Win32Error::kSuccess);
+    ASSERT_EQ(store.EnumValues(kHkeyLocalMachine, "Common", values), Win32Error::kSuccess);
     EXPECT_EQ(values.size(), static_cast<std::size_t>(kWriters * kValues));
     for (int writer = 0; writer < kWriters; ++writer) {
-        ASSERT_EQ(store.EnumValues(kRoot, "Common\\" + std::to_string(writer), values), Win32Error::kSuccess);
+        ASSERT_EQ(store.EnumValues(kHkeyLocalMachine, "Common\\" + std::to_string(writer), values),
+                  Win32Error::kSuccess);
         EXPECT_EQ(values.size(), static_cast<std::size_t>(kValues));
     }
 }
@@ -79,8 +80,8 @@ TEST(RegistryStoreProcesses, KeepEverythingReportedAsDoneWhenKilled) {
             for (std::uint32_t i = first;; ++i) {
                 const std::string name = std::to_string(i);
                 const RegistryValue value{kRegBinary, std::vector<std::uint8_t>(i % 3 == 0 ? 20000 : 5, 7)};
-                if (!Ok(store.Apply(kRoot, {{Kind::kSetValue, "K\\" + name, "v", value},
-                                            {Kind::kSetValue, "Last", "v", {kRegBinary, {1}}}})))
+                if (!Ok(store.Apply(kHkeyLocalMachine, {{Kind::kSetValue, "K\\" + name, "v", value},
+                                                        {Kind::kSetValue, "Last", "v", {kRegBinary, {1}}}})))
                     return 1;
                 if (write(report[1], &i, sizeof i) != sizeof i) return 2;
             }
@@ -98,16 +99,17 @@ TEST(RegistryStoreProcesses, KeepEverythingReportedAsDoneWhenKilled) {
 
         RegistryStore store(path);
         for (std::uint32_t i = 0; i <= done; ++i) {
-            const RegistryRead value = store.ReadValue(kRoot, "K\\" + std::to_string(i), "v");
+            const RegistryRead value = store.ReadValue(kHkeyLocalMachine, "K\\" + std::to_string(i), "v");
             ASSERT_EQ(value.code, Win32Error::kSuccess) << i << " of " << done << ", round " << round;
             ASSERT_EQ(value.value.data.size(), i % 3 == 0 ? 20000U : 5U);
         }
         // One more may be there in full: done, but killed before its report. A key without its value may not.
         std::vector<std::string> names;
-        ASSERT_EQ(store.EnumSubkeys(kRoot, "K", names), Win32Error::kSuccess);
+        ASSERT_EQ(store.EnumSubkeys(kHkeyLocalMachine, "K", names), Win32Error::kSuccess);
         ASSERT_LE(names.size(), done + 2U);
         ASSERT_GE(names.size(), done + 1U);
-        for (const std::string& name : names) ASSERT_TRUE(Ok(store.ReadValue(kRoot, "K\\" + name, "v").code));
+        for (const std::string& name : names)
+            ASSERT_TRUE(Ok(store.ReadValue(kHkeyLocalMachine, "K\\" + name, "v").code));
         first = static_cast<std::uint32_t>(names.size());
     }
 }
@@ -154,7 +156,8 @@ class RegistryStoreHeld : public testing::Test {
  protected:
     RegistryStoreHeld() {
         RegistryStore store(path_);
-        EXPECT_EQ(store.Apply(kRoot, {{Kind::kSetValue, "K", "v", {kRegBinary, {1}}}}), Win32Error::kSuccess);
+        EXPECT_EQ(store.Apply(kHkeyLocalMachine, {{Kind::kSetValue, "K", "v", {kRegBinary, {1}}}}),
+                  Win32Error::kSuccess);
     }
 
     test::TempFolder folder_;
@@ -163,12 +166,12 @@ class RegistryStoreHeld : public testing::Test {
 
 TEST_F(RegistryStoreHeld, LongerThanTheTimeoutCannotBeReadOrWritten) {
     RegistryStore store(path_, 20);
-    ASSERT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kSuccess);
+    ASSERT_EQ(store.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kSuccess);
     Holder holder(path_);
     std::vector<std::string> names;
-    EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kCantRead);
-    EXPECT_EQ(store.EnumSubkeys(kRoot, "K", names), Win32Error::kCantRead);
-    EXPECT_EQ(store.WriteValue(kRoot, "K", "v", {kRegBinary, {2}}), Win32Error::kCantWrite);
+    EXPECT_EQ(store.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kCantRead);
+    EXPECT_EQ(store.EnumSubkeys(kHkeyLocalMachine, "K", names), Win32Error::kCantRead);
+    EXPECT_EQ(store.WriteValue(kHkeyLocalMachine, "K", "v", {kRegBinary, {2}}), Win32Error::kCantWrite);
     EXPECT_EQ(store.Transact([](RegistryStore::Editor&) { return Win32Error::kSuccess; }),
               Win32Error::kCantWrite);
 }
@@ -176,18 +179,18 @@ TEST_F(RegistryStoreHeld, LongerThanTheTimeoutCannotBeReadOrWritten) {
 TEST_F(RegistryStoreHeld, WorksAgainAfterwards) {
     RegistryStore store(path_, 20);
     Holder holder(path_);
-    ASSERT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kCantRead);
+    ASSERT_EQ(store.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kCantRead);
     holder.Release();
-    EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kSuccess);
-    EXPECT_EQ(store.WriteValue(kRoot, "K", "v", {kRegBinary, {2}}), Win32Error::kSuccess);
+    EXPECT_EQ(store.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kSuccess);
+    EXPECT_EQ(store.WriteValue(kHkeyLocalMachine, "K", "v", {kRegBinary, {2}}), Win32Error::kSuccess);
 }
 
 TEST_F(RegistryStoreHeld, WhileItIsOpenedWorksAfterwards) {
     Holder holder(path_);
     RegistryStore store(path_, 20);
-    EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kCantRead);
+    EXPECT_EQ(store.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kCantRead);
     holder.Release();
-    EXPECT_EQ(store.ReadValue(kRoot, "K", "v").code, Win32Error::kSuccess);
+    EXPECT_EQ(store.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kSuccess);
     EXPECT_FALSE(store.ReadOnly());
 }
 
@@ -198,27 +201,28 @@ TEST_F(RegistryStoreHeld, ShorterThanTheTimeoutIsWaitedFor) {
         usleep(50000);
         holder.Release();
     });
-    EXPECT_EQ(store.WriteValue(kRoot, "K", "v", {kRegBinary, {2}}), Win32Error::kSuccess);
+    EXPECT_EQ(store.WriteValue(kHkeyLocalMachine, "K", "v", {kRegBinary, {2}}), Win32Error::kSuccess);
     later.join();
 }
 
 TEST(RegistryStoreThreads, TakeTurns) {
     const test::TempFolder folder;
     RegistryStore store(folder / "registry.db");
-    ASSERT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kSuccess);
+    ASSERT_EQ(store.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread) {
         threads.emplace_back([&store, thread] {
             for (int i = 0; i < 20; ++i) {
                 const std::string name = std::to_string(thread) + "." + std::to_string(i);
-                EXPECT_EQ(store.WriteValue(kRoot, "K", name, {kRegBinary, {1}}), Win32Error::kSuccess);
-                EXPECT_EQ(store.ReadValue(kRoot, "K", name).code, Win32Error::kSuccess);
+                EXPECT_EQ(store.WriteValue(kHkeyLocalMachine, "K", name, {kRegBinary, {1}}),
+                          Win32Error::kSuccess);
+                EXPECT_EQ(store.ReadValue(kHkeyLocalMachine, "K", name).code, Win32Error::kSuccess);
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
     std::vector<NamedValue> values;
-    ASSERT_EQ(store.EnumValues(kRoot, "K", values), Win32Error::kSuccess);
+    ASSERT_EQ(store.EnumValues(kHkeyLocalMachine, "K", values), Win32Error::kSuccess);
     EXPECT_EQ(values.size(), 80U);
 }
 

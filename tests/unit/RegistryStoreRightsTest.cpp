@@ -14,18 +14,18 @@
 namespace corvane {
 namespace {
 
-constexpr RegistryRoot kRoot = kHkeyLocalMachine;
 using Bytes = std::vector<std::uint8_t>;
 using Kind = RegistryStore::Change::Kind;
 using Editor = RegistryStore::Editor;
 
-const RegistryValue kValue{kRegBinary, {1, 2, 3}};
+const RegistryValue kStoredValue{kRegBinary, {1, 2, 3}};
 
 class RegistryStoreRights : public testing::Test {
  protected:
     void Seed() const {
         RegistryStore store(path_);
-        ASSERT_EQ(store.Apply(kRoot, {{Kind::kSetValue, "K\\Sub", "v", kValue}}), Win32Error::kSuccess);
+        ASSERT_EQ(store.Apply(kHkeyLocalMachine, {{Kind::kSetValue, "K\\Sub", "v", kStoredValue}}),
+                  Win32Error::kSuccess);
     }
 
     test::TempFolder folder_;
@@ -45,23 +45,25 @@ class RegistryStoreRights : public testing::Test {
 TEST_F(RegistryStoreRights, OfAnotherOwnerAreReadOnly) {
     Seed();
     const std::string before = test::ReadBytes(path_);
-    EXPECT_EQ(test::WithoutPrivileges([this] {
-                  RegistryStore store(path_);
-                  CHECK_OR_FAIL(store.ReadOnly());
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
-                  CHECK_OR_FAIL(store.WriteValue(kRoot, "K\\Sub", "v", {kRegBinary, {9}}) ==
-                                Win32Error::kAccessDenied);
-                  CHECK_OR_FAIL(store.WriteValue(kRoot, "Missing", "v", kValue) == Win32Error::kAccessDenied);
-                  CHECK_OR_FAIL(store.DeleteValue(kRoot, "K\\Sub", "v") == Win32Error::kAccessDenied);
-                  CHECK_OR_FAIL(store.DeleteKey(kRoot, "K") == Win32Error::kAccessDenied);
-                  CHECK_OR_FAIL(store.CreateKey(kRoot, "New") == Win32Error::kAccessDenied);
-                  CHECK_OR_FAIL(store.CreateKey(kRoot, "K\\Sub") == Win32Error::kSuccess);
-                  CHECK_OR_FAIL(store.Apply(kRoot, {{Kind::kCreateKey, "New", "", {}}}) ==
-                                Win32Error::kAccessDenied);
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
-                  return 0;
-              }),
-              0);
+    EXPECT_EQ(
+        test::WithoutPrivileges([this] {
+            RegistryStore store(path_);
+            CHECK_OR_FAIL(store.ReadOnly());
+            CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value == kStoredValue);
+            CHECK_OR_FAIL(store.WriteValue(kHkeyLocalMachine, "K\\Sub", "v", {kRegBinary, {9}}) ==
+                          Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.WriteValue(kHkeyLocalMachine, "Missing", "v", kStoredValue) ==
+                          Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.DeleteValue(kHkeyLocalMachine, "K\\Sub", "v") == Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.DeleteKey(kHkeyLocalMachine, "K") == Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.CreateKey(kHkeyLocalMachine, "New") == Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.CreateKey(kHkeyLocalMachine, "K\\Sub") == Win32Error::kSuccess);
+            CHECK_OR_FAIL(store.Apply(kHkeyLocalMachine, {{Kind::kCreateKey, "New", "", {}}}) ==
+                          Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value == kStoredValue);
+            return 0;
+        }),
+        0);
     EXPECT_TRUE(test::ReadBytes(path_) == before);
 }
 
@@ -71,8 +73,8 @@ TEST_F(RegistryStoreRights, InAFolderWithoutRightsAreReadOnly) {
     EXPECT_EQ(test::WithoutPrivileges([this] {
                   RegistryStore store(path_);
                   CHECK_OR_FAIL(store.ReadOnly());
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
-                  CHECK_OR_FAIL(store.CreateKey(kRoot, "New") == Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value == kStoredValue);
+                  CHECK_OR_FAIL(store.CreateKey(kHkeyLocalMachine, "New") == Win32Error::kAccessDenied);
                   return 0;
               }),
               0);
@@ -83,8 +85,9 @@ TEST_F(RegistryStoreRights, ThatMayNotBeReadAreDenied) {
     std::filesystem::permissions(path_, std::filesystem::perms(0600));
     EXPECT_EQ(test::WithoutPrivileges([this] {
                   RegistryStore store(path_);
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").code == Win32Error::kAccessDenied);
-                  CHECK_OR_FAIL(store.CreateKey(kRoot, "New") == Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").code ==
+                                Win32Error::kAccessDenied);
+                  CHECK_OR_FAIL(store.CreateKey(kHkeyLocalMachine, "New") == Win32Error::kAccessDenied);
                   CHECK_OR_FAIL(store.ReadOnly());
                   return 0;
               }),
@@ -93,17 +96,18 @@ TEST_F(RegistryStoreRights, ThatMayNotBeReadAreDenied) {
 
 TEST_F(RegistryStoreRights, ThatMayNotBeMadeLeaveTheStoreEmpty) {
     for (const std::string& path : {path_, folder_ / "deep/er/registry.db"}) {
-        EXPECT_EQ(test::WithoutPrivileges([&path] {
-                      RegistryStore store(path);
-                      std::vector<std::string> names = {"former"};
-                      CHECK_OR_FAIL(store.ReadOnly());
-                      CHECK_OR_FAIL(store.EnumSubkeys(kRoot, "", names) == Win32Error::kSuccess);
-                      CHECK_OR_FAIL(names == std::vector<std::string>{"former"});
-                      CHECK_OR_FAIL(store.ReadValue(kRoot, "K", "v").code == Win32Error::kFileNotFound);
-                      CHECK_OR_FAIL(store.CreateKey(kRoot, "K") == Win32Error::kAccessDenied);
-                      return 0;
-                  }),
-                  0);
+        EXPECT_EQ(
+            test::WithoutPrivileges([&path] {
+                RegistryStore store(path);
+                std::vector<std::string> names = {"former"};
+                CHECK_OR_FAIL(store.ReadOnly());
+                CHECK_OR_FAIL(store.EnumSubkeys(kHkeyLocalMachine, "", names) == Win32Error::kSuccess);
+                CHECK_OR_FAIL(names == std::vector<std::string>{"former"});
+                CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K", "v").code == Win32Error::kFileNotFound);
+                CHECK_OR_FAIL(store.CreateKey(kHkeyLocalMachine, "K") == Win32Error::kAccessDenied);
+                return 0;
+            }),
+            0);
     }
     EXPECT_TRUE(folder_.Names().empty());
 }
@@ -114,7 +118,8 @@ TEST_F(RegistryStoreRights, WithAnInterruptedWriteGoBackToWhatWasBefore) {
     const std::string origin = folder_ / "origin.db";
     {
         RegistryStore store(origin);
-        ASSERT_EQ(store.Apply(kRoot, {{Kind::kSetValue, "K\\Sub", "v", kValue}}), Win32Error::kSuccess);
+        ASSERT_EQ(store.Apply(kHkeyLocalMachine, {{Kind::kSetValue, "K\\Sub", "v", kStoredValue}}),
+                  Win32Error::kSuccess);
     }
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(origin.c_str(), &database), SQLITE_OK);
@@ -132,26 +137,27 @@ TEST_F(RegistryStoreRights, WithAnInterruptedWriteGoBackToWhatWasBefore) {
     const auto readWithoutRights = [this](Win32Error code) {
         return test::WithoutPrivileges([this, code] {
             RegistryStore store(path_);
-            CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").code == code);
+            CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").code == code);
             return 0;
         });
     };
     // Without the right to put the old pages back there is nothing whole to read.
     EXPECT_EQ(readWithoutRights(Win32Error::kAccessDenied), 0);
-    EXPECT_EQ(RegistryStore(path_).ReadValue(kRoot, "K\\Sub", "v").value, kValue);
+    EXPECT_EQ(RegistryStore(path_).ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value, kStoredValue);
     EXPECT_EQ(readWithoutRights(Win32Error::kSuccess), 0);
 }
 
 TEST_F(RegistryStoreRights, OfNoLengthWithoutRightsLeaveTheStoreEmpty) {
     test::WriteBytes(path_, "");
-    EXPECT_EQ(test::WithoutPrivileges([this] {
-                  RegistryStore store(path_);
-                  CHECK_OR_FAIL(store.ReadOnly());
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K", "v").code == Win32Error::kFileNotFound);
-                  CHECK_OR_FAIL(store.CreateKey(kRoot, "K") == Win32Error::kAccessDenied);
-                  return 0;
-              }),
-              0);
+    EXPECT_EQ(
+        test::WithoutPrivileges([this] {
+            RegistryStore store(path_);
+            CHECK_OR_FAIL(store.ReadOnly());
+            CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K", "v").code == Win32Error::kFileNotFound);
+            CHECK_OR_FAIL(store.CreateKey(kHkeyLocalMachine, "K") == Win32Error::kAccessDenied);
+            return 0;
+        }),
+        0);
     EXPECT_EQ(test::ReadBytes(path_), "");
 }
 
@@ -169,19 +175,20 @@ TEST_F(RegistryStoreRights, ThatAreReadOnlyShowAPrivateImageAfterAnEdit) {
             }) == Win32Error::kSuccess);
             std::vector<LinkRow> links;
             std::vector<HeldMessage> messages;
-            CHECK_OR_FAIL(store.ReadValue(kRoot, "New\\Key", "v").value.data == Bytes{7});
-            CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+            CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "New\\Key", "v").value.data == Bytes{7});
+            CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value == kStoredValue);
             CHECK_OR_FAIL(store.LoadLinks(links) == Win32Error::kSuccess && links.size() == 1);
             CHECK_OR_FAIL(store.LoadHeld("{1}", messages) == Win32Error::kSuccess && messages.size() == 1);
-            CHECK_OR_FAIL(store.CreateKey(kRoot, "Other") == Win32Error::kAccessDenied);
-            CHECK_OR_FAIL(store.WriteValue(kRoot, "New\\Key", "v", kValue) == Win32Error::kAccessDenied);
-            CHECK_OR_FAIL(store.ReadValue(kRoot, "New\\Key", "v").value.data == Bytes{7});
+            CHECK_OR_FAIL(store.CreateKey(kHkeyLocalMachine, "Other") == Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.WriteValue(kHkeyLocalMachine, "New\\Key", "v", kStoredValue) ==
+                          Win32Error::kAccessDenied);
+            CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "New\\Key", "v").value.data == Bytes{7});
             CHECK_OR_FAIL(store.Transact([](Editor& editor) {
                 (void)editor.CreateKey("Undone");
                 return Win32Error::kBusy;
             }) == Win32Error::kBusy);
-            CHECK_OR_FAIL(!store.ReadValue(kRoot, "Undone", "").keyOpened);
-            CHECK_OR_FAIL(store.ReadValue(kRoot, "New\\Key", "v").value.data == Bytes{7});
+            CHECK_OR_FAIL(!store.ReadValue(kHkeyLocalMachine, "Undone", "").keyOpened);
+            CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "New\\Key", "v").value.data == Bytes{7});
             return 0;
         }),
         0);
@@ -200,7 +207,7 @@ TEST_F(RegistryStoreRights, ThatChangeTakeThePlaceOfAPrivateImage) {
         int code = 1;
         if (read(toChild[0], &byte, 1) == 1) {
             RegistryStore store(path_);
-            code = Ok(store.WriteValue(kRoot, "K\\Sub", "v", {kRegBinary, {8}})) ? 0 : 2;
+            code = Ok(store.WriteValue(kHkeyLocalMachine, "K\\Sub", "v", {kRegBinary, {8}})) ? 0 : 2;
         }
         _exit(write(toParent[1], "d", 1) == 1 ? code : 3);
     }
@@ -211,16 +218,16 @@ TEST_F(RegistryStoreRights, ThatChangeTakeThePlaceOfAPrivateImage) {
                                 Win32Error::kSuccess);
                   char byte = 0;
                   CHECK_OR_FAIL(write(toChild[1], "g", 1) == 1 && read(toParent[0], &byte, 1) == 1);
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "Imagined", "").keyOpened);
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+                  CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "Imagined", "").keyOpened);
+                  CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value == kStoredValue);
                   std::vector<LinkRow> links;
                   CHECK_OR_FAIL(store.LoadLinks(links) == Win32Error::kSuccess);
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value.data == Bytes{8});
-                  CHECK_OR_FAIL(!store.ReadValue(kRoot, "Imagined", "").keyOpened);
+                  CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value.data == Bytes{8});
+                  CHECK_OR_FAIL(!store.ReadValue(kHkeyLocalMachine, "Imagined", "").keyOpened);
                   CHECK_OR_FAIL(store.Transact([](Editor& editor) { return editor.CreateKey("Again"); }) ==
                                 Win32Error::kSuccess);
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value.data == Bytes{8});
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "Again", "").keyOpened);
+                  CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value.data == Bytes{8});
+                  CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "Again", "").keyOpened);
                   return 0;
               }),
               0);
@@ -240,18 +247,19 @@ TEST_F(RegistryStoreRights, ThatAppearLaterTakeThePlaceOfAnEmptyStore) {
         char byte = 0;
         if (read(ready[0], &byte, 1) != 1) _exit(1);
         RegistryStore store(path_);
-        const bool done = Ok(store.Apply(kRoot, {{Kind::kSetValue, "K\\Sub", "v", kValue}}));
+        const bool done =
+            Ok(store.Apply(kHkeyLocalMachine, {{Kind::kSetValue, "K\\Sub", "v", kStoredValue}}));
         _exit(write(made[1], "d", 1) == 1 && done ? 0 : 2);
     }
     ASSERT_GT(maker, 0);
     EXPECT_EQ(test::WithoutPrivileges([&] {
                   RegistryStore store(path_);
                   char byte = 0;
-                  CHECK_OR_FAIL(!store.ReadValue(kRoot, "K\\Sub", "v").keyOpened);
+                  CHECK_OR_FAIL(!store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").keyOpened);
                   CHECK_OR_FAIL(write(ready[1], "g", 1) == 1 && read(made[0], &byte, 1) == 1);
                   std::vector<LinkRow> links;
                   CHECK_OR_FAIL(store.LoadLinks(links) == Win32Error::kSuccess);
-                  CHECK_OR_FAIL(store.ReadValue(kRoot, "K\\Sub", "v").value == kValue);
+                  CHECK_OR_FAIL(store.ReadValue(kHkeyLocalMachine, "K\\Sub", "v").value == kStoredValue);
                   return 0;
               }),
               0);

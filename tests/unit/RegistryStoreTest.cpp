@@ -13,7 +13,6 @@
 namespace corvane {
 namespace {
 
-constexpr RegistryRoot kRoot = kHkeyLocalMachine;
 using Bytes = std::vector<std::uint8_t>;
 using Kind = RegistryStore::Change::Kind;
 using Editor = RegistryStore::Editor;
@@ -27,13 +26,13 @@ LinkRow BareRow(const std::string& id) {
 class RegistryStoreTest : public testing::Test {
  protected:
     Bytes Data(const std::string& key, const std::string& name) {
-        const RegistryRead read = store_.ReadValue(kRoot, key, name);
+        const RegistryRead read = store_.ReadValue(kHkeyLocalMachine, key, name);
         EXPECT_EQ(read.code, Win32Error::kSuccess) << key << " " << name;
         return read.value.data;
     }
-    bool HasKey(const std::string& key) { return store_.ReadValue(kRoot, key, "").keyOpened; }
+    bool HasKey(const std::string& key) { return store_.ReadValue(kHkeyLocalMachine, key, "").keyOpened; }
     void Set(const std::string& key, const std::string& name, const Bytes& data) {
-        ASSERT_EQ(store_.Apply(kRoot, {{Kind::kSetValue, key, name, {kRegBinary, data}}}),
+        ASSERT_EQ(store_.Apply(kHkeyLocalMachine, {{Kind::kSetValue, key, name, {kRegBinary, data}}}),
                   Win32Error::kSuccess);
     }
 
@@ -47,13 +46,13 @@ class RegistryStoreTest : public testing::Test {
 TEST_F(RegistryStoreTest, KeepsEverythingForTheNextProgram) {
     Set("A\\B", "v", {1, 2});
     RegistryStore next(path_);
-    EXPECT_EQ(next.ReadValue(kRoot, "a\\b", "V").value, (RegistryValue{kRegBinary, {1, 2}}));
+    EXPECT_EQ(next.ReadValue(kHkeyLocalMachine, "a\\b", "V").value, (RegistryValue{kRegBinary, {1, 2}}));
 }
 
 TEST_F(RegistryStoreTest, ValuesComeInOrderWithTheirNames) {
     for (const char* name : {"b", "A", "_", "", "10", "9"}) Set("K", name, {1});
     std::vector<NamedValue> values;
-    ASSERT_EQ(store_.EnumValues(kRoot, "k", values), Win32Error::kSuccess);
+    ASSERT_EQ(store_.EnumValues(kHkeyLocalMachine, "k", values), Win32Error::kSuccess);
     std::vector<std::string> names;
     for (const NamedValue& value : values) names.push_back(value.name);
     EXPECT_EQ(names, (std::vector<std::string>{"", "10", "9", "A", "b", "_"}));
@@ -61,15 +60,15 @@ TEST_F(RegistryStoreTest, ValuesComeInOrderWithTheirNames) {
 }
 
 TEST_F(RegistryStoreTest, AKeyWithoutValuesGivesNone) {
-    ASSERT_EQ(store_.CreateKey(kRoot, "K"), Win32Error::kSuccess);
+    ASSERT_EQ(store_.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
     std::vector<NamedValue> values(3);
-    EXPECT_EQ(store_.EnumValues(kRoot, "K", values), Win32Error::kSuccess);
+    EXPECT_EQ(store_.EnumValues(kHkeyLocalMachine, "K", values), Win32Error::kSuccess);
     EXPECT_TRUE(values.empty());
 }
 
 TEST_F(RegistryStoreTest, AMissingKeyLeavesTheValues) {
     std::vector<NamedValue> values(3);
-    EXPECT_EQ(store_.EnumValues(kRoot, "K", values), Win32Error::kFileNotFound);
+    EXPECT_EQ(store_.EnumValues(kHkeyLocalMachine, "K", values), Win32Error::kFileNotFound);
     EXPECT_EQ(values.size(), 3U);
 }
 
@@ -77,7 +76,7 @@ TEST_F(RegistryStoreTest, AValueKeepsTheCaseItWasMadeWith) {
     Set("K", "Name", {1});
     Set("K", "NAME", {2});
     std::vector<NamedValue> values;
-    ASSERT_EQ(store_.EnumValues(kRoot, "K", values), Win32Error::kSuccess);
+    ASSERT_EQ(store_.EnumValues(kHkeyLocalMachine, "K", values), Win32Error::kSuccess);
     ASSERT_EQ(values.size(), 1U);
     EXPECT_EQ(values[0].name, "Name");
     EXPECT_EQ(values[0].value.data, (Bytes{2}));
@@ -85,35 +84,35 @@ TEST_F(RegistryStoreTest, AValueKeepsTheCaseItWasMadeWith) {
 
 TEST_F(RegistryStoreTest, DeletingAKeyTakesEverythingBelowAndNothingBeside) {
     for (const char* key : {"K", "K\\a", "K\\a\\b", "K]", "K[", "Ka", "K a", "L"}) Set(key, "v", {1});
-    ASSERT_EQ(store_.DeleteKey(kRoot, "k"), Win32Error::kSuccess);
+    ASSERT_EQ(store_.DeleteKey(kHkeyLocalMachine, "k"), Win32Error::kSuccess);
     for (const char* key : {"K", "K\\a", "K\\a\\b"}) EXPECT_FALSE(HasKey(key)) << key;
     for (const char* key : {"K]", "K[", "Ka", "K a", "L"}) EXPECT_EQ(Data(key, "v"), (Bytes{1})) << key;
 }
 
 TEST_F(RegistryStoreTest, AKeyMadeAnewAfterDeletingHasNoValues) {
     Set("K", "v", {1});
-    ASSERT_EQ(store_.DeleteKey(kRoot, "K"), Win32Error::kSuccess);
-    ASSERT_EQ(store_.CreateKey(kRoot, "K"), Win32Error::kSuccess);
-    EXPECT_EQ(store_.ReadValue(kRoot, "K", "v").code, Win32Error::kFileNotFound);
+    ASSERT_EQ(store_.DeleteKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
+    ASSERT_EQ(store_.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
+    EXPECT_EQ(store_.ReadValue(kHkeyLocalMachine, "K", "v").code, Win32Error::kFileNotFound);
 }
 
 TEST_F(RegistryStoreTest, DeletingAMissingKeyIsAnError) {
-    EXPECT_EQ(store_.DeleteKey(kRoot, "K"), Win32Error::kFileNotFound);
+    EXPECT_EQ(store_.DeleteKey(kHkeyLocalMachine, "K"), Win32Error::kFileNotFound);
 }
 
 TEST_F(RegistryStoreTest, TheRootCannotBeDeleted) {
     Set("K", "v", {1});
-    EXPECT_EQ(store_.DeleteKey(kRoot, ""), Win32Error::kAccessDenied);
-    EXPECT_EQ(store_.DeleteKey(kRoot, "\\"), Win32Error::kAccessDenied);
+    EXPECT_EQ(store_.DeleteKey(kHkeyLocalMachine, ""), Win32Error::kAccessDenied);
+    EXPECT_EQ(store_.DeleteKey(kHkeyLocalMachine, "\\"), Win32Error::kAccessDenied);
     EXPECT_EQ(Data("K", "v"), (Bytes{1}));
 }
 
 TEST_F(RegistryStoreTest, EmptyPiecesOfAPathDoNotCount) {
-    ASSERT_EQ(store_.CreateKey(kRoot, "\\A\\\\B\\"), Win32Error::kSuccess);
+    ASSERT_EQ(store_.CreateKey(kHkeyLocalMachine, "\\A\\\\B\\"), Win32Error::kSuccess);
     EXPECT_TRUE(HasKey("A\\B"));
     EXPECT_TRUE(HasKey("\\\\a\\b\\\\"));
     std::vector<std::string> names;
-    EXPECT_EQ(store_.EnumSubkeys(kRoot, "A\\", names), Win32Error::kSuccess);
+    EXPECT_EQ(store_.EnumSubkeys(kHkeyLocalMachine, "A\\", names), Win32Error::kSuccess);
     EXPECT_EQ(names, std::vector<std::string>{"B"});
 }
 
@@ -122,7 +121,7 @@ TEST_F(RegistryStoreTest, PathsThatLookSpecialToTheDatabaseAreFiles) {
     std::filesystem::current_path(folder_.Path());
     for (const char* path : {"file:x.db", ":memory:", "plain.db"}) {
         RegistryStore store(path);
-        EXPECT_EQ(store.CreateKey(kRoot, "K"), Win32Error::kSuccess);
+        EXPECT_EQ(store.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
         EXPECT_TRUE(std::filesystem::exists(path)) << path;
     }
     std::filesystem::current_path(former);
@@ -131,34 +130,36 @@ TEST_F(RegistryStoreTest, PathsThatLookSpecialToTheDatabaseAreFiles) {
 // ---- Apply ----
 
 TEST_F(RegistryStoreTest, ApplyMakesItsChangesInOrder) {
-    ASSERT_EQ(store_.Apply(kRoot, {{Kind::kCreateKey, "A", "", {}},
-                                   {Kind::kSetValue, "B\\C", "v", {kRegBinary, {1}}},
-                                   {Kind::kSetValue, "B\\C", "w", {kRegBinary, {2}}},
-                                   {Kind::kDeleteValue, "B\\C", "v", {}},
-                                   {Kind::kSetValue, "D", "v", {kRegBinary, {3}}},
-                                   {Kind::kDeleteKey, "D", "", {}}}),
+    ASSERT_EQ(store_.Apply(kHkeyLocalMachine, {{Kind::kCreateKey, "A", "", {}},
+                                               {Kind::kSetValue, "B\\C", "v", {kRegBinary, {1}}},
+                                               {Kind::kSetValue, "B\\C", "w", {kRegBinary, {2}}},
+                                               {Kind::kDeleteValue, "B\\C", "v", {}},
+                                               {Kind::kSetValue, "D", "v", {kRegBinary, {3}}},
+                                               {Kind::kDeleteKey, "D", "", {}}}),
               Win32Error::kSuccess);
     EXPECT_TRUE(HasKey("A"));
-    EXPECT_EQ(store_.ReadValue(kRoot, "B\\C", "v").code, Win32Error::kFileNotFound);
+    EXPECT_EQ(store_.ReadValue(kHkeyLocalMachine, "B\\C", "v").code, Win32Error::kFileNotFound);
     EXPECT_EQ(Data("B\\C", "w"), (Bytes{2}));
     EXPECT_FALSE(HasKey("D"));
 }
 
 TEST_F(RegistryStoreTest, ApplyForgivesDeletingWhatIsNotThere) {
-    EXPECT_EQ(store_.Apply(kRoot, {{Kind::kDeleteKey, "No", "", {}}, {Kind::kDeleteValue, "No", "v", {}}}),
+    EXPECT_EQ(store_.Apply(kHkeyLocalMachine,
+                           {{Kind::kDeleteKey, "No", "", {}}, {Kind::kDeleteValue, "No", "v", {}}}),
               Win32Error::kSuccess);
     EXPECT_FALSE(HasKey("No"));
 }
 
 TEST_F(RegistryStoreTest, ApplyIsAllOrNothing) {
-    EXPECT_EQ(
-        store_.Apply(kRoot, {{Kind::kSetValue, "A", "v", {kRegBinary, {1}}}, {Kind::kDeleteKey, "", "", {}}}),
-        Win32Error::kAccessDenied);
+    EXPECT_EQ(store_.Apply(kHkeyLocalMachine,
+                           {{Kind::kSetValue, "A", "v", {kRegBinary, {1}}}, {Kind::kDeleteKey, "", "", {}}}),
+              Win32Error::kAccessDenied);
     EXPECT_FALSE(HasKey("A"));
 }
 
 TEST_F(RegistryStoreTest, ApplyStoresTextAsItIs) {
-    ASSERT_EQ(store_.Apply(kRoot, {{Kind::kSetValue, "A", "v", {kRegSz, {'x'}}}}), Win32Error::kSuccess);
+    ASSERT_EQ(store_.Apply(kHkeyLocalMachine, {{Kind::kSetValue, "A", "v", {kRegSz, {'x'}}}}),
+              Win32Error::kSuccess);
     EXPECT_EQ(Data("A", "v"), (Bytes{'x'}));
 }
 
@@ -184,14 +185,14 @@ TEST_F(RegistryStoreTest, AnEditThatThrowsLeavesNothing) {
     }),
               Win32Error::kGenFailure);
     EXPECT_FALSE(HasKey("A"));
-    EXPECT_EQ(store_.CreateKey(kRoot, "B"), Win32Error::kSuccess);
+    EXPECT_EQ(store_.CreateKey(kHkeyLocalMachine, "B"), Win32Error::kSuccess);
 }
 
 TEST_F(RegistryStoreTest, TheStoresOwnOperationsTakePartInAnEdit) {
     EXPECT_EQ(store_.Transact([this](Editor& editor) {
         EXPECT_EQ(editor.CreateKey("A"), Win32Error::kSuccess);
-        EXPECT_EQ(store_.WriteValue(kRoot, "A", "v", {kRegBinary, {1}}), Win32Error::kSuccess);
-        EXPECT_EQ(store_.CreateKey(kRoot, "B"), Win32Error::kSuccess);
+        EXPECT_EQ(store_.WriteValue(kHkeyLocalMachine, "A", "v", {kRegBinary, {1}}), Win32Error::kSuccess);
+        EXPECT_EQ(store_.CreateKey(kHkeyLocalMachine, "B"), Win32Error::kSuccess);
         EXPECT_EQ(Data("A", "v"), (Bytes{1}));
         return Win32Error::kBusy;
     }),
@@ -240,21 +241,21 @@ TEST_F(RegistryStoreTest, WhatTheUserSetStaysAgainstTheKernel) {
         });
     };
     const RegistryValue value{kRegBinary, {1}};
-    ASSERT_EQ(store_.CreateKey(kRoot, "K"), Win32Error::kSuccess);
-    ASSERT_EQ(store_.WriteValue(kRoot, "K", "v", value), Win32Error::kSuccess);
+    ASSERT_EQ(store_.CreateKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
+    ASSERT_EQ(store_.WriteValue(kHkeyLocalMachine, "K", "v", value), Win32Error::kSuccess);
     EXPECT_EQ(fromKernel(), Win32Error::kSuccess);
-    EXPECT_EQ(store_.ReadValue(kRoot, "K", "v").value, value);
+    EXPECT_EQ(store_.ReadValue(kHkeyLocalMachine, "K", "v").value, value);
 
-    ASSERT_EQ(store_.DeleteKey(kRoot, "K"), Win32Error::kSuccess);
-    ASSERT_EQ(store_.Apply(kRoot, {{Kind::kSetValue, "K", "v", value}}), Win32Error::kSuccess);
+    ASSERT_EQ(store_.DeleteKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
+    ASSERT_EQ(store_.Apply(kHkeyLocalMachine, {{Kind::kSetValue, "K", "v", value}}), Win32Error::kSuccess);
     EXPECT_EQ(fromKernel(), Win32Error::kSuccess);
-    EXPECT_EQ(store_.ReadValue(kRoot, "K", "v").value, value);
+    EXPECT_EQ(store_.ReadValue(kHkeyLocalMachine, "K", "v").value, value);
 
-    ASSERT_EQ(store_.DeleteKey(kRoot, "K"), Win32Error::kSuccess);
+    ASSERT_EQ(store_.DeleteKey(kHkeyLocalMachine, "K"), Win32Error::kSuccess);
     ASSERT_EQ(store_.Transact([&](Editor& editor) { return editor.SetFromUser("K", "v", value); }),
               Win32Error::kSuccess);
     EXPECT_EQ(fromKernel(), Win32Error::kSuccess);
-    EXPECT_EQ(store_.ReadValue(kRoot, "K", "v").value, value);
+    EXPECT_EQ(store_.ReadValue(kHkeyLocalMachine, "K", "v").value, value);
 }
 
 TEST_F(RegistryStoreTest, TheUserTakesOverWhatTheKernelShowed) {
@@ -262,7 +263,7 @@ TEST_F(RegistryStoreTest, TheUserTakesOverWhatTheKernelShowed) {
         return editor.SetFromKernel("K", "v", {kRegBinary, {1}});
     }),
               Win32Error::kSuccess);
-    ASSERT_EQ(store_.WriteValue(kRoot, "K", "v", {kRegBinary, {2}}), Win32Error::kSuccess);
+    ASSERT_EQ(store_.WriteValue(kHkeyLocalMachine, "K", "v", {kRegBinary, {2}}), Win32Error::kSuccess);
     ASSERT_EQ(store_.Transact([](Editor& editor) {
         EXPECT_TRUE(editor.UserSet("K", "v"));
         return editor.SetFromKernel("K", "v", {kRegBinary, {3}});
@@ -273,7 +274,7 @@ TEST_F(RegistryStoreTest, TheUserTakesOverWhatTheKernelShowed) {
 
 TEST_F(RegistryStoreTest, AfterTheUserDeletedAValueTheKernelsIsRecordedAgain) {
     Set("K", "v", {1});
-    ASSERT_EQ(store_.DeleteValue(kRoot, "K", "v"), Win32Error::kSuccess);
+    ASSERT_EQ(store_.DeleteValue(kHkeyLocalMachine, "K", "v"), Win32Error::kSuccess);
     ASSERT_EQ(store_.Transact([](Editor& editor) {
         EXPECT_FALSE(editor.UserSet("K", "v"));
         return editor.SetFromKernel("K", "v", {kRegBinary, {2}});

@@ -20,7 +20,7 @@ using testing::IsEmpty;
 using Bytes = std::vector<std::uint8_t>;
 using Outcome = FakeIpHelper::Outcome;
 
-constexpr std::uint32_t kIndex = 3;
+constexpr std::uint32_t kLiveIndex = 3;
 
 class TcpipConfig : public testing::Test {
  protected:
@@ -37,7 +37,7 @@ class TcpipConfig : public testing::Test {
     }
 
     const NicInfo& ReadLive() {
-        nic_.IfIndex = kIndex;
+        nic_.IfIndex = kLiveIndex;
         return Read();
     }
 
@@ -92,9 +92,9 @@ TEST_F(TcpipConfig, WithoutTheFlagOrTheKeyDhcpIsOff) {
 // ---- live addresses
 
 TEST_F(TcpipConfig, LiveAddressesAreThoseOfTheInterfaceInTableOrder) {
-    ipHelper_.addresses = {{{192, 168, 1, 9}, {255, 255, 255, 0}, kIndex, 0xFFFF},
+    ipHelper_.addresses = {{{192, 168, 1, 9}, {255, 255, 255, 0}, kLiveIndex, 0xFFFF},
                            {{10, 0, 0, 1}, {255, 0, 0, 0}, 8, 1},
-                           {{10, 0, 0, 2}, {255, 255, 0, 0}, kIndex, 2}};
+                           {{10, 0, 0, 2}, {255, 255, 0, 0}, kLiveIndex, 2}};
     const NicInfo& nic = ReadLive();
     EXPECT_THAT(nic.IpAddresses, ElementsAre("192.168.1.9", "10.0.0.2"));
     EXPECT_THAT(nic.SubnetMasks, ElementsAre("255.255.255.0", "255.255.0.0"));
@@ -124,7 +124,7 @@ TEST_F(TcpipConfig, ADisabledAdapterShowsItsStoredAddresses) {
 }
 
 TEST_F(TcpipConfig, ALiveAdapterShowsItsStoredAddressesWhenTheTableCannotBeFetched) {
-    ipHelper_.addresses = {{{10, 0, 0, 1}, {255, 0, 0, 0}, kIndex, 1}};
+    ipHelper_.addresses = {{{10, 0, 0, 1}, {255, 0, 0, 0}, kLiveIndex, 1}};
     registry_.SetMulti(key_, "IPAddress", {"192.168.1.9"});
     registry_.SetMulti(key_, "SubnetMask", {"255.255.255.0"});
     for (const Outcome outcome : {Outcome::kNothingToRead, Outcome::kFailed}) {
@@ -215,12 +215,15 @@ IpForwardRow DefaultRoute(const Ipv4Bytes& nextHop, std::uint32_t index, std::ui
 
 TEST_F(TcpipConfig, LiveGatewaysAreTheDefaultRoutesOfTheInterfaceInTableOrder) {
     ipHelper_.routes = {
-        DefaultRoute({192, 168, 1, 254}, kIndex, 20),
+        DefaultRoute({192, 168, 1, 254}, kLiveIndex, 20),
         DefaultRoute({10, 0, 0, 1}, 8, 1),
-        DefaultRoute({192, 168, 1, 1}, kIndex, 0),
-        {.destination = {10, 0, 0, 0}, .mask = {255, 0, 0, 0}, .nextHop = {1, 1, 1, 1}, .ifIndex = kIndex},
-        {.destination = {}, .mask = {128, 0, 0, 0}, .nextHop = {2, 2, 2, 2}, .ifIndex = kIndex},
-        {.destination = {0, 0, 0, 1}, .mask = {}, .nextHop = {3, 3, 3, 3}, .ifIndex = kIndex}};
+        DefaultRoute({192, 168, 1, 1}, kLiveIndex, 0),
+        {.destination = {10, 0, 0, 0},
+         .mask = {255, 0, 0, 0},
+         .nextHop = {1, 1, 1, 1},
+         .ifIndex = kLiveIndex},
+        {.destination = {}, .mask = {128, 0, 0, 0}, .nextHop = {2, 2, 2, 2}, .ifIndex = kLiveIndex},
+        {.destination = {0, 0, 0, 1}, .mask = {}, .nextHop = {3, 3, 3, 3}, .ifIndex = kLiveIndex}};
     const NicInfo& nic = ReadLive();
     EXPECT_THAT(nic.Gateways, ElementsAre("192.168.1.254", "192.168.1.1"));
     EXPECT_THAT(nic.GatewayMetrics, ElementsAre("20", "0"));
@@ -228,7 +231,7 @@ TEST_F(TcpipConfig, LiveGatewaysAreTheDefaultRoutesOfTheInterfaceInTableOrder) {
 
 TEST_F(TcpipConfig, LiveMetricsOf0StayAsTheyAre) {
     registry_.SetDword(key_, "InterfaceMetric", 20);
-    ipHelper_.routes = {DefaultRoute({192, 168, 1, 1}, kIndex, 0)};
+    ipHelper_.routes = {DefaultRoute({192, 168, 1, 1}, kLiveIndex, 0)};
     EXPECT_THAT(ReadLive().GatewayMetrics, ElementsAre("0"));
 }
 
@@ -248,8 +251,8 @@ TEST_F(TcpipConfig, ADisabledAdapterShowsItsStoredGateways) {
 }
 
 TEST_F(TcpipConfig, ALiveAdapterShowsItsStoredGatewaysWhenTheRoutesCannotBeFetched) {
-    ipHelper_.routes = {DefaultRoute({192, 168, 1, 1}, kIndex, 1)};
-    ipHelper_.addresses = {{{192, 168, 1, 9}, {255, 255, 255, 0}, kIndex, 1}};
+    ipHelper_.routes = {DefaultRoute({192, 168, 1, 1}, kLiveIndex, 1)};
+    ipHelper_.addresses = {{{192, 168, 1, 9}, {255, 255, 255, 0}, kLiveIndex, 1}};
     registry_.SetMulti(key_, "DefaultGateway", {"10.0.0.1"});
     registry_.SetMulti(key_, "DefaultGatewayMetric", {"7"});
     for (const Outcome outcome : {Outcome::kNothingToRead, Outcome::kFailed}) {

@@ -18,7 +18,7 @@ using test::TempFolder;
 using test::WriteBytes;
 
 /// The number of the failure; 0 when there is none.
-int FailureOf(const std::function<void()>& action) {
+int NumberOfFailure(const std::function<void()>& action) {
     try {
         action();
     } catch (const RunTimeError& error) {
@@ -31,7 +31,8 @@ TEST(LoadVendorList, UnreadableFileIsError70) {
     const TempFolder folder;
     WriteBytes(folder / "VendorNumbers.log", std::string("\1\0\0\0", 4) + "00000C" + std::string(4, '\0'));
     std::filesystem::permissions(folder / "VendorNumbers.log", std::filesystem::perms::none);
-    EXPECT_EQ(test::WithoutPrivileges([&] { return FailureOf([&] { LoadVendorList(folder / ""); }); }), 70);
+    EXPECT_EQ(test::WithoutPrivileges([&] { return NumberOfFailure([&] { LoadVendorList(folder / ""); }); }),
+              70);
 }
 
 /// The most address space in KiB that this process has had.
@@ -48,7 +49,7 @@ TEST(VendorTable, CountOfTwoBillionIsError62WithoutMemoryForIt) {
         const long before = PeakAddressSpace();
         const std::string twoBillion("\x00\x94\x35\x77", 4);
         const int failure =
-            FailureOf([&] { VendorTable::Parse(twoBillion + std::string(1000, '\0'), "list"); });
+            NumberOfFailure([&] { VendorTable::Parse(twoBillion + std::string(1000, '\0'), "list"); });
         return PeakAddressSpace() - before < 64 * 1024 ? failure : 120;
     });
     EXPECT_EQ(code, 62);

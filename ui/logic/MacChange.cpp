@@ -15,17 +15,17 @@ namespace corvane {
 
 namespace {
 
-constexpr int kLastBox = 5;
+constexpr int kLastOctet = 5;
 
 void EmptyBoxes(MacBoxesView& boxes, VendorBoxView& vendorList) {
-    for (int box = 0; box <= kLastBox; ++box) boxes.SetText(box, "");
+    for (int box = 0; box <= kLastOctet; ++box) boxes.SetText(box, "");
     vendorList.SetVendorText("");
 }
 
 /// Pads the boxes unless all of them are empty. The address as the question names it.
 std::string PadAndShow(MacBoxesView& boxes) {
     if (JoinMacText(boxes, "").empty()) return "ORIGINAL MAC ADDRESS ASSIGNED BY MANUFACTURER";
-    NormaliseOctets(boxes, 0, kLastBox);
+    NormaliseOctets(boxes, 0, kLastOctet);
     return JoinMacText(boxes, "-");
 }
 

@@ -6,14 +6,13 @@
 /// in a box with what the system says.
 namespace corvane {
 
-/// The menu items for help: "help.html" in the program folder, which ends in the separator.
+/// `mnuShowHelp`, `mnuHelp`: "help.html" in the program folder, which ends in the separator.
 void OpenHelp(const std::string& programFolder);
-/// The menu item for the web site; the picture and the web-site label of the about box; the splash window's
-/// picture.
+/// `mnuOrvellaWebsite`; the picture and the web-site label of the about box; the splash window's picture.
 void OpenWebsite();
-/// The menu item that looks for updates.
+/// `mnuCheckUpdates`
 void OpenUpdates();
-/// The menu item for donations.
+/// `mnuDonate`
 void OpenDonations();
 /// A new mail to the maker.
 void OpenMail();

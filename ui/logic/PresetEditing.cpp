@@ -20,7 +20,7 @@ using enum PresetCheck;
 constexpr PresetCheck kChecks[] = {ckCPMAC, ckCPRanMAC, ckCPDefMAC, ckCPDHCP, ckCPIP, ckCPGateway, ckCPDNS};
 /// Boxes of the editor.
 constexpr int kFirstBox = 6;
-constexpr int kLastBox = 11;
+constexpr int kLastMacBox = 11;
 
 std::optional<std::size_t> FindPreset(const std::string& name) {
     const std::string wanted = ToLower(name);
@@ -71,7 +71,7 @@ void PresetEditing::Leave() {
 
 void PresetEditing::Reset() {
     for (const PresetCheck check : kChecks) editor_.SetTicked(check, false);
-    for (int box = kFirstBox; box <= kLastBox; ++box) editor_.MacBoxes().SetText(box, "");
+    for (int box = kFirstBox; box <= kLastMacBox; ++box) editor_.MacBoxes().SetText(box, "");
     FillRows(editor_.ListIP(), kIpTitle, {});
     FillRows(editor_.ListGateway(), kGatewayTitle, {});
     FillRows(editor_.ListDNS(), kDnsTitle, {});
@@ -110,7 +110,7 @@ void PresetEditing::Fill(const PresetRecord& preset) {
 
 void PresetEditing::FillMac(const std::string& mac) {
     const std::vector<std::string> octets = Split(mac, '-');
-    for (std::size_t i = 0; i < octets.size() && kFirstBox + static_cast<int>(i) <= kLastBox; ++i)
+    for (std::size_t i = 0; i < octets.size() && kFirstBox + static_cast<int>(i) <= kLastMacBox; ++i)
         editor_.MacBoxes().SetText(kFirstBox + static_cast<int>(i), octets[i]);
 }
 
@@ -153,7 +153,7 @@ std::string PresetEditing::EnteredMac() const {
     MacBoxesView& boxes = editor_.MacBoxes();
     // As when an address is changed at once: no octets mean the original address, missing digits are zeros.
     if (JoinMacText(boxes, "", kFirstBox).empty()) return {};
-    NormaliseOctets(boxes, kFirstBox, kLastBox);
+    NormaliseOctets(boxes, kFirstBox, kLastMacBox);
     return JoinMacText(boxes, "-", kFirstBox);
 }
 

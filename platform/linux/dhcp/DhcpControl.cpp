@@ -30,7 +30,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kStatusMilliseconds = 5000;
 constexpr int kRequestMilliseconds = 15000;
 constexpr int kStartMilliseconds = 20000;
 constexpr int kStopMilliseconds = 20000;
@@ -128,7 +127,7 @@ bool DhcpRunning(std::uint32_t linkIndex) {
     DhcpCaller caller;
     DhcpAnswer answer;
     return caller.Connect(linkIndex) == DhcpCaller::Outcome::kAnswered &&
-           caller.Ask(kAskStatus, kStatusMilliseconds, answer) == DhcpCaller::Outcome::kAnswered;
+           caller.Ask(kAskStatus, kDhcpStatusMilliseconds, answer) == DhcpCaller::Outcome::kAnswered;
 }
 
 DhcpAnswer StartDhcp(std::uint32_t linkIndex, const std::string& linkName, const std::string& linkId) {

@@ -28,7 +28,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kStatusMilliseconds = 5000;
 constexpr std::chrono::seconds kOpenPatience{10};
 
 /// False when the path is too long for a socket's address.
@@ -89,7 +88,7 @@ DhcpCaller::Outcome DhcpCaller::Connect(std::uint32_t linkIndex) {
     if (!SocketAddress(DhcpSocketPath(linkIndex), address)) return Outcome::kNobody;
     Descriptor socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
     // connect(2) waits that long for a place in a full queue.
-    const timeval patience{kStatusMilliseconds / 1000, 0};
+    const timeval patience{kDhcpStatusMilliseconds / 1000, 0};
     setsockopt(socket.Get(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     while (connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         if (errno == EINTR) continue;
@@ -166,7 +165,7 @@ DhcpListener::Opening DhcpListener::Open(std::uint32_t linkIndex) {
         // Asked without the lock: a supervisor that is ending needs it to remove its file.
         DhcpAnswer answer;
         if (found == DhcpCaller::Outcome::kAnswered)
-            found = former.Ask(kAskStatus, kStatusMilliseconds, answer);
+            found = former.Ask(kAskStatus, kDhcpStatusMilliseconds, answer);
         if (found == DhcpCaller::Outcome::kAnswered) return {Outcome::kAnotherRuns, {}};
         if (found != DhcpCaller::Outcome::kNobody) break;
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

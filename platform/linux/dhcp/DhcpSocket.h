@@ -17,6 +17,9 @@ inline constexpr char kAskRenew[] = "renew";
 inline constexpr char kAskRelease[] = "release";
 inline constexpr char kAskStop[] = "stop";
 
+/// How long a supervisor may take to say that it is there.
+inline constexpr int kDhcpStatusMilliseconds = 5000;
+
 /// The controlling end.
 class DhcpCaller {
  public:

@@ -61,22 +61,22 @@ int MakeFile(const std::string& path) {
     return result;
 }
 
-/// Which file a path led to.
-struct FileIdentity {
-    dev_t device = 0;
-    ino_t inode = 0;
-    bool operator==(const FileIdentity&) const = default;
-};
-
-FileIdentity IdentityOf(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0) return {};
-    return {status.st_dev, status.st_ino};
-}
-
 }  // namespace
 
 struct RegistryStore::Impl {
+    /// Which file a path led to.
+    struct FileIdentity {
+        dev_t device = 0;
+        ino_t inode = 0;
+        bool operator==(const FileIdentity&) const = default;
+    };
+
+    static FileIdentity IdentityOf(const std::string& path) {
+        struct stat status {};
+        if (stat(path.c_str(), &status) != 0) return {};
+        return {status.st_dev, status.st_ino};
+    }
+
     enum class State {
         kClosed,  ///< Not opened yet, or a passing failure: the next operation tries.
         kOpen,

@@ -1,1 +1,0 @@
-corvane_test(NAME address_operations_test SOURCES unit/AddressOperationsTest.cpp LIBS corvane_fakes)

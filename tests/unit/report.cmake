@@ -1,1 +1,0 @@
-corvane_test(NAME report_test SOURCES unit/TextReportTest.cpp LIBS corvane_fakes)
