@@ -1,5 +1,6 @@
 """The X server of the desktop: its windows, keyboard and mouse."""
 
+import select
 import time
 
 from Xlib import X, XK, display, error
@@ -7,6 +8,9 @@ from Xlib.ext import xtest
 from Xlib.protocol.event import ClientMessage
 
 from waiting import SECONDS, NotNow
+
+# How long it takes at most to see that a window which was to answer is gone.
+GONE_SECONDS = 0.02
 
 
 class Screen:
@@ -142,5 +146,5 @@ class Screen:
             while self.display.pending_events():
                 if wanted(self.display.next_event()):
                     return
-            time.sleep(0.002)
+            select.select([self.display.fileno()], [], [], GONE_SECONDS)
         raise NotNow("it is busy")

@@ -42,7 +42,7 @@ class PlugAndPlay(threading.Thread):
 
     def run(self):
         try:
-            while not self.end.wait(0.02):
+            while not self.end.wait(0.05):
                 diary = self.test.diary
                 for line in diary[self.done:]:
                     verb, _, name = line.partition(" ")
