@@ -10,7 +10,7 @@ from Xlib import error
 SECONDS = 20
 
 # Between two looks. What does not come at once takes its time, and a look keeps the program from its work.
-SHORTEST_PAUSE, LONGEST_PAUSE, PAUSE_GROWTH = 0.01, 0.05, 1.2
+SHORTEST_PAUSE, LONGEST_PAUSE, PAUSE_GROWTH = 0.01, 0.03, 1.2
 
 
 class NotNow(Exception):
