@@ -4,14 +4,13 @@
 #include <vector>
 
 #include "base/Text.h"
+#include "platform/windows/SystemError.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/Windows.h"
 
 namespace corvane {
 
 namespace {
-
-Win32Error FromSystem(DWORD code) { return static_cast<Win32Error>(code); }
 
 Ipv4Bytes Bytes(DWORD address) {
     Ipv4Bytes bytes;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/windows/SystemError.h"
 #include "platform/windows/SystemMessage.h"
 #include "platform/windows/SystemTables.h"
 #include "platform/windows/WideText.h"
@@ -11,8 +12,6 @@
 namespace corvane {
 
 namespace {
-
-Win32Error FromSystem(DWORD code) { return static_cast<Win32Error>(code); }
 
 DWORD Dword(const Ipv4Bytes& bytes) {
     DWORD address = 0;

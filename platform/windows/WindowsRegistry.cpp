@@ -5,6 +5,7 @@
 
 #include "base/Text.h"
 #include "platform/CodePage.h"
+#include "platform/windows/SystemError.h"
 #include "platform/windows/Windows.h"
 
 namespace corvane {
@@ -13,8 +14,6 @@ namespace {
 
 constexpr DWORD kFirstNameLength = 32;
 constexpr DWORD kLongestName = 102400;
-
-Win32Error FromSystem(LSTATUS status) { return static_cast<Win32Error>(status); }
 
 HKEY Root(RegistryRoot root) {
     // The predefined handles are sign-extended numbers (winreg.h).

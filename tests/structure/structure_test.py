@@ -90,7 +90,7 @@ def is_windows_code(path):
 def windows_toolkit():
     """The compiler's options for the window library, as the Windows program is built with it."""
     with open(os.path.join(WINDOWS_BUILD, "compile_commands.json"), encoding="utf-8") as listing:
-        command = next(unit["command"] for unit in json.load(listing) if unit["file"].endswith("/ui/frmMain.cpp"))
+        command = next(unit["command"] for unit in json.load(listing) if "/corvane_ui.dir/" in unit["command"])
     words = shlex.split(command)
     flags = [word for word in words if word.startswith("-D")]
     for option, folder in zip(words, words[1:]):
