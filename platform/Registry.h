@@ -6,7 +6,7 @@
 
 #include "platform/Platform.h"
 
-/// The program's one door to the registry: nine stateless operations over the installed platform. Each
+/// The program's one door to the registry: seven stateless operations over the installed platform. Each
 /// returns the Win32 error code (0 = success) and shows nothing; the box of a failure is its caller's to
 /// show. Text is converted to and from the single-byte code page here.
 namespace corvane {
