@@ -163,13 +163,14 @@ def main():
     tidy = Tidy(build)
     work = list(groups(listed))
     clean = sum(tidy.stamp(members).exists() for members in work)
+    findings = 0
     with concurrent.futures.ThreadPoolExecutor(JOBS) as pool:
-        found = list(filter(None, pool.map(tidy.look_at, work)))
-    # A finding in a header is found by every unit that includes it.
-    for finding in dict.fromkeys(found):
-        print(finding, end="")
-    print(f"{len(listed)} units in {len(work)} groups, {clean} of them known to be clean, {len(found)} with findings")
-    sys.exit(1 if found else 0)
+        for done in concurrent.futures.as_completed([pool.submit(tidy.look_at, members) for members in work]):
+            if done.result():
+                findings += 1
+                print(done.result(), end="", flush=True)
+    print(f"{len(listed)} units in {len(work)} groups, {clean} of them known to be clean, {findings} with findings")
+    sys.exit(1 if findings else 0)
 
 
 if __name__ == "__main__":
