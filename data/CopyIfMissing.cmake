@@ -1,4 +1,4 @@
-# Run with -DFROM=file -DTO=file: copies FROM to TO unless there is a file already, which the user may have changed.
+# With FROM and TO, each a file: copies FROM to TO unless there is a file already, which the user may have changed.
 if(NOT EXISTS "${TO}")
     file(COPY_FILE "${FROM}" "${TO}")
 endif()

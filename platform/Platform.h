@@ -272,7 +272,8 @@ class HostApi {
  public:
     virtual ~HostApi() = default;
     virtual OsIdentity Os() = 0;
-    /// The folder that holds the program, with or without a separator at its end.
+    /// The folder that holds the program's data files, with or without a separator at its end: that of the
+    /// program, unless an installation has them apart.
     virtual std::string ProgramFolder() = 0;
     /// The path separator of the system, '\' or '/'.
     virtual char Separator() = 0;

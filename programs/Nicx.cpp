@@ -21,7 +21,12 @@ namespace {
 
 void PrintLines(const std::string& text) { std::cout << Without(text, '\r') << '\n'; }
 
-std::string WindowProgram() { return CurrentPlatform().host->ProgramFolder() + "/nicx-window"; }
+/// The window lies beside this program, wherever its data files do.
+std::string WindowProgram() {
+    std::error_code error;
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (self.parent_path() / "nicx-window").string();
+}
 
 bool Exists(const std::string& program) {
     std::error_code error;

@@ -64,7 +64,14 @@ OsIdentity SystemHost::Os() {
 std::string SystemHost::ProgramFolder() {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? "." : program.parent_path().string();
+    if (error) return ".";
+    const std::filesystem::path beside = program.parent_path();
+    const std::filesystem::path installed = (beside / CORVANE_DATA_FOLDER).lexically_normal();
+    // One of the files tells for all: they lie together.
+    const char* const sign = "VendorNumbers.log";
+    const bool isInstalled =
+        !std::filesystem::exists(beside / sign, error) && std::filesystem::exists(installed / sign, error);
+    return isInstalled ? installed.string() : beside.string();
 }
 
 std::string SystemHost::GeneralDate(const DateTime& date) {
