@@ -28,13 +28,16 @@ AddressListBox::AddressListBox(wxWindow* parent, AddressListHost& host, const Ad
       kind_(kind),
       list_(RowList::Make(parent, *this, kind.name, Columns(kind), false)),
       sizer_(new wxBoxSizer(wxVERTICAL)) {
+    SetControlName(list_->Window(), kind.control);
     list_->SetVisibleRows(kind.visibleRows);
     auto* const grid = new wxGridSizer(kind.upCommand == 0 ? 1 : 2, kTightGap, kTightGap);
     AddButton(parent, grid, kind.addCommand, "add", kind.addTip);
-    if (kind.upCommand != 0) AddButton(parent, grid, kind.upCommand, "up", "One up DNS Server priority");
+    if (kind.upCommand != 0) {
+        Named("Command12", AddButton(parent, grid, kind.upCommand, "up", "One up DNS Server priority"));
+    }
     AddButton(parent, grid, kind.removeCommand, "remove", kind.removeTip);
     if (kind.downCommand != 0) {
-        AddButton(parent, grid, kind.downCommand, "down", "One down DNS Server priority");
+        Named("Command13", AddButton(parent, grid, kind.downCommand, "down", "One down DNS Server priority"));
     }
     auto* const row = new wxBoxSizer(wxHORIZONTAL);
     row->Add(&list_->Window(), 1, wxEXPAND | wxRIGHT, kTightGap);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "ui/ControlNames.h"
 #include "ui/EntryPanel.h"
 #include "ui/RowList.h"
 #include "ui/logic/AddressList.h"
@@ -19,6 +20,7 @@ namespace corvane {
 
 /// What differs between the three lists of addresses.
 struct AddressListKind {
+    ControlName control;
     const char* name;    ///< Title of the first column, and the accessible name.
     const char* second;  ///< Title of the second column; empty for none.
     int visibleRows;     ///< Rows that show without scrolling.

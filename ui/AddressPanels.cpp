@@ -18,6 +18,22 @@ namespace {
 
 constexpr int kNoteCharacters = 40;
 
+constexpr EntryPanelKind kAddIp{.panel = "fAddIP",
+                                .add = "Command16",
+                                .close = "Command17",
+                                .caption = "Enter IP Address Below",
+                                .addLabel = "Add IP"};
+constexpr EntryPanelKind kAddGateway{.panel = "fAddGateway",
+                                     .add = "Command19",
+                                     .close = "Command18",
+                                     .caption = "Enter Gateway IP Address Below",
+                                     .addLabel = "Add Gateway"};
+constexpr EntryPanelKind kAddDns{.panel = "fAddDNS",
+                                 .add = "Command15",
+                                 .close = "Command14",
+                                 .caption = "Enter DNS Server IP Below",
+                                 .addLabel = "Add DNS"};
+
 /// A box for a number of up to `digits` digits, whose whole text is selected when it gets the focus.
 wxTextCtrl* MakeNumberBox(wxWindow* parent, int digits) {
     wxTextCtrl* const box = MakeTextBox(parent, digits);
@@ -44,17 +60,17 @@ wxStaticText* Label(wxWindow* parent, const char* text) { return new wxStaticTex
 }  // namespace
 
 AddIPPanel::AddIPPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listIp)
-    : EntryPanel(parent, host, "Enter IP Address Below", "Add IP"), editing_(*this, listIp) {
+    : EntryPanel(parent, host, kAddIp), editing_(*this, listIp) {
     auto* const ipLabel = Label(this, "IP . . . . . . .");
-    ipAddress_ = corvane::IPAddress::Make(this, "IP address");
+    ipAddress_ = Named("IPAddress", corvane::IPAddress::Make(this, "IP address"));
     auto* const maskLabel = Label(this, "Mas&k . . . . .");
-    subnetMask_ = corvane::IPAddress::Make(this, "Subnet mask", maskEvents_);
+    subnetMask_ = Named("SubnetMask", corvane::IPAddress::Make(this, "Subnet mask", maskEvents_));
     FocusByMnemonic(subnetMask_);
     auto* const slash = Label(this, "/");
-    txtCIDR_ = MakeNumberBox(this, 3);
+    txtCIDR_ = Named("txtCIDR", MakeNumberBox(this, 3));
     SetAccessibleName(txtCIDR_, "Prefix length");
     txtCIDR_->SetToolTip("Prefix length: the number of one bits in the mask");
-    check2_ = new wxCheckBox(this, wxID_ANY, "Persistant IP Address");
+    persistent_ = Named("Check2", new wxCheckBox(this, wxID_ANY, "Persistant IP Address"));
     auto* const note = Label(this,
                              "Persistant IP address will be saved in registry and would persist across "
                              "system reboots.");
@@ -66,7 +82,7 @@ AddIPPanel::AddIPPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& 
     grid->Add(maskLabel, 0, wxALIGN_CENTER_VERTICAL);
     grid->Add(Row({subnetMask_, slash, txtCIDR_}));
     content_->Add(grid, 0, wxBOTTOM, kGap);
-    content_->Add(check2_, 0, wxBOTTOM, 2);
+    content_->Add(persistent_, 0, wxBOTTOM, 2);
     content_->Add(note);
 
     txtCIDR_->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
@@ -90,22 +106,22 @@ void AddIPPanel::SetCidr(const std::string& text) {
     if (Cidr() != text) txtCIDR_->SetValue(Wx(text));
 }
 
-bool AddIPPanel::Check2() const { return check2_->GetValue(); }
+bool AddIPPanel::PersistentTicked() const { return persistent_->GetValue(); }
 void AddIPPanel::Beep() { wxBell(); }
 
 AddGatewayPanel::AddGatewayPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listGateway)
-    : EntryPanel(parent, host, "Enter Gateway IP Address Below", "Add Gateway"),
-      editing_(*this, listGateway) {
-    gateway_ = corvane::IPAddress::Make(this, "Gateway");
+    : EntryPanel(parent, host, kAddGateway), editing_(*this, listGateway) {
+    gateway_ = Named("Gateway", corvane::IPAddress::Make(this, "Gateway"));
     auto* const label = Label(this, "Metric . . . .");
-    txtMetric_ = MakeNumberBox(this, 10);
+    txtMetric_ = Named("txtMetric", MakeNumberBox(this, 10));
     LabelFor(label, txtMetric_);
-    check4_ = new wxCheckBox(this, wxID_ANY, "Auto Metric");
-    check3_ = new wxCheckBox(this, wxID_ANY, "Persistant Gateway");
+    autoMetric_ = Named("Check4", new wxCheckBox(this, wxID_ANY, "Auto Metric"));
+    persistent_ = Named("Check3", new wxCheckBox(this, wxID_ANY, "Persistant Gateway"));
     content_->Add(gateway_, 0, wxBOTTOM, kGap);
-    content_->Add(Row({label, txtMetric_, check4_}), 0, wxBOTTOM, kGap);
-    content_->Add(check3_);
-    check4_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { editing_.Check4Clicked(host_.Target()); });
+    content_->Add(Row({label, txtMetric_, autoMetric_}), 0, wxBOTTOM, kGap);
+    content_->Add(persistent_);
+    autoMetric_->Bind(wxEVT_CHECKBOX,
+                      [this](wxCommandEvent&) { editing_.AutoMetricClicked(host_.Target()); });
 }
 
 IPAddressEntry& AddGatewayPanel::Gateway() { return gateway_->Entry(); }
@@ -114,13 +130,13 @@ std::string AddGatewayPanel::Metric() const { return Utf8(txtMetric_->GetValue()
 void AddGatewayPanel::SetMetric(const std::string& text) { txtMetric_->ChangeValue(Wx(text)); }
 void AddGatewayPanel::EnableMetric(bool enable) { txtMetric_->Enable(enable); }
 void AddGatewayPanel::FocusMetric() { txtMetric_->SetFocus(); }
-bool AddGatewayPanel::Check4() const { return check4_->GetValue(); }
-void AddGatewayPanel::SetCheck4(bool ticked) { check4_->SetValue(ticked); }
-bool AddGatewayPanel::Check3() const { return check3_->GetValue(); }
+bool AddGatewayPanel::AutoMetricTicked() const { return autoMetric_->GetValue(); }
+void AddGatewayPanel::TickAutoMetric(bool ticked) { autoMetric_->SetValue(ticked); }
+bool AddGatewayPanel::PersistentTicked() const { return persistent_->GetValue(); }
 
 AddDNSPanel::AddDNSPanel(wxWindow* parent, EntryPanelHost& host, AddressListView& listDns)
-    : EntryPanel(parent, host, "Enter DNS Server IP Below", "Add DNS"), editing_(*this, listDns) {
-    dnsAddress_ = corvane::IPAddress::Make(this, "DNS server");
+    : EntryPanel(parent, host, kAddDns), editing_(*this, listDns) {
+    dnsAddress_ = Named("DNSAddress", corvane::IPAddress::Make(this, "DNS server"));
     content_->Add(dnsAddress_);
 }
 

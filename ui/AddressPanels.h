@@ -32,7 +32,7 @@ class AddIPPanel : public EntryPanel, private IpPanelView {
     void FocusIPAddress() override;
     std::string Cidr() const override;
     void SetCidr(const std::string& text) override;
-    bool Check2() const override;
+    bool PersistentTicked() const override;
     void Beep() override;
 
     /// The mask, whose prefix length is shown too.
@@ -49,7 +49,7 @@ class AddIPPanel : public EntryPanel, private IpPanelView {
     corvane::IPAddress* ipAddress_;
     corvane::IPAddress* subnetMask_;
     wxTextCtrl* txtCIDR_;
-    wxCheckBox* check2_;
+    wxCheckBox* persistent_;
     IpEditing editing_;
     MaskEvents maskEvents_{editing_};
 };
@@ -71,14 +71,14 @@ class AddGatewayPanel : public EntryPanel, private GatewayPanelView {
     void SetMetric(const std::string& text) override;
     void EnableMetric(bool enable) override;
     void FocusMetric() override;
-    bool Check4() const override;
-    void SetCheck4(bool ticked) override;
-    bool Check3() const override;
+    bool AutoMetricTicked() const override;
+    void TickAutoMetric(bool ticked) override;
+    bool PersistentTicked() const override;
 
     corvane::IPAddress* gateway_;
     wxTextCtrl* txtMetric_;
-    wxCheckBox* check4_;
-    wxCheckBox* check3_;
+    wxCheckBox* autoMetric_;
+    wxCheckBox* persistent_;
     GatewayEditing editing_;
 };
 

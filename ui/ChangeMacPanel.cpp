@@ -8,6 +8,7 @@
 #include <wx/utils.h>
 #include <wx/wrapsizer.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
 #include "ui/MacBoxRow.h"
@@ -23,6 +24,7 @@ ChangeMacPanel::ChangeMacPanel(wxWindow* parent, WindowHost& window, DetailsHost
       details_(details),
       heading_(new wxStaticText(this, wxID_ANY, "Change MAC Address", wxDefaultPosition, wxDefaultSize,
                                 wxST_ELLIPSIZE_END)) {
+    SetControlName(*this, "fChangeMAC");
     heading_->SetFont(heading_->GetFont().Bold());
     auto* const grid = new wxFlexGridSizer(2, kGap, kGap);
     grid->AddGrowableCol(1);
@@ -37,12 +39,13 @@ ChangeMacPanel::ChangeMacPanel(wxWindow* parent, WindowHost& window, DetailsHost
     MacBoxesView& boxes = *this;
     vendor_ = std::make_unique<VendorEntry>(boxes, *vendorBox_);
     entry_ = std::make_unique<MacEntry>(boxes, *vendor_);
-    check1_ = new wxCheckBox(this, wxID_ANY, "Automatically Restart Network Connection To Apply Changes");
+    restart_ = Named("Check1", new wxCheckBox(this, wxID_ANY,
+                                              "Automatically Restart Network Connection To Apply Changes"));
 
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(heading_, 0, wxEXPAND | wxBOTTOM, kGap);
     sizer->Add(grid, 0, wxEXPAND | wxBOTTOM, kGap);
-    sizer->Add(check1_, 0, wxBOTTOM, kGap);
+    sizer->Add(restart_, 0, wxBOTTOM, kGap);
     sizer->Add(MakeButtons(), 0, wxEXPAND);
     SetSizer(sizer);
 
@@ -64,18 +67,18 @@ wxButton* ChangeMacPanel::MakeButton(const char* label, const char* icon) {
 }
 
 wxSizer* ChangeMacPanel::MakeButtons() {
-    command9_ = MakeButton("Change Now !", "apply");
-    command10_ = MakeButton("&Original MAC", "original_mac");
-    command8_ = MakeButton("Random &MAC Address", "random");
+    changeNow_ = Named("Command9", MakeButton("Change Now !", "apply"));
+    originalMac_ = Named("Command10", MakeButton("&Original MAC", "original_mac"));
+    randomMac_ = Named("Command8", MakeButton("Random &MAC Address", "random"));
     auto* const close = new wxButton(this, wxID_ANY, "Close");
-    command9_->Bind(wxEVT_BUTTON,
-                    [this](wxCommandEvent&) { RunForSelected(&ChangeMacPanel::ChangeAddress); });
-    command10_->Bind(wxEVT_BUTTON,
-                     [this](wxCommandEvent&) { RunForSelected(&ChangeMacPanel::RestoreAddress); });
-    command8_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { vendor_->RandomAddress(); });
+    changeNow_->Bind(wxEVT_BUTTON,
+                     [this](wxCommandEvent&) { RunForSelected(&ChangeMacPanel::ChangeAddress); });
+    originalMac_->Bind(wxEVT_BUTTON,
+                       [this](wxCommandEvent&) { RunForSelected(&ChangeMacPanel::RestoreAddress); });
+    randomMac_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { vendor_->RandomAddress(); });
     close->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Close(); });
     auto* const row = new wxWrapSizer(wxHORIZONTAL, wxREMOVE_LEADING_SPACES);
-    for (wxButton* const button : {command9_, command10_, command8_, close}) {
+    for (wxButton* const button : {changeNow_, originalMac_, randomMac_, close}) {
         row->Add(button, 0, wxRIGHT | wxBOTTOM, kGap);
     }
     return row;
@@ -101,14 +104,14 @@ void ChangeMacPanel::SetText(int box, const std::string& text) { boxes_->SetText
 TextSelection ChangeMacPanel::Selection(int box) const { return boxes_->Selection(box); }
 void ChangeMacPanel::Select(int box, TextSelection selection) { boxes_->Select(box, selection); }
 void ChangeMacPanel::Focus(int box) { boxes_->Focus(box); }
-void ChangeMacPanel::FocusCheck1() { check1_->SetFocus(); }
-void ChangeMacPanel::EnableCommand9(bool enable) { command9_->Enable(enable); }
+void ChangeMacPanel::FocusRestartCheck() { restart_->SetFocus(); }
+void ChangeMacPanel::EnableChangeNow(bool enable) { changeNow_->Enable(enable); }
 void ChangeMacPanel::Beep() { wxBell(); }
-bool ChangeMacPanel::Check1() const { return check1_->GetValue(); }
-void ChangeMacPanel::SetCheck1(bool ticked) { check1_->SetValue(ticked); }
+bool ChangeMacPanel::RestartTicked() const { return restart_->GetValue(); }
+void ChangeMacPanel::TickRestart(bool ticked) { restart_->SetValue(ticked); }
 
 void ChangeMacPanel::ShowPanel(bool show) {
-    if (show) command9_->SetDefault();
+    if (show) changeNow_->SetDefault();
     Show(show);
     details_.Rearrange();
     if (!show) window_.ChangeMacClosed();

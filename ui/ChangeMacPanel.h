@@ -41,13 +41,13 @@ class ChangeMacPanel : public wxPanel, private MacBoxesView, private ChangeMacVi
     [[nodiscard]] TextSelection Selection(int box) const override;
     void Select(int box, TextSelection selection) override;
     void Focus(int box) override;
-    void FocusCheck1() override;
-    void EnableCommand9(bool enable) override;
+    void FocusRestartCheck() override;
+    void EnableChangeNow(bool enable) override;
     void Beep() override;
 
     // ChangeMacView
-    [[nodiscard]] bool Check1() const override;
-    void SetCheck1(bool ticked) override;
+    [[nodiscard]] bool RestartTicked() const override;
+    void TickRestart(bool ticked) override;
     void ShowPanel(bool show) override;
 
     // VendorBoxHost
@@ -66,10 +66,10 @@ class ChangeMacPanel : public wxPanel, private MacBoxesView, private ChangeMacVi
     wxStaticText* heading_;
     std::unique_ptr<MacBoxRow> boxes_;
     std::unique_ptr<VendorBox> vendorBox_;
-    wxCheckBox* check1_ = nullptr;
-    wxButton* command9_ = nullptr;
-    wxButton* command10_ = nullptr;
-    wxButton* command8_ = nullptr;
+    wxCheckBox* restart_ = nullptr;
+    wxButton* changeNow_ = nullptr;
+    wxButton* originalMac_ = nullptr;
+    wxButton* randomMac_ = nullptr;
     std::unique_ptr<VendorEntry> vendor_;
     std::unique_ptr<MacEntry> entry_;
 };

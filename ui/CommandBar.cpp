@@ -3,6 +3,7 @@
 #include <wx/button.h>
 #include <wx/wrapsizer.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
 #include "ui/WxText.h"
@@ -25,9 +26,11 @@ CommandBar::CommandBar(wxWindow* parent)
     refresh_ = Add(mnuRefresh, "&Refresh", "refresh", "Read the connections anew (F5)");
     changeMac_ = Add(mnuChangeMAC, "Chan&ge MAC", "change_mac", "Change the MAC address (Ctrl+M)");
     enable_ = Add(mnuEnable, cleared.enableButton, "enable", "Enable or disable the connection (Ctrl+E)");
-    command7_ = Add(mnuEnableDHCP, cleared.mnuEnableDHCP, "dhcp", "Switch DHCP on or off (Ctrl+D)");
-    command5_ = Add(mnuReleaseIP, "Re&lease IP", "release", "Give the DHCP lease back (Ctrl+L)");
-    command6_ = Add(mnuRenewIP, "Re&new IP", "renew", "Renew the DHCP lease (Ctrl+R)");
+    dhcp_ = Named("Command7",
+                  Add(mnuEnableDHCP, cleared.mnuEnableDHCP, "dhcp", "Switch DHCP on or off (Ctrl+D)"));
+    release_ =
+        Named("Command5", Add(mnuReleaseIP, "Re&lease IP", "release", "Give the DHCP lease back (Ctrl+L)"));
+    renew_ = Named("Command6", Add(mnuRenewIP, "Re&new IP", "renew", "Renew the DHCP lease (Ctrl+R)"));
     Add(mnuExportTextReportAs, "E&xport", "export", "Write a text report to a file (Ctrl+S)");
 }
 
@@ -42,16 +45,16 @@ wxButton* CommandBar::Add(int id, const std::string& caption, const std::string&
 void CommandBar::Update(const Details& details, const CommandStates& states) {
     SetCaption(enable_, details.enableButton);
     enable_->SetBitmap(Icon(details.enables ? "enable" : "disable"));
-    SetCaption(command7_, details.mnuEnableDHCP);
+    SetCaption(dhcp_, details.mnuEnableDHCP);
     changeMac_->Enable(states.changeMac);
     enable_->Enable(states.enable);
-    command7_->Enable(states.dhcp);
-    command5_->Enable(states.release);
-    command6_->Enable(states.renew);
+    dhcp_->Enable(states.dhcp);
+    release_->Enable(states.release);
+    renew_->Enable(states.renew);
     Layout();
 }
 
 void CommandBar::EnableRefresh(bool enable) { refresh_->Enable(enable); }
-void CommandBar::EnableDhcpButton(bool enable) { command7_->Enable(enable); }
+void CommandBar::EnableDhcpButton(bool enable) { dhcp_->Enable(enable); }
 
 }  // namespace corvane

@@ -29,9 +29,9 @@ class CommandBar : public wxPanel {
     wxButton* refresh_;
     wxButton* changeMac_;
     wxButton* enable_;
-    wxButton* command7_;  ///< DHCP on or off.
-    wxButton* command5_;  ///< Release.
-    wxButton* command6_;  ///< Renew.
+    wxButton* dhcp_;
+    wxButton* release_;
+    wxButton* renew_;
 };
 
 }  // namespace corvane

@@ -7,6 +7,7 @@
 #include <wx/utils.h>
 
 #include "ui/ChangeMacPanel.h"
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/Facts.h"
 #include "ui/PresetsPanel.h"
@@ -21,6 +22,7 @@ DetailsPanel::DetailsPanel(wxWindow* parent, WindowHost& window)
     : wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                        wxTAB_TRAVERSAL | wxVSCROLL | wxHSCROLL),
       window_(window) {
+    SetControlName(*this, "fDetails");
     title_ = new wxStaticText(this, wxID_ANY, "");
     title_->SetFont(title_->GetFont().Bold());
     left_ = new wxBoxSizer(wxVERTICAL);
@@ -90,14 +92,14 @@ void DetailsPanel::Rearrange() {
 wxSizer* DetailsPanel::MakeConnection() {
     auto* const grid = new wxFlexGridSizer(2, 1, 2 * kGap);
     grid->AddGrowableCol(1);
-    txtConnName_ = AddFact(this, grid, "Connection Name:");
-    txtDevName_ = AddFact(this, grid, "Device Name:");
-    txtHardID_ = AddFact(this, grid, "Hardware ID:");
-    txtConfigID_ = AddFact(this, grid, "Configuration ID:");
-    txtMAC_ = AddFact(this, grid, "MAC Address:");
-    txtManufac_ = AddFact(this, grid, "Manufacturer:");
-    labStatus_ = AddFact(this, grid, "Link Status:");
-    labSpeed_ = AddFact(this, grid, "Speed:");
+    txtConnName_ = AddFact(this, grid, "txtConnName", "Connection Name:");
+    txtDevName_ = AddFact(this, grid, "txtDevName", "Device Name:");
+    txtHardID_ = AddFact(this, grid, "txtHardID", "Hardware ID:");
+    txtConfigID_ = AddFact(this, grid, "txtConfigID", "Configuration ID:");
+    txtMAC_ = AddFact(this, grid, "txtMAC", "MAC Address:");
+    txtManufac_ = AddFact(this, grid, "txtManufac", "Manufacturer:");
+    labStatus_ = AddFact(this, grid, "labStatus", "Link Status:");
+    labSpeed_ = AddFact(this, grid, "labSpeed", "Speed:");
     return grid;
 }
 
@@ -105,10 +107,10 @@ wxSizer* DetailsPanel::MakeTraffic() {
     auto* const grid = new wxFlexGridSizer(4, 1, 2 * kGap);
     grid->AddGrowableCol(1, 2);
     grid->AddGrowableCol(3, 1);
-    labRecv_ = AddFact(this, grid, "Received:");
-    labRecvSpeed_ = AddFact(this, grid, "Rate:", "Receiving Rate:");
-    labSent_ = AddFact(this, grid, "Sent:");
-    labSentSpeed_ = AddFact(this, grid, "Rate:", "Sending Rate:");
+    labRecv_ = AddFact(this, grid, "labRecv", "Received:");
+    labRecvSpeed_ = AddFact(this, grid, "labRecvSpeed", "Rate:", "Receiving Rate:");
+    labSent_ = AddFact(this, grid, "labSent", "Sent:");
+    labSentSpeed_ = AddFact(this, grid, "labSentSpeed", "Rate:", "Sending Rate:");
     graph_ = new TrafficGraph(this);
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(grid, 0, wxEXPAND);

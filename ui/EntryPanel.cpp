@@ -6,18 +6,17 @@
 
 #include "ui/Icons.h"
 #include "ui/Spacing.h"
-#include "ui/WxText.h"
 
 namespace corvane {
 
-EntryPanel::EntryPanel(wxWindow* parent, EntryPanelHost& host, const std::string& caption,
-                       const std::string& addLabel)
+EntryPanel::EntryPanel(wxWindow* parent, EntryPanelHost& host, const EntryPanelKind& kind)
     : wxPanel(parent),
       host_(host),
-      caption_(new wxStaticText(this, wxID_ANY, Wx(caption))),
+      caption_(new wxStaticText(this, wxID_ANY, kind.caption)),
       content_(new wxBoxSizer(wxVERTICAL)),
-      add_(new wxButton(this, wxID_ANY, Wx(addLabel))),
-      close_(new wxButton(this, wxID_ANY, "Close")) {
+      add_(Named(kind.add, new wxButton(this, wxID_ANY, kind.addLabel))),
+      close_(Named(kind.close, new wxButton(this, wxID_ANY, "Close"))) {
+    SetControlName(*this, kind.panel);
     caption_->SetFont(caption_->GetFont().Bold());
     add_->SetBitmap(Icon("add"));
     add_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { host_.Run([this] { Add(host_.Target()); }); });

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <functional>
-#include <string>
 
 #include <wx/panel.h>
 
+#include "ui/ControlNames.h"
 #include "ui/logic/AddressList.h"
 
 class wxBoxSizer;
@@ -33,13 +33,21 @@ class EntryPanelHost {
     ~EntryPanelHost() = default;
 };
 
+/// What differs between the entry panels, their content apart.
+struct EntryPanelKind {
+    ControlName panel;
+    ControlName add;
+    ControlName close;
+    const char* caption;
+    const char* addLabel;
+};
+
 /// A panel in which something is entered for a list: a caption, controls, a button that adds and one that
 /// closes it. Hidden at first. While the focus is in it, Enter presses its add button.
 class EntryPanel : public wxPanel {
  public:
     /// The host must outlive it.
-    EntryPanel(wxWindow* parent, EntryPanelHost& host, const std::string& caption,
-               const std::string& addLabel);
+    EntryPanel(wxWindow* parent, EntryPanelHost& host, const EntryPanelKind& kind);
     ~EntryPanel() override;
 
     void Open();

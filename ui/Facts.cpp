@@ -5,9 +5,11 @@
 
 namespace corvane {
 
-FactText* AddFact(wxWindow* parent, wxFlexGridSizer* grid, const char* label, const char* name) {
+FactText* AddFact(wxWindow* parent, wxFlexGridSizer* grid, ControlName control, const char* label,
+                  const char* name) {
     grid->Add(new wxStaticText(parent, wxID_ANY, label), 0, wxALIGN_CENTER_VERTICAL);
     auto* const fact = FactText::Make(parent, *name == '\0' ? label : name);
+    SetControlName(*fact->Window(), control);
     grid->Add(fact->Window(), 1, wxEXPAND);
     return fact;
 }

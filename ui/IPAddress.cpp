@@ -9,6 +9,7 @@
 #include <wx/textctrl.h>
 #include <wx/utils.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/TextBox.h"
 #include "ui/WxText.h"
@@ -49,9 +50,9 @@ bool IPAddress::Create(wxWindow* parent, const wxString& name, IPAddressEvents& 
     events_ = &events;
     entry_.Tell(events);
     for (int box = 0; box < kQuadBoxes; ++box) {
-        wxTextCtrl* const text = MakeDigitBox(this, kQuadDigits, wxTE_CENTRE | wxBORDER_NONE);
+        wxTextCtrl* const text = Named("Text1", MakeDigitBox(this, kQuadDigits, wxTE_CENTRE | wxBORDER_NONE));
         SetAccessibleName(text, wxString::Format("%s, octet %d of %d", name, box + 1, kQuadBoxes));
-        text1_[static_cast<std::size_t>(box)] = text;
+        boxes_[static_cast<std::size_t>(box)] = text;
         DropFrame(text);
         BindBox(box);
     }
@@ -59,7 +60,7 @@ bool IPAddress::Create(wxWindow* parent, const wxString& name, IPAddressEvents& 
     Bind(wxEVT_PAINT, [this](wxPaintEvent&) { OnPaint(); });
     Bind(wxEVT_SIZE, [this](wxSizeEvent&) {
         // The size is fixed.
-        if (GetSize() != label1_) SetSize(label1_);
+        if (GetSize() != size_) SetSize(size_);
     });
     return true;
 }
@@ -69,17 +70,17 @@ void IPAddress::LayBoxes() {
     const int dot = GetTextExtent(".").x + padding;
     int x = padding;
     int height = 0;
-    for (wxTextCtrl* const box : text1_) {
+    for (wxTextCtrl* const box : boxes_) {
         const wxSize size = box->GetMinSize();
         const int own = box->GetMaxHeight() > 0 ? std::min(box->GetMaxHeight(), size.y) : size.y;
         box->SetSize(x, padding / 2 + (size.y - own) / 2, size.x, own);
         x += size.x + dot;
         height = size.y;
     }
-    label1_ = wxSize(x - dot + padding, height + padding);
-    SetMinSize(label1_);
-    SetMaxSize(label1_);
-    SetSize(label1_);
+    size_ = wxSize(x - dot + padding, height + padding);
+    SetMinSize(size_);
+    SetMaxSize(size_);
+    SetSize(size_);
 }
 
 bool IPAddress::TakesKey(int box, const wxKeyEvent& event) {

@@ -45,7 +45,7 @@ class IPAddress : public wxPanel, private QuadBoxesView {
     void Focus(int box) override;
     void Beep() override;
 
-    [[nodiscard]] wxTextCtrl& Box(int box) const { return *text1_.at(static_cast<std::size_t>(box)); }
+    [[nodiscard]] wxTextCtrl& Box(int box) const { return *boxes_.at(static_cast<std::size_t>(box)); }
     void LayBoxes();
     void BindBox(int box);
     /// Whether the key was one for the rules, and taken.
@@ -54,12 +54,12 @@ class IPAddress : public wxPanel, private QuadBoxesView {
     bool TakesCharacter(int box, int character);
     void OnPaint();
 
-    std::array<wxTextCtrl*, kQuadBoxes> text1_{};
+    std::array<wxTextCtrl*, kQuadBoxes> boxes_{};
     /// The character that the rules were asked for when its key went down, and let through; 0: none.
     int letThrough_ = 0;
     /// The box that Focus has told of its focus already; -1: none.
     int toldFocus_ = -1;
-    wxSize label1_;  ///< Size of the frame around the boxes.
+    wxSize size_;  ///< Size of the frame around the boxes.
     IPAddressEvents* events_ = &IPAddressEvents::Unheard();
     IPAddressEntry entry_{*this};
 };

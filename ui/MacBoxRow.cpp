@@ -4,6 +4,7 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/TextBox.h"
 #include "ui/WxText.h"
@@ -13,7 +14,7 @@ namespace corvane {
 
 MacBoxRow::MacBoxRow(wxWindow* parent, int first) : first_(first) {
     for (int octet = 0; octet < kOctets; ++octet) {
-        wxTextCtrl* const box = MakeDigitBox(parent, 2, wxTE_CENTRE);
+        wxTextCtrl* const box = Named("MAC", MakeDigitBox(parent, 2, wxTE_CENTRE));
         SetAccessibleName(box, wxString::Format("MAC address, octet %d of %d", octet + 1, kOctets));
         boxes_[static_cast<std::size_t>(octet)] = box;
     }

@@ -31,10 +31,11 @@ class PresetEditor::NoVendorBox : public VendorBoxView {
 };
 
 PresetEditor::PresetEditor(wxWindow* parent, PresetEditorHost& host) : wxPanel(parent), host_(host) {
+    SetControlName(*this, "fCreatePreset");
     auto* const title = new wxStaticText(this, wxID_ANY, "Create / Edit Configuration Preset");
     title->SetFont(title->GetFont().Bold());
     auto* const label = new wxStaticText(this, wxID_ANY, "&Name:");
-    txtPresetName_ = MakeTextBox(this, 0);
+    txtPresetName_ = Named("txtPresetName", MakeTextBox(this, 0));
     LabelFor(label, txtPresetName_);
     SetAccessibleName(txtPresetName_, "Preset name");
     auto* const name = new wxBoxSizer(wxHORIZONTAL);
@@ -42,17 +43,18 @@ PresetEditor::PresetEditor(wxWindow* parent, PresetEditorHost& host) : wxPanel(p
     name->Add(txtPresetName_, 1);
 
     auto* const mac = new wxBoxSizer(wxHORIZONTAL);
-    mac->Add(MakeCheck(PresetCheck::ckCPMAC, "&MAC Address"), 0, wxALIGN_CENTER_VERTICAL | wxRIGHT, kGap);
+    mac->Add(MakeCheck(PresetCheck::ckCPMAC, "ckCPMAC", "&MAC Address"), 0, wxALIGN_CENTER_VERTICAL | wxRIGHT,
+             kGap);
     boxes_ = std::make_unique<MacBoxRow>(this, kFirstBox);
     mac->Add(boxes_->MakeSizer(this), 0, wxALIGN_CENTER_VERTICAL);
     auto* const options = new wxWrapSizer(wxHORIZONTAL, wxREMOVE_LEADING_SPACES);
-    options->Add(MakeCheck(PresetCheck::ckCPRanMAC, "&Random MAC"), 0, wxRIGHT, 2 * kGap);
-    options->Add(MakeCheck(PresetCheck::ckCPDefMAC, "&Original MAC"));
+    options->Add(MakeCheck(PresetCheck::ckCPRanMAC, "ckCPRanMAC", "&Random MAC"), 0, wxRIGHT, 2 * kGap);
+    options->Add(MakeCheck(PresetCheck::ckCPDefMAC, "ckCPDefMAC", "&Original MAC"));
     auto* const tcpip = new wxWrapSizer(wxHORIZONTAL, wxREMOVE_LEADING_SPACES);
-    tcpip->Add(MakeCheck(PresetCheck::ckCPDHCP, "&DHCP"), 0, wxRIGHT, 2 * kGap);
-    tcpip->Add(MakeCheck(PresetCheck::ckCPIP, "&IP Addresses"), 0, wxRIGHT, 2 * kGap);
-    tcpip->Add(MakeCheck(PresetCheck::ckCPGateway, "&Gateways"), 0, wxRIGHT, 2 * kGap);
-    tcpip->Add(MakeCheck(PresetCheck::ckCPDNS, "DNS Ser&vers"));
+    tcpip->Add(MakeCheck(PresetCheck::ckCPDHCP, "ckCPDHCP", "&DHCP"), 0, wxRIGHT, 2 * kGap);
+    tcpip->Add(MakeCheck(PresetCheck::ckCPIP, "ckCPIP", "&IP Addresses"), 0, wxRIGHT, 2 * kGap);
+    tcpip->Add(MakeCheck(PresetCheck::ckCPGateway, "ckCPGateway", "&Gateways"), 0, wxRIGHT, 2 * kGap);
+    tcpip->Add(MakeCheck(PresetCheck::ckCPDNS, "ckCPDNS", "DNS Ser&vers"));
 
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(title, 0, wxBOTTOM, kGap);
@@ -79,17 +81,17 @@ PresetEditor::~PresetEditor() {
     DestroyChildren();
 }
 
-wxCheckBox* PresetEditor::MakeCheck(PresetCheck check, const char* label) {
-    auto* const box = new wxCheckBox(this, wxID_ANY, label);
+wxCheckBox* PresetEditor::MakeCheck(PresetCheck check, ControlName name, const char* label) {
+    auto* const box = Named(name, new wxCheckBox(this, wxID_ANY, label));
     box->Bind(wxEVT_CHECKBOX, [this, check](wxCommandEvent&) { host_.CheckClicked(check); });
     checks_.at(static_cast<std::size_t>(check)) = box;
     return box;
 }
 
 wxSizer* PresetEditor::MakeButtons() {
-    auto* const save = new wxButton(this, wxID_ANY, "Save &Preset");
+    auto* const save = Named("Command24", new wxButton(this, wxID_ANY, "Save &Preset"));
     save->SetBitmap(Icon("apply"));
-    auto* const leave = new wxButton(this, wxID_ANY, "&Leave");
+    auto* const leave = Named("Command23", new wxButton(this, wxID_ANY, "&Leave"));
     save->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { host_.SavePressed(); });
     leave->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { host_.LeavePressed(); });
     Bind(wxEVT_CHILD_FOCUS, [save](wxChildFocusEvent& event) {

@@ -5,6 +5,7 @@
 
 #include <wx/panel.h>
 
+#include "ui/ControlNames.h"
 #include "ui/logic/PresetEditing.h"
 
 class wxCheckBox;
@@ -28,8 +29,8 @@ class PresetEditorHost {
     ~PresetEditorHost() = default;
 };
 
-/// The controls of the preset editor except for its lists: the name, what the preset carries, the MAC
-/// address, save and leave. Hidden at first.
+/// `fCreatePreset`: the controls of the preset editor except for its lists: the name, what the preset
+/// carries, the MAC address, save and leave. Hidden at first.
 class PresetEditor : public wxPanel, public MacBoxesView {
  public:
     /// The host must outlive it.
@@ -46,15 +47,15 @@ class PresetEditor : public wxPanel, public MacBoxesView {
     [[nodiscard]] TextSelection Selection(int box) const override;
     void Select(int box, TextSelection selection) override;
     void Focus(int box) override;
-    void FocusCheck1() override {}
-    void EnableCommand9(bool) override {}
+    void FocusRestartCheck() override {}
+    void EnableChangeNow(bool) override {}
     void Beep() override;
 
  private:
     /// The vendor box belongs to the other row of octets.
     class NoVendorBox;
 
-    wxCheckBox* MakeCheck(PresetCheck check, const char* label);
+    wxCheckBox* MakeCheck(PresetCheck check, ControlName name, const char* label);
     wxSizer* MakeButtons();
 
     PresetEditorHost& host_;

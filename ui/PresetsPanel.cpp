@@ -5,6 +5,7 @@
 #include <wx/button.h>
 #include <wx/sizer.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Icons.h"
 #include "ui/MainMenu.h"
 #include "ui/PanelHosts.h"
@@ -24,21 +25,24 @@ PresetsPanel::PresetsPanel(wxWindow* parent, WindowHost& window, DetailsHost& de
       window_(window),
       details_(details),
       presetsList_(RowList::Make(this, *this, "Presets", {{"Presets", 30}}, false)),
-      command20_(MakeButton(mnuApplyPreset, "Appl&y", "preset_apply",
-                            "Apply the selected preset to the selected connection")),
+      apply_(MakeButton(mnuApplyPreset, "Appl&y", "preset_apply",
+                        "Apply the selected preset to the selected connection")),
       edit_(MakeButton(mnuEditPreset, "Ed&it", "preset_edit", "Change the selected preset")),
-      command22_(MakeButton(mnuDeletePreset, "Delete", "preset_delete", "Delete the selected preset (Del)")) {
+      delete_(MakeButton(mnuDeletePreset, "Delete", "preset_delete", "Delete the selected preset (Del)")) {
+    SetControlName(presetsList_->Window(), "PresetsList");
+    SetControlName(*apply_, "Command20");
+    SetControlName(*delete_, "Command22");
     presetsList_->SetVisibleRows(kVisibleRows);
     presetsList_->Window().Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
         const int key = event.GetKeyCode();
         if ((key == WXK_DELETE || key == WXK_NUMPAD_DELETE) && !event.HasAnyModifiers()) {
-            Send(*command22_);
+            Send(*delete_);
         } else {
             event.Skip();
         }
     });
     auto* const buttons = new wxBoxSizer(wxVERTICAL);
-    for (wxButton* const button : {command20_, edit_, command22_})
+    for (wxButton* const button : {apply_, edit_, delete_})
         buttons->Add(button, 0, wxEXPAND | wxBOTTOM, kTightGap);
     auto* const sizer = new wxBoxSizer(wxHORIZONTAL);
     sizer->Add(&presetsList_->Window(), 1, wxEXPAND | wxRIGHT, kTightGap);
@@ -94,9 +98,9 @@ std::optional<PresetEntry> PresetsPanel::Selected() const {
 void PresetsPanel::EnableCommands(bool usable, bool applicable) {
     const bool selected = Selected().has_value();
     presetsList_->Window().Enable(usable);
-    command20_->Enable(applicable && selected);
+    apply_->Enable(applicable && selected);
     edit_->Enable(usable && selected);
-    command22_->Enable(usable && selected);
+    delete_->Enable(usable && selected);
 }
 
 }  // namespace corvane

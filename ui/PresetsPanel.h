@@ -42,9 +42,9 @@ class PresetsPanel : public wxPanel, private RowListHost {
     DetailsHost& details_;
     std::vector<PresetEntry> entries_;
     RowList* presetsList_;
-    wxButton* command20_;  ///< Apply.
+    wxButton* apply_;
     wxButton* edit_;
-    wxButton* command22_;  ///< Delete.
+    wxButton* delete_;
 };
 
 }  // namespace corvane

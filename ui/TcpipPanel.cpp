@@ -19,21 +19,24 @@ namespace corvane {
 
 namespace {
 
-constexpr AddressListKind kIpList{.name = kIpTitle,
+constexpr AddressListKind kIpList{.control = "ListIP",
+                                  .name = kIpTitle,
                                   .second = "Subnet Mask",
                                   .visibleRows = 3,
                                   .addCommand = mnuAddIPAddress,
                                   .removeCommand = mnuRemoveIPAddress,
                                   .addTip = "Add IP Address",
                                   .removeTip = "Remove IP Address"};
-constexpr AddressListKind kGatewayList{.name = kGatewayTitle,
+constexpr AddressListKind kGatewayList{.control = "ListGateway",
+                                       .name = kGatewayTitle,
                                        .second = "Metric",
                                        .visibleRows = 2,
                                        .addCommand = mnuAddGateway,
                                        .removeCommand = mnuRemoveGateway,
                                        .addTip = "Add Gateway",
                                        .removeTip = "Remove Gateway"};
-constexpr AddressListKind kDnsList{.name = kDnsTitle,
+constexpr AddressListKind kDnsList{.control = "ListDNS",
+                                   .name = kDnsTitle,
                                    .second = "",
                                    .visibleRows = 2,
                                    .addCommand = mnuAddDNSServer,
@@ -64,10 +67,10 @@ wxSizer* TcpipPanel::MakeFacts() {
     facts_ = new wxPanel(this);
     auto* const grid = new wxFlexGridSizer(2, 1, 2 * kGap);
     grid->AddGrowableCol(1);
-    labTCPIP_ = AddFact(facts_, grid, "TCP/IP:");
-    labDHCP_ = AddFact(facts_, grid, "DHCP:");
-    labLeaseObtained_ = AddFact(facts_, grid, "Lease Obtained:");
-    labLeaseExpires_ = AddFact(facts_, grid, "Lease Expires:");
+    labTCPIP_ = AddFact(facts_, grid, "labTCPIP", "TCP/IP:");
+    labDHCP_ = AddFact(facts_, grid, "labDHCP", "DHCP:");
+    labLeaseObtained_ = AddFact(facts_, grid, "labLeaseObtained", "Lease Obtained:");
+    labLeaseExpires_ = AddFact(facts_, grid, "labLeaseExpires", "Lease Expires:");
     facts_->SetSizer(grid);
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(facts_, 0, wxEXPAND);

@@ -6,6 +6,7 @@
 #include <wx/sizer.h>
 #include <wx/textctrl.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
 #include "ui/WxText.h"
@@ -16,6 +17,7 @@ VendorBox::VendorBox(wxWindow* parent, VendorBoxHost& host)
     : host_(host),
       edit_(new wxTextCtrl(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxTE_PROCESS_ENTER)),
       button_(new wxBitmapButton(parent, wxID_ANY, Icon("down"))) {
+    SetControlName(*edit_, "VendorList");
     button_->SetToolTip("Show the list of vendors");
     SetAccessibleName(button_, "Show the list of vendors");
 

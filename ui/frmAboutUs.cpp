@@ -8,6 +8,7 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/ProgramPicture.h"
 #include "ui/Spacing.h"
@@ -56,6 +57,7 @@ class PictureBox : public wxPanel {
 frmAboutUs::frmAboutUs(wxWindow* parent, const std::string& osDescription)
     : wxDialog(parent, wxID_ANY, "About Orvella Corvane", wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER) {
+    SetControlName(*this, "frmAboutUs");
     auto* const picture = new PictureBox(this);
     auto* const system = new wxStaticText(this, wxID_ANY, "");
     system->SetLabelText(Wx("System: " + osDescription));

@@ -21,7 +21,7 @@ class frmBrowseNetFolder : public wxDialog {
     [[nodiscard]] std::optional<std::size_t> Choice() const;
 
  private:
-    wxListBox* list1_;
+    wxListBox* folders_;
 };
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 #include <wx/sizer.h>
 #include <wx/textctrl.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/Icons.h"
 #include "ui/WxText.h"
@@ -13,6 +14,7 @@ namespace corvane {
 frmCLHelp::frmCLHelp(const std::string& text)
     : wxDialog(nullptr, wxID_ANY, "Command Line Help - Orvella Corvane v4", wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER) {
+    SetControlName(*this, "frmCLHelp");
     SetIcons(ProgramIcons());
     auto* const usage = new wxTextCtrl(this, wxID_ANY, Wx(text), wxDefaultPosition, wxDefaultSize,
                                        wxTE_MULTILINE | wxTE_READONLY);

@@ -16,6 +16,7 @@
 #include "platform/Seat.h"
 #include "ui/ChangeMacPanel.h"
 #include "ui/CommandBar.h"
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/DetailsPanel.h"
 #include "ui/FactText.h"
@@ -61,8 +62,8 @@ frmMain::frmMain(ProgramFacts facts)
     FillVendorBox();
     RefreshConnections();
 
-    timer1_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Timer1Tick(); });
-    timer1_.Start(kTrafficIntervalMilliseconds);
+    trafficTimer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { TrafficTick(); });
+    trafficTimer_.Start(kTrafficIntervalMilliseconds);
     settle_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { RefreshForChanges(); });
     changes_ = std::make_unique<ChangesWatch>([this] {
         gate_.NoteChange();
@@ -81,6 +82,7 @@ frmMain::~frmMain() {
 }
 
 void frmMain::MakeControls() {
+    SetControlName(*this, "frmMain");
     SetIcons(ProgramIcons());
     SetMenuBar(MakeMainMenu());
 
@@ -89,6 +91,7 @@ void frmMain::MakeControls() {
     splitter_ = new wxSplitterWindow(ground_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                      wxSP_LIVE_UPDATE | wxSP_NOBORDER);
     list_ = RowList::Make(splitter_, *this, "Network Connections", ListColumns(), true);
+    SetControlName(list_->Window(), "List");
     fDetails_ = new DetailsPanel(splitter_, *this);
     splitter_->SetMinimumPaneSize(GetCharHeight() * 5);
     splitter_->SplitHorizontally(&list_->Window(), fDetails_);
@@ -194,7 +197,7 @@ void frmMain::RefreshSoon() {
     if (!settle_.IsRunning()) settle_.StartOnce(kSettleMilliseconds);
 }
 
-void frmMain::Timer1Tick() {
+void frmMain::TrafficTick() {
     try {
         const NicInfo* const nic = SelectedNic();
         const std::optional<TrafficMonitor::Tick> tick =

@@ -85,7 +85,7 @@ class frmMain : public wxFrame, private ConnectionListView, private RowListHost,
     void OpenChangeMacPanel(std::size_t adapter);
     void ExportReport();
     void ShowAbout();
-    void Timer1Tick();
+    void TrafficTick();
     /// Refreshes for changes from outside, if there are any and nothing is in the way.
     void RefreshForChanges();
     /// Something was closed that a refresh for changes from outside has waited for.
@@ -113,7 +113,7 @@ class frmMain : public wxFrame, private ConnectionListView, private RowListHost,
     DetailsPanel* fDetails_ = nullptr;
     FactText* labDone_ = nullptr;
     FactText* labCount_ = nullptr;
-    wxTimer timer1_;
+    wxTimer trafficTimer_;
     wxTimer settle_;
     std::unique_ptr<ChangesWatch> changes_;
     std::unique_ptr<frmTray> tray_;

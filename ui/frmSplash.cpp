@@ -2,6 +2,7 @@
 
 #include <wx/dcbuffer.h>
 
+#include "ui/ControlNames.h"
 #include "ui/Desktop.h"
 #include "ui/WxText.h"
 #include "ui/logic/OpenPages.h"
@@ -11,6 +12,7 @@ namespace corvane {
 frmSplash::frmSplash()
     : wxFrame(nullptr, wxID_ANY, "Orvella Corvane - Loading", wxDefaultPosition, wxDefaultSize,
               wxBORDER_SIMPLE | wxFRAME_NO_TASKBAR) {
+    SetControlName(*this, "frmSplash");
     SetBackgroundStyle(wxBG_STYLE_PAINT);
     SetClientSize(picture_.Size(*this));
     SetCursor(wxCursor(wxCURSOR_HAND));

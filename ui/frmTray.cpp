@@ -11,8 +11,8 @@ namespace corvane {
 namespace {
 
 /// How often the lamps light up, and for how long.
-constexpr int kTimer2Milliseconds = 500;
-constexpr int kTimer3Milliseconds = 250;
+constexpr int kLightUpMilliseconds = 500;
+constexpr int kPutOutMilliseconds = 250;
 
 }  // namespace
 
@@ -29,13 +29,13 @@ frmTray::frmTray(frmMain& window) : window_(window), tip_(TrayTip("")), icon_(Tr
         frames_[i] = Icon(kNames[i], size).GetIcon(wxSize(size, size));
     }
     icon_->Show(frames_[0], tip_);
-    timer2_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
+    lightUp_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
         if (active_ == TrayFrame::kIdle) return;
         ShowFrame(active_);
-        timer3_.StartOnce(kTimer3Milliseconds);
+        putOut_.StartOnce(kPutOutMilliseconds);
     });
-    timer3_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { ShowFrame(TrayFrame::kIdle); });
-    timer2_.Start(kTimer2Milliseconds);
+    putOut_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { ShowFrame(TrayFrame::kIdle); });
+    lightUp_.Start(kLightUpMilliseconds);
 }
 
 void frmTray::ShowConnection(const std::string& name, const std::string& mac) {

@@ -61,8 +61,8 @@ class frmTray : private TrayIconHost {
     std::array<wxIcon, 4> frames_;  ///< One for each TrayFrame.
     TrayFrame shown_ = TrayFrame::kIdle;
     TrayFrame active_ = TrayFrame::kIdle;  ///< Of the latest tick.
-    wxTimer timer2_;                       ///< Lights the lamps of the latest tick up.
-    wxTimer timer3_;                       ///< Puts them out again, so that lasting traffic blinks.
+    wxTimer lightUp_;                      ///< Lights the lamps of the latest tick up.
+    wxTimer putOut_;                       ///< Puts them out again, so that lasting traffic blinks.
     std::unique_ptr<TrayIcon> icon_;       ///< Nothing where the desktop has no tray.
 };
 

@@ -91,7 +91,7 @@ class IpPanel : public IpPanelView {
     QuadBoxes address;
     QuadBoxes mask;
     std::string cidr;
-    bool check2 = false;
+    bool persistent = false;
     int beeps = 0;
     std::vector<std::string> cidrSet;  ///< What the rules put into `txtCIDR`.
     IpEditing editing;
@@ -134,7 +134,7 @@ class IpPanel : public IpPanelView {
         const std::vector<std::string> texts = Texts();
         diary.push_back("show [" + texts[0] + "] [" + texts[1] + "] [" + texts[2] + "]");
     }
-    void MakeDefault() override { diary.emplace_back("default Command16"); }
+    void MakeDefault() override { diary.emplace_back("default Add IP"); }
     IPAddressEntry& IPAddress() override { return address.entry; }
     IPAddressEntry& SubnetMask() override { return mask.entry; }
     void FocusIPAddress() override { diary.emplace_back("focus IPAddress"); }
@@ -144,7 +144,7 @@ class IpPanel : public IpPanelView {
         ASSERT_LT(cidrSet.size(), 100U) << "changes without end";
         ChangeCidr(text);
     }
-    [[nodiscard]] bool Check2() const override { return check2; }
+    [[nodiscard]] bool PersistentTicked() const override { return persistent; }
     void Beep() override { ++beeps; }
 
  private:
@@ -193,11 +193,11 @@ class GatewayPanel : public GatewayPanelView {
     QuadBoxes gateway;
     std::string metric;
     bool metricEnabled = true;
-    bool check3 = false;
-    bool check4 = false;
+    bool persistent = false;
+    bool autoMetric = false;
 
     void ShowPanel() override { diary.emplace_back("show"); }
-    void MakeDefault() override { diary.emplace_back("default Command19"); }
+    void MakeDefault() override { diary.emplace_back("default Add Gateway"); }
     IPAddressEntry& Gateway() override { return gateway.entry; }
     void FocusGateway() override { diary.emplace_back("focus Gateway"); }
     [[nodiscard]] std::string Metric() const override { return metric; }
@@ -207,9 +207,9 @@ class GatewayPanel : public GatewayPanelView {
         EXPECT_TRUE(metricEnabled) << "a box that is not enabled cannot have the focus";
         diary.emplace_back("focus txtMetric");
     }
-    [[nodiscard]] bool Check4() const override { return check4; }
-    void SetCheck4(bool ticked) override { check4 = ticked; }
-    [[nodiscard]] bool Check3() const override { return check3; }
+    [[nodiscard]] bool AutoMetricTicked() const override { return autoMetric; }
+    void TickAutoMetric(bool ticked) override { autoMetric = ticked; }
+    [[nodiscard]] bool PersistentTicked() const override { return persistent; }
 };
 
 /// `fAddDNS` in memory. The diary tells of what the rules do with the panel.
@@ -221,7 +221,7 @@ class DnsPanel : public DnsPanelView {
     QuadBoxes address;
 
     void ShowPanel() override { diary.emplace_back("show"); }
-    void MakeDefault() override { diary.emplace_back("default Command15"); }
+    void MakeDefault() override { diary.emplace_back("default Add DNS"); }
     IPAddressEntry& DNSAddress() override { return address.entry; }
     void FocusDNSAddress() override { diary.emplace_back("focus DNSAddress"); }
 };

@@ -79,7 +79,7 @@ class DnsEditingTest : public AddressEditingTest {
 TEST_F(DnsEditingTest, PanelIsShownGivenItsDefaultButtonEmptiedAndGivenTheFocus) {
     panel.address.entry.SetText("8.8.8.8");
     editing.Open();
-    EXPECT_THAT(diary, ElementsAre("show", "default Command15", "focus DNSAddress"));
+    EXPECT_THAT(diary, ElementsAre("show", "default Add DNS", "focus DNSAddress"));
     EXPECT_EQ(panel.address.entry.Text(), "");
     ExpectListAsBefore();
     ExpectNothingWritten();

@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 const std::vector<std::string> kGatewayWrites = {"write DefaultGateway", "write DefaultGatewayMetric"};
-const std::vector<std::string> kGatewayPanelReady = {"focus Gateway", "default Command19"};
+const std::vector<std::string> kGatewayPanelReady = {"focus Gateway", "default Add Gateway"};
 
 /// Lab has two static gateways.
 class GatewayEditingTest : public AddressEditingTest {
@@ -34,8 +34,8 @@ class GatewayEditingTest : public AddressEditingTest {
         editing.Remove(target);
     }
     void Tick(const EditingTarget& target, bool ticked) {
-        panel.check4 = ticked;
-        editing.Check4Clicked(target);
+        panel.autoMetric = ticked;
+        editing.AutoMetricClicked(target);
     }
     void ExpectStored(const std::vector<std::string>& gateways,
                       const std::vector<std::string>& metrics) const {
@@ -69,17 +69,17 @@ TEST_F(GatewayEditingTest, PanelIsShownGivenItsDefaultButtonEmptiedAndGivenTheFo
     panel.gateway.entry.SetText("10.0.0.3");
     Tick(kLab, true);
     editing.Open();
-    EXPECT_THAT(diary, ElementsAre("show", "default Command19", "focus Gateway"));
+    EXPECT_THAT(diary, ElementsAre("show", "default Add Gateway", "focus Gateway"));
     EXPECT_EQ(panel.gateway.entry.Text(), "");
     EXPECT_EQ(panel.metric, "");
-    EXPECT_FALSE(panel.check4);
+    EXPECT_FALSE(panel.autoMetric);
     EXPECT_TRUE(panel.metricEnabled);
 }
 
 TEST_F(GatewayEditingTest, OpeningLeavesTheChoiceOfPersistence) {
-    panel.check3 = true;
+    panel.persistent = true;
     editing.Open();
-    EXPECT_TRUE(panel.check3);
+    EXPECT_TRUE(panel.persistent);
     ExpectMachineUntouched();
 }
 
@@ -140,7 +140,7 @@ TEST_F(GatewayEditingTest, MetricIsTheNumericValueRoundedToTheNearestWholeNumber
 }
 
 TEST_F(GatewayEditingTest, AutomaticMetricIsAConcreteNumberOnTheStackAndInTheRegistry) {
-    panel.check3 = true;
+    panel.persistent = true;
     Tick(kLab, true);
     panel.gateway.entry.SetText("10.0.0.3");
     editing.Add(kLab);
@@ -149,7 +149,7 @@ TEST_F(GatewayEditingTest, AutomaticMetricIsAConcreteNumberOnTheStackAndInTheReg
 }
 
 TEST_F(GatewayEditingTest, PersistentGatewayIsWrittenWithItsMetricInDecimal) {
-    panel.check3 = true;
+    panel.persistent = true;
     Add(kLab, "10.0.0.3", "030.2");
     ExpectStored({"10.0.0.1", "10.0.0.2", "10.0.0.3"}, {"1", "20", "30"});
     EXPECT_EQ(diary, Lines({kGatewayWrites, {"focus txtMetric", "refresh"}, kGatewayPanelReady}));
@@ -164,7 +164,7 @@ TEST_F(GatewayEditingTest, GatewayThatIsNotPersistentLosesItsRegistryEntry) {
 
 TEST_F(GatewayEditingTest, AdapterWithoutALiveInterfaceWritesOnlyTheRegistryAndReportsNoError) {
     TakeLabDown();
-    panel.check3 = true;
+    panel.persistent = true;
     Add(kLab, "10.0.0.3", "30");
     EXPECT_THAT(ipHelper->diary, IsEmpty());
     ExpectStored({"10.0.0.1", "10.0.0.2", "10.0.0.3"}, {"1", "20", "30"});
@@ -197,14 +197,14 @@ TEST_F(GatewayEditingTest, AutomaticMetricStaysForTheNextGateway) {
     panel.gateway.entry.SetText("10.0.0.3");
     panel.metric = "somehow another";
     editing.Add(kLab);
-    EXPECT_TRUE(panel.check4);
+    EXPECT_TRUE(panel.autoMetric);
     EXPECT_EQ(panel.metric, "25");
     EXPECT_FALSE(panel.metricEnabled);
     EXPECT_EQ(diary, Lines({kGatewayWrites, {"refresh"}, kGatewayPanelReady}));
 }
 
 TEST_F(GatewayEditingTest, EmptyGatewayIsAddedAsZeros) {
-    panel.check3 = true;
+    panel.persistent = true;
     Add(kLab, "", "30");
     ExpectRoute({0, 0, 0, 0}, 30);
     ExpectStored({"10.0.0.1", "10.0.0.2", "0.0.0.0"}, {"1", "20", "30"});
@@ -215,7 +215,7 @@ TEST_F(GatewayEditingTest, RefusedAddIsReportedWritesNothingAndLeavesTheBoxes) {
     for (const bool persistent : {true, false}) {
         machine.seat.boxes.clear();
         diary.clear();
-        panel.check3 = persistent;
+        panel.persistent = persistent;
         Add(kLab, "10.0.0.2", "30");
         EXPECT_THAT(machine.seat.boxes, ElementsAre(Refusal(5010, "CreateIpForwardEntry", "unknown")));
         EXPECT_EQ(diary, Lines({{"box Orvella Corvane"}, kGatewayPanelReady}));
@@ -244,7 +244,7 @@ TEST_F(GatewayEditingTest, RefusedGatewayThatNoHostMayHaveIsExplainedAfterTheBox
 
 TEST_F(GatewayEditingTest, RegistryFailureAfterTheLiveAddIsShownAndTheAddIsDone) {
     machine.registry->RemoveValue(kLabKey, "DefaultGateway");
-    panel.check3 = true;
+    panel.persistent = true;
     Add(kLab, "10.0.0.3", "30");
     EXPECT_EQ(diary, Lines({{"box Error! Cannot Read/Write Registry", "focus txtMetric", "refresh"},
                             kGatewayPanelReady}));
@@ -266,7 +266,7 @@ TEST_F(GatewayEditingTest, WithoutAConnectionNothingIsAdded) {
 // ---- adding, to a preset
 
 TEST_F(GatewayEditingTest, GatewayOfAPresetIsAddedAsTheLastRowCountedAndSelected) {
-    panel.check3 = true;
+    panel.persistent = true;
     Add(kPreset, "10.0.0.3", "030");
     ASSERT_EQ(list.rows.size(), 3U);
     EXPECT_EQ(list.rows[2].text, "10.0.0.3");
@@ -292,7 +292,7 @@ TEST_F(GatewayEditingTest, AutomaticMetricOfAPresetIsRecordedInAWord) {
     panel.gateway.entry.SetText("10.0.0.3");
     editing.Add(kPreset);
     EXPECT_EQ(list.rows.at(2).subItem, "Automatic");
-    EXPECT_TRUE(panel.check4);
+    EXPECT_TRUE(panel.autoMetric);
     EXPECT_EQ(panel.metric, "25");
     EXPECT_FALSE(panel.metricEnabled);
     EXPECT_EQ(diary, kGatewayPanelReady);

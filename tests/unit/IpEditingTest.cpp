@@ -8,7 +8,7 @@ using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::vector<std::string> kIpPanelReady = {"focus IPAddress", "default Command16"};
+const std::vector<std::string> kIpPanelReady = {"focus IPAddress", "default Add IP"};
 
 class IpEditingTest : public LabAddressesTest {
  protected:
@@ -24,7 +24,7 @@ TEST_F(IpEditingTest, PanelIsEmptiedShownGivenItsDefaultButtonAndTheFocus) {
     panel.SetAddressAndMask("10.0.0.7", "");
     panel.TypeCidr("20");
     panel.editing.Open();
-    EXPECT_THAT(diary, ElementsAre("show [] [] []", "default Command16", "focus IPAddress"));
+    EXPECT_THAT(diary, ElementsAre("show [] [] []", "default Add IP", "focus IPAddress"));
     EXPECT_THAT(panel.Texts(), ElementsAre("", "", ""));
     EXPECT_EQ(panel.beeps, 0);
 }
@@ -49,7 +49,7 @@ TEST_F(IpEditingTest, AddressThatIsNotPersistentIsAddedToTheStackAlone) {
 }
 
 TEST_F(IpEditingTest, PersistentAddressIsAddedToTheStackAndWritten) {
-    panel.check2 = true;
+    panel.persistent = true;
     Add(kLab, "10.0.0.7", "255.255.255.0");
     EXPECT_EQ(ipHelper->addresses.size(), 1U);
     ExpectStored({"10.0.0.5", "10.0.0.6", "10.0.0.7"}, {"255.0.0.0", "255.255.0.0", "255.255.255.0"});
@@ -73,7 +73,7 @@ TEST_F(IpEditingTest, LiveAddLeavesTheListToTheRefresh) {
 
 TEST_F(IpEditingTest, AdapterWithoutALiveInterfaceGetsAPersistentAddressInTheRegistryAndNoErrorIsReported) {
     TakeLabDown();
-    panel.check2 = true;
+    panel.persistent = true;
     Add(kLab, "10.0.0.7", "255.255.255.0");
     EXPECT_THAT(ipHelper->diary, IsEmpty());
     ExpectStored({"10.0.0.5", "10.0.0.6", "10.0.0.7"}, {"255.0.0.0", "255.255.0.0", "255.255.255.0"});
@@ -91,7 +91,7 @@ TEST_F(IpEditingTest, AdapterWithoutALiveInterfaceAndAnAddressThatIsNotPersisten
 
 TEST_F(IpEditingTest, RefusedAddIsReportedWritesNothingAndLeavesTheBoxes) {
     ipHelper->refusal = Win32Error::kObjectAlreadyExists;
-    panel.check2 = true;
+    panel.persistent = true;
     panel.cidr = "24";
     Add(kLab, "10.0.0.5", "255.255.255.0");
     EXPECT_THAT(machine.seat.boxes, ElementsAre(Refusal(5010, "AddIPAddress", "unknown")));
@@ -103,7 +103,7 @@ TEST_F(IpEditingTest, RefusedAddIsReportedWritesNothingAndLeavesTheBoxes) {
 
 TEST_F(IpEditingTest, EmptyAddressIsWrittenAsZeros) {
     TakeLabDown();
-    panel.check2 = true;
+    panel.persistent = true;
     Add(kLab, "", "255.255.255.0");
     ExpectStored({"10.0.0.5", "10.0.0.6", "0.0.0.0"}, {"255.0.0.0", "255.255.0.0", "255.255.255.0"});
 }
@@ -155,7 +155,7 @@ TEST_F(IpEditingTest, RefusalOfGoodTextsIsNotExplained) {
 }
 
 TEST_F(IpEditingTest, IncompletePersistentAddressIsStoredAsTypedAndWarnedOf) {
-    panel.check2 = true;
+    panel.persistent = true;
     panel.address.texts = {"10", "1", "", ""};
     panel.mask.entry.SetText("255.255.255.0");
     panel.editing.Add(kLab);
@@ -169,7 +169,7 @@ TEST_F(IpEditingTest, IncompletePersistentAddressIsStoredAsTypedAndWarnedOf) {
 
 TEST_F(IpEditingTest, AddressAndMaskThatCannotTakeEffectAreWarnedOfTogether) {
     TakeLabDown();
-    panel.check2 = true;
+    panel.persistent = true;
     Add(kLab, "240.0.0.1", "255.0.255.0");
     ExpectStored({"10.0.0.5", "10.0.0.6", "240.0.0.1"}, {"255.0.0.0", "255.255.0.0", "255.0.255.0"});
     EXPECT_THAT(
@@ -190,21 +190,21 @@ TEST_F(IpEditingTest, WhatIsNotStoredIsNotWarnedOf) {
 }
 
 TEST_F(IpEditingTest, GoodPersistentAddressIsNotWarnedOf) {
-    panel.check2 = true;
+    panel.persistent = true;
     Add(kLab, "10.0.0.7", "255.255.255.0");
     EXPECT_THAT(machine.seat.warnings, IsEmpty());
 }
 
 TEST_F(IpEditingTest, RegistryFailureAfterTheLiveAddIsShownAndTheAddIsDone) {
     machine.registry->RemoveValue(kLabKey, "IPAddress");
-    panel.check2 = true;
+    panel.persistent = true;
     Add(kLab, "10.0.0.7", "255.255.255.0");
     EXPECT_EQ(diary, Lines({{"box Error! Cannot Read/Write Registry", "refresh"}, kIpPanelReady}));
     EXPECT_THAT(panel.Texts(), ElementsAre("", "", ""));
 }
 
 TEST_F(IpEditingTest, WithoutAConnectionNothingIsAdded) {
-    panel.check2 = true;
+    panel.persistent = true;
     Add(kNoConnection, "10.0.0.7", "255.255.255.0");
     ExpectMachineUntouched();
     ExpectListAsBefore();
@@ -214,7 +214,7 @@ TEST_F(IpEditingTest, WithoutAConnectionNothingIsAdded) {
 // ---- adding, to a preset
 
 TEST_F(IpEditingTest, AddressOfAPresetIsAddedAsTheLastRowCountedAndSelected) {
-    panel.check2 = true;
+    panel.persistent = true;
     panel.cidr = "24";
     Add(kPreset, "10.0.0.7", "255.255.255.0");
     ASSERT_EQ(list.rows.size(), 3U);

@@ -31,7 +31,7 @@ enum class FocusReports { kNever, kAtOnce, kAfterTheKey };
 
 /// Places of the focus that are no octet box.
 inline constexpr int kNowhere = -1;
-inline constexpr int kCheck1 = 100;
+inline constexpr int kRestartCheck = 100;
 inline constexpr int kVendorListBox = 101;
 
 class BoxesModel : public MacBoxesView, public VendorBoxView {
@@ -43,12 +43,12 @@ class BoxesModel : public MacBoxesView, public VendorBoxView {
     std::array<TextSelection, 12> selections;
     int focus = kNowhere;
     int beeps = 0;
-    bool command9 = false;
+    bool canChange = false;
     std::string vendorText;
     std::vector<std::size_t> chosen;  ///< Entries marked, in order.
     std::string typedElsewhere;       ///< What was typed while no octet box had the focus.
-    /// What the rules did: "text 3 D4", "select 3 0+2", "focus 3", "focus Check1", "Command9 on", "beep",
-    /// "vendor TEXT", "chosen 5".
+    /// What the rules did: "text 3 D4", "select 3 0+2", "focus 3", "focus restart check", "change on",
+    /// "beep", "vendor TEXT", "chosen 5".
     std::vector<std::string> diary;
 
     VendorEntry vendor{*this, *this};
@@ -138,13 +138,13 @@ class BoxesModel : public MacBoxesView, public VendorBoxView {
         diary.push_back("focus " + std::to_string(box));
         MoveByRule(box);
     }
-    void FocusCheck1() override {
-        diary.emplace_back("focus Check1");
-        MoveByRule(kCheck1);
+    void FocusRestartCheck() override {
+        diary.emplace_back("focus restart check");
+        MoveByRule(kRestartCheck);
     }
-    void EnableCommand9(bool enable) override {
-        diary.push_back(enable ? "Command9 on" : "Command9 off");
-        command9 = enable;
+    void EnableChangeNow(bool enable) override {
+        diary.push_back(enable ? "change on" : "change off");
+        canChange = enable;
     }
     void Beep() override {
         diary.emplace_back("beep");

@@ -60,8 +60,8 @@ class FakePanel : public BoxesModel, public ChangeMacView {
 
     bool restart = true;
 
-    [[nodiscard]] bool Check1() const override { return restart; }
-    void SetCheck1(bool ticked) override { restart = ticked; }
+    [[nodiscard]] bool RestartTicked() const override { return restart; }
+    void TickRestart(bool ticked) override { restart = ticked; }
     void ShowPanel(bool show) override {
         diary.emplace_back(show ? "show panel" : "hide panel");
         userDiary_.push_back(diary.back());
@@ -76,7 +76,7 @@ class MacChangeTest : public WindowCommandTest {
     MacChangeTest() {
         panel.Fill(0, {"00", "0C", "29", "4F", "8E", "35"});
         panel.vendorText = "Some Maker";
-        panel.command9 = true;
+        panel.canChange = true;
     }
 
     void Change() { ChangeNow(1, panel, panel); }
@@ -101,15 +101,15 @@ TEST_F(MacChangeTest, OpeningEmptiesTheFirstRowAndTheVendorAndTicksTheRestart) {
     EXPECT_EQ(panel.Row(), kNoOctets);
     EXPECT_EQ(panel.vendorText, "");
     EXPECT_TRUE(panel.restart);
-    EXPECT_FALSE(panel.command9);
+    EXPECT_FALSE(panel.canChange);
     EXPECT_EQ(panel.focus, 0);
     EXPECT_EQ(panel.Row(6), (Octets{"AB", "", "", "", "", "CD"}));
 }
 
-TEST_F(MacChangeTest, OpeningWithEmptyBoxesDisablesCommand9AndClearsTheVendorToo) {
+TEST_F(MacChangeTest, OpeningWithEmptyBoxesDisablesTheChangeAndClearsTheVendorToo) {
     panel.Fill(0, kNoOctets);
     OpenChangeMac(panel, panel, panel);
-    EXPECT_FALSE(panel.command9);
+    EXPECT_FALSE(panel.canChange);
     EXPECT_EQ(panel.vendorText, "");
 }
 

@@ -166,7 +166,7 @@ TEST_P(PastedAddress, FillsTheRowWhateverItsSeparators) {
             EXPECT_EQ(boxes.focus, 5);
             EXPECT_EQ(boxes.selections[5], (TextSelection{2, 0}));
             EXPECT_EQ(boxes.vendorText, "Unknown Vendor (00-0C-29)");
-            EXPECT_TRUE(boxes.command9);
+            EXPECT_TRUE(boxes.canChange);
             EXPECT_EQ(boxes.beeps, 0);
         }
     }

@@ -14,9 +14,9 @@ namespace {
 using test::BoxesModel;
 using test::FocusReports;
 using test::kBoxes;
-using test::kCheck1;
 using test::kNoOctets;
 using test::kNowhere;
+using test::kRestartCheck;
 using test::LoadVendors;
 using test::Octets;
 using testing::ElementsAre;
@@ -89,7 +89,7 @@ TEST_F(MacEntryRules, DigitThatCompletesTheOctetGoesOn) {
         boxes.entry.KeyPress(box, 'b');
         EXPECT_EQ(boxes.texts[at], "AB");
         if (box == 5) {
-            EXPECT_EQ(boxes.focus, kCheck1);
+            EXPECT_EQ(boxes.focus, kRestartCheck);
         } else if (box == 11) {
             EXPECT_EQ(boxes.focus, 11);
             EXPECT_EQ(boxes.selections[at], (TextSelection{2, 0}));
@@ -151,7 +151,7 @@ TEST_F(MacEntryRules, DigitInAFullBoxWithoutSelectionBeginsTheNextBox) {
             EXPECT_EQ(boxes.texts[at], "AB");
             EXPECT_EQ(boxes.beeps, box == 11 ? 1 : 0);
             if (box == 5) {
-                EXPECT_EQ(boxes.focus, kCheck1);
+                EXPECT_EQ(boxes.focus, kRestartCheck);
             } else if (box == 11) {
                 EXPECT_EQ(boxes.focus, 11);
                 EXPECT_EQ(boxes.selections[at], (TextSelection{caret, 0}));
@@ -239,26 +239,26 @@ TEST_F(MacEntryRules, ChangeOfAPrefixBoxClearsTheVendorText) {
     }
 }
 
-TEST_F(MacEntryRules, Command9NeedsSixFullBoxes) {
+TEST_F(MacEntryRules, ChangingNeedsSixFullBoxes) {
     boxes.Fill(0, {"00", "11", "22", "33", "44"});
     boxes.focus = 5;
     boxes.entry.Changed(4);
-    EXPECT_FALSE(boxes.command9);
+    EXPECT_FALSE(boxes.canChange);
     boxes.Type("5");
-    EXPECT_FALSE(boxes.command9);
+    EXPECT_FALSE(boxes.canChange);
     boxes.Type("5");
-    EXPECT_TRUE(boxes.command9);
+    EXPECT_TRUE(boxes.canChange);
     for (int box = 0; box < 6; ++box) {
         for (const std::string text : {"", "7"}) {
             boxes.SetText(box, text);
-            EXPECT_FALSE(boxes.command9) << "box " << box << " holds " << text;
+            EXPECT_FALSE(boxes.canChange) << "box " << box << " holds " << text;
         }
         boxes.SetText(box, "77");
-        EXPECT_TRUE(boxes.command9);
+        EXPECT_TRUE(boxes.canChange);
     }
     boxes.SetText(6, "");
     boxes.SetText(6, "0");
-    EXPECT_TRUE(boxes.command9) << "the second row plays no part";
+    EXPECT_TRUE(boxes.canChange) << "the second row plays no part";
 }
 
 TEST_F(MacEntryRules, ClickSelectsTheWholeText) {

@@ -12,9 +12,9 @@ namespace {
 
 using test::BoxesModel;
 using test::FocusReports;
-using test::kCheck1;
 using test::kNoOctets;
 using test::kNowhere;
+using test::kRestartCheck;
 using test::LoadVendors;
 using test::Octets;
 using testing::ElementsAre;
@@ -48,11 +48,11 @@ INSTANTIATE_TEST_SUITE_P(
                     Window{FocusReports::kAtOnce, true}, Window{FocusReports::kAtOnce, false},
                     Window{FocusReports::kAfterTheKey, true}, Window{FocusReports::kAfterTheKey, false}));
 
-TEST_P(TypedAddress, TwelveDigitsFillTheRowAndEndOnCheck1) {
+TEST_P(TypedAddress, TwelveDigitsFillTheRowAndEndOnTheRestartCheck) {
     boxes.Type("a1b2c3d4e5f6");
     EXPECT_EQ(boxes.Row(), (Octets{"A1", "B2", "C3", "D4", "E5", "F6"}));
-    EXPECT_EQ(boxes.focus, kCheck1);
-    EXPECT_TRUE(boxes.command9);
+    EXPECT_EQ(boxes.focus, kRestartCheck);
+    EXPECT_TRUE(boxes.canChange);
     EXPECT_EQ(boxes.vendorText,
               GetParam().knownVendor ? "Acme   Address: Here" : "Unknown Vendor (A1-B2-C3)");
     EXPECT_EQ(boxes.beeps, 0);
@@ -65,7 +65,7 @@ TEST_P(TypedAddress, SecondAddressOverTheFirstReplacesIt) {
     boxes.Click(0);
     boxes.Type("a1b2c3d4e5f6");
     EXPECT_EQ(boxes.Row(), (Octets{"A1", "B2", "C3", "D4", "E5", "F6"}));
-    EXPECT_EQ(boxes.focus, kCheck1);
+    EXPECT_EQ(boxes.focus, kRestartCheck);
 }
 
 TEST_P(TypedAddress, PrefixWithSeparatorsFillsThreeBoxes) {
@@ -88,7 +88,7 @@ TEST_P(TypedAddress, WholeAddressWithSeparatorsFillsTheRow) {
         boxes.MoveTo(0);
         boxes.Type(text);
         EXPECT_EQ(boxes.Row(), (Octets{"A1", "B2", "C3", "D4", "E5", "F6"})) << text;
-        EXPECT_EQ(boxes.focus, kCheck1) << text;
+        EXPECT_EQ(boxes.focus, kRestartCheck) << text;
     }
     EXPECT_EQ(boxes.beeps, 0);
 }
@@ -100,14 +100,14 @@ TEST_P(TypedAddress, SecondRowFillsInTheSameWayAndKeepsTheFocus) {
     EXPECT_EQ(boxes.Row(), kNoOctets);
     EXPECT_EQ(boxes.focus, 11);
     EXPECT_EQ(boxes.vendorText, "");
-    EXPECT_FALSE(boxes.command9);
+    EXPECT_FALSE(boxes.canChange);
     EXPECT_EQ(boxes.beeps, 0);
 }
 
 TEST_P(TypedAddress, OctetsOfOneDigitAreCompletedWhereTheWindowReportsTheFocus) {
     boxes.Type("1:c:29:4:8e:5");
     if (GetParam().reports != FocusReports::kNever) {
-        boxes.MoveTo(kCheck1);
+        boxes.MoveTo(kRestartCheck);
         EXPECT_EQ(boxes.Row(), (Octets{"01", "0C", "29", "04", "8E", "05"}));
     } else {
         // The look-up completes the first three.
@@ -173,7 +173,7 @@ TEST_F(SeparatorKey, SeparatorInTheLastBoxOfARowBeeps) {
         boxes.diary.clear();
         boxes.Stand(5, "AB", {0, 2});
         boxes.entry.KeyPress(5, separator);
-        EXPECT_THAT(boxes.diary, ElementsAre("beep", "focus Check1"));
+        EXPECT_THAT(boxes.diary, ElementsAre("beep", "focus restart check"));
         boxes.diary.clear();
         boxes.Stand(11, "AB", {0, 2});
         boxes.entry.KeyPress(11, separator);

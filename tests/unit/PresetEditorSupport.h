@@ -47,8 +47,8 @@ class PlainBoxes : public MacBoxesView {
     [[nodiscard]] TextSelection Selection(int) const override { return {}; }
     void Select(int, TextSelection) override { ADD_FAILURE() << "selects in a box"; }
     void Focus(int) override { ADD_FAILURE() << "moves the focus to a box"; }
-    void FocusCheck1() override { ADD_FAILURE() << "moves the focus to Check1"; }
-    void EnableCommand9(bool) override { ADD_FAILURE() << "changes Command9"; }
+    void FocusRestartCheck() override { ADD_FAILURE() << "moves the focus to the other panel"; }
+    void EnableChangeNow(bool) override { ADD_FAILURE() << "changes a button of the other panel"; }
     void Beep() override { ADD_FAILURE() << "beeps"; }
 };
 

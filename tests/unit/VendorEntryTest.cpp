@@ -63,8 +63,8 @@ TEST_F(VendorRules, LookUpFollowsItsOrder) {
     const Octets octets = RandomOctets(5);
     EXPECT_THAT(boxes.diary,
                 ElementsAre("vendor Searching Wait ...", "vendor VMware   Address: Palo Alto", "chosen 1",
-                            "text 0 00", "text 1 0C", "text 2 29", "text 3 " + octets[0], "Command9 off",
-                            "text 4 " + octets[1], "Command9 off", "text 5 " + octets[2], "Command9 on"));
+                            "text 0 00", "text 1 0C", "text 2 29", "text 3 " + octets[0], "change off",
+                            "text 4 " + octets[1], "change off", "text 5 " + octets[2], "change on"));
 }
 
 TEST_F(VendorRules, EventsRunWhileTheSearchIsAnnounced) {
@@ -210,7 +210,7 @@ TEST_F(VendorRules, ChoiceFillsPrefixAndRandomOctets) {
     EXPECT_EQ(FirstThree(), (Octets{"00", "0C", "29"}));
     EXPECT_EQ(LastThree(), RandomOctets(5));
     EXPECT_EQ(boxes.vendorText, "VMware   Address: Palo Alto") << "not cleared by the boxes it fills";
-    EXPECT_TRUE(boxes.command9);
+    EXPECT_TRUE(boxes.canChange);
     EXPECT_THAT(seat.diary, IsEmpty());
 }
 
@@ -286,7 +286,7 @@ TEST_F(VendorRules, RandomAddressTakesVendorAndOctetsFromOneSeries) {
     EXPECT_EQ(FirstThree(), (Octets{prefix.substr(0, 2), prefix.substr(2, 2), prefix.substr(4, 2)}));
     EXPECT_EQ(boxes.vendorText, VendorText(Vendors(), entry));
     EXPECT_EQ(LastThree(), octets);
-    EXPECT_TRUE(boxes.command9);
+    EXPECT_TRUE(boxes.canChange);
     EXPECT_THAT(seat.boxes, IsEmpty());
 }
 

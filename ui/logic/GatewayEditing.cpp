@@ -16,13 +16,13 @@ void GatewayEditing::Open() {
     panel_.MakeDefault();
     panel_.Gateway().SetText("");
     panel_.SetMetric("");
-    panel_.SetCheck4(false);
+    panel_.TickAutoMetric(false);
     panel_.EnableMetric(true);
     panel_.FocusGateway();
 }
 
-void GatewayEditing::Check4Clicked(const EditingTarget& target) {
-    const bool automatic = panel_.Check4();
+void GatewayEditing::AutoMetricClicked(const EditingTarget& target) {
+    const bool automatic = panel_.AutoMetricTicked();
     panel_.EnableMetric(!automatic);
     if (automatic) {
         panel_.SetMetric(std::to_string(target.adapter ? Nics.at(*target.adapter).InterfaceMetric : 0));
@@ -39,12 +39,12 @@ void GatewayEditing::Add(const EditingTarget& target) {
     const std::uint32_t metric = MetricFrom(panel_.Metric());
     if (!target.live) {
         FindOrAddRow(list_, kGatewayTitle, gateway.text,
-                     panel_.Check4() ? kAutomaticMetric : std::to_string(metric));
+                     panel_.AutoMetricTicked() ? kAutomaticMetric : std::to_string(metric));
         Done(target);
     } else if (target.adapter) {
-        if (AddGateway(*target.adapter, gateway, metric, panel_.Check3())) {
+        if (AddGateway(*target.adapter, gateway, metric, panel_.PersistentTicked())) {
             std::vector<std::string> sentences;
-            if (panel_.Check3()) AdviseAddress("gateway", gateway.text, sentences);
+            if (panel_.PersistentTicked()) AdviseAddress("gateway", gateway.text, sentences);
             WarnOf(std::move(sentences));
             Done(target);
             CurrentSeat().Refresh();
@@ -58,7 +58,7 @@ void GatewayEditing::Add(const EditingTarget& target) {
 
 void GatewayEditing::Done(const EditingTarget& target) {
     panel_.Gateway().SetText("");
-    Check4Clicked(target);
+    AutoMetricClicked(target);
 }
 
 void GatewayEditing::Remove(const EditingTarget& target) {

@@ -23,10 +23,10 @@ class GatewayPanelView {
     virtual void EnableMetric(bool enable) = 0;
     virtual void FocusMetric() = 0;
     /// "Auto Metric".
-    [[nodiscard]] virtual bool Check4() const = 0;
-    virtual void SetCheck4(bool ticked) = 0;
+    [[nodiscard]] virtual bool AutoMetricTicked() const = 0;
+    virtual void TickAutoMetric(bool ticked) = 0;
     /// "Persistant Gateway".
-    [[nodiscard]] virtual bool Check3() const = 0;
+    [[nodiscard]] virtual bool PersistentTicked() const = 0;
 };
 
 class GatewayEditing {
@@ -38,9 +38,9 @@ class GatewayEditing {
     /// `mnuAddGateway`, a digit typed in the list: opens the panel empty.
     void Open();
 
-    /// `Check4` was clicked. Ticked: the metric is the selected connection's interface metric and cannot be
-    /// typed; not ticked: it is empty and has the focus.
-    void Check4Clicked(const EditingTarget& target);
+    /// "Auto Metric" was clicked. Ticked: the metric is the selected connection's interface metric and cannot
+    /// be typed; not ticked: it is empty and has the focus.
+    void AutoMetricClicked(const EditingTarget& target);
 
     /// `Command19`, "Add Gateway". Live: adds the default route to the running stack, and to the registry
     /// when it is to be kept; refreshes when it is done, and leaves the boxes as they are after a refusal.

@@ -74,8 +74,8 @@ void IpEditing::Add(const EditingTarget& target) {
         FindOrAddRow(list_, kIpTitle, address.text, mask.text);
         Clear();
     } else if (target.adapter) {
-        if (AddIPAddress(*target.adapter, address, mask, panel_.Check2())) {
-            if (panel_.Check2()) AdviseStored(address, mask);
+        if (AddIPAddress(*target.adapter, address, mask, panel_.PersistentTicked())) {
+            if (panel_.PersistentTicked()) AdviseStored(address, mask);
             Clear();
             CurrentSeat().Refresh();
         } else {

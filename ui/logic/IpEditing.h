@@ -26,7 +26,7 @@ class IpPanelView {
     [[nodiscard]] virtual std::string Cidr() const = 0;
     virtual void SetCidr(const std::string& text) = 0;
     /// "Persistant IP Address".
-    [[nodiscard]] virtual bool Check2() const = 0;
+    [[nodiscard]] virtual bool PersistentTicked() const = 0;
     virtual void Beep() = 0;
 };
 

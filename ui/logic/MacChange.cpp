@@ -75,8 +75,8 @@ void ApplyChange(const std::string& name, bool restart) {
 
 void OpenChangeMac(MacBoxesView& boxes, VendorBoxView& vendorList, ChangeMacView& panel) {
     EmptyBoxes(boxes, vendorList);
-    panel.SetCheck1(true);
-    boxes.EnableCommand9(false);
+    panel.TickRestart(true);
+    boxes.EnableChangeNow(false);
     panel.ShowPanel(true);
     boxes.Focus(0);
 }
@@ -89,7 +89,7 @@ void ChangeNow(std::size_t adapter, MacBoxesView& boxes, ChangeMacView& panel) {
     }
     // A copy: the restart may read the adapters anew.
     const std::string name = Nics.at(adapter).Name;
-    const bool restart = panel.Check1();
+    const bool restart = panel.RestartTicked();
     if (!UserWantsChange(name, address, restart)) return;
     if (!WriteNetworkAddress(adapter, JoinMacText(boxes, ""))) return;
     panel.ShowPanel(false);

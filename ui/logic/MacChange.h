@@ -13,8 +13,8 @@ class ChangeMacView {
  public:
     virtual ~ChangeMacView() = default;
     /// State of "Automatically Restart Network Connection To Apply Changes".
-    [[nodiscard]] virtual bool Check1() const = 0;
-    virtual void SetCheck1(bool ticked) = 0;
+    [[nodiscard]] virtual bool RestartTicked() const = 0;
+    virtual void TickRestart(bool ticked) = 0;
     virtual void ShowPanel(bool show) = 0;
 };
 

@@ -114,7 +114,7 @@ void MacEntry::Separator(int box) {
         return;
     }
     boxes_.Beep();
-    if (box == kLastAppliedBox) boxes_.FocusCheck1();
+    if (box == kLastAppliedBox) boxes_.FocusRestartCheck();
 }
 
 void MacEntry::Backspace(int box) {
@@ -143,7 +143,7 @@ void MacEntry::Digit(int box, char digit) {
     ReplaceSelection(box, std::string(1, digit));
     if (!completes) return;
     if (box == kLastAppliedBox) {
-        boxes_.FocusCheck1();
+        boxes_.FocusRestartCheck();
     } else if (!IsLastOfRow(box)) {
         GoTo(box + 1);
         SelectAll(box + 1);
@@ -153,7 +153,7 @@ void MacEntry::Digit(int box, char digit) {
 
 void MacEntry::DigitBeyondFullBox(int box, char digit) {
     if (box == kLastAppliedBox) {
-        boxes_.FocusCheck1();
+        boxes_.FocusRestartCheck();
     } else if (IsLastOfRow(box)) {
         boxes_.Beep();
     } else {
@@ -197,7 +197,7 @@ void MacEntry::Changed(int box) {
     if (box <= kLastPrefixBox) vendor_.PrefixChanged();
     bool complete = true;
     for (int i = 0; i <= kLastAppliedBox; ++i) complete = complete && boxes_.Text(i).size() >= kOctetLength;
-    boxes_.EnableCommand9(complete);
+    boxes_.EnableChangeNow(complete);
 }
 
 void MacEntry::Clicked(int box) {

@@ -32,8 +32,8 @@ class MacBoxesView {
     virtual void Select(int box, TextSelection selection) = 0;
     virtual void Focus(int box) = 0;
     /// To "Automatically Restart Network Connection To Apply Changes".
-    virtual void FocusCheck1() = 0;
-    virtual void EnableCommand9(bool enable) = 0;
+    virtual void FocusRestartCheck() = 0;
+    virtual void EnableChangeNow(bool enable) = 0;
     virtual void Beep() = 0;
 };
 
