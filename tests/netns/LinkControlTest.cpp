@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,8 @@
 #include <gtest/gtest.h>
 #include <linux/if_ether.h>
 #include <linux/if_packet.h>
+#include <linux/rtnetlink.h>
+#include <net/if.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -17,7 +20,9 @@
 #include "base/Address.h"
 #include "netns/NetnsSupport.h"
 #include "platform/RegistryKeys.h"
+#include "platform/linux/kernel/NetlinkSocket.h"
 #include "platform/linux/owners/LinkControl.h"
+#include "tests/unit/NetlinkMessages.h"
 
 namespace corvane {
 namespace {
@@ -28,38 +33,90 @@ using namespace std::string_literals;
 
 constexpr char kWanted[] = "000C294F8E35";
 
-/// The kernel, but for refusals that cannot be had from the links that can be made here.
-class RefusingKernel : public Netlink {
- public:
-    std::optional<int> addressRefusal;
-    int upRefusals = 0;  ///< How many times "up" is still refused.
+/// What the kernel refuses or only pretends to do, which cannot be had from the links that can be made here.
+struct Refusals {
+    std::optional<int> addressRefusal;  ///< Of kWanted.
+    int upRefusals = 0;                 ///< How many times "up" is still refused.
     bool ignoresAddresses = false;
-    bool ignoresSetUp = false;  ///< Says yes to addresses and routes and does nothing.
+    bool ignoresSetUp = false;  ///< Says yes to IPv4 addresses and routes and does nothing.
     bool ignoresDown = false;
-    bool losesRoutes = false;  ///< Route dumps fail.
+    bool losesRoutes = false;  ///< IPv4 route dumps fail.
+};
 
-    KernelAnswer SetLinkAddress(std::uint32_t index, const MacBytes& address) override {
-        if (addressRefusal && MacDigits(address) == kWanted) return {*addressRefusal, "the driver says no"};
-        if (ignoresAddresses) return {};
-        return Netlink::SetLinkAddress(index, address);
+/// The kernel, but for these refusals.
+class RefusingTransport : public NetlinkTransport {
+ public:
+    explicit RefusingTransport(Refusals& refusals) : refusals_(refusals) {
+        int error = 0;
+        kernel_ = OpenNetlinkTransport(error);
+        EXPECT_EQ(error, 0);
     }
-    KernelAnswer SetLinkUp(std::uint32_t index, bool up) override {
-        if (up && upRefusals > 0) {
-            --upRefusals;
-            return {EADDRINUSE, ""};
+
+    int Send(ByteSpan message) override {
+        nlmsghdr header{};
+        EXPECT_TRUE(ReadRecord(message, header));
+        const std::optional<Answer> answer =
+            AnswerTo(header.nlmsg_type, message.subspan(sizeof header, header.nlmsg_len - sizeof header));
+        if (!answer) return kernel_->Send(message);
+        nlmsgerr error{};
+        error.error = -answer->errnoValue;
+        error.msg = header;
+        pending_ = messages::Message(
+            NLMSG_ERROR, NLM_F_CAPPED | (answer->text.empty() ? 0U : NLM_F_ACK_TLVS), header.nlmsg_seq,
+            messages::Join({messages::Raw(error),
+                            answer->text.empty()
+                                ? messages::Bytes()
+                                : messages::Attribute(NLMSGERR_ATTR_MSG, messages::Text(answer->text))}));
+        return 0;
+    }
+
+    int Receive(std::span<std::uint8_t> buffer, std::size_t& size) override {
+        if (pending_.empty()) return kernel_->Receive(buffer, size);
+        size = pending_.size();
+        std::copy(pending_.begin(), pending_.end(), buffer.begin());
+        pending_.clear();
+        return 0;
+    }
+
+ private:
+    struct Answer {
+        int errnoValue = 0;
+        std::string text;
+    };
+
+    /// Nothing for what the kernel is to answer.
+    std::optional<Answer> AnswerTo(unsigned type, ByteSpan payload) {
+        const bool ipv4 = payload[0] == AF_INET;
+        if (type == RTM_NEWLINK) return AnswerToLink(payload);
+        if ((type == RTM_NEWADDR || type == RTM_NEWROUTE) && ipv4 && refusals_.ignoresSetUp) return Answer{};
+        if (type == RTM_GETROUTE && ipv4 && refusals_.losesRoutes) return Answer{ENOBUFS, ""};
+        return std::nullopt;
+    }
+
+    std::optional<Answer> AnswerToLink(ByteSpan payload) {
+        ifinfomsg link{};
+        EXPECT_TRUE(ReadRecord(payload, link));
+        std::optional<MacBytes> address;
+        ForEachAttribute(After(payload, sizeof link), [&](std::uint16_t type, ByteSpan value) {
+            MacBytes bytes{};
+            if (type == IFLA_ADDRESS && ReadRecord(value, bytes)) address = bytes;
+        });
+        if (address && MacDigits(*address) == kWanted && refusals_.addressRefusal)
+            return Answer{*refusals_.addressRefusal, "the driver says no"};
+        if (address && refusals_.ignoresAddresses) return Answer{};
+        if ((link.ifi_change & IFF_UP) == 0) return std::nullopt;
+        const bool up = (link.ifi_flags & IFF_UP) != 0;
+        if (up && refusals_.upRefusals > 0) {
+            --refusals_.upRefusals;
+            return Answer{EADDRINUSE, ""};
         }
-        if (!up && ignoresDown) return {};
-        return Netlink::SetLinkUp(index, up);
+        if (!up && refusals_.ignoresDown) return Answer{};
+        return std::nullopt;
     }
-    KernelAnswer AddAddress(const KernelAddress& address, bool replace) override {
-        return ignoresSetUp ? KernelAnswer{} : Netlink::AddAddress(address, replace);
-    }
-    KernelAnswer AddRoute(const KernelRoute& route) override {
-        return ignoresSetUp ? KernelAnswer{} : Netlink::AddRoute(route);
-    }
-    KernelAnswer DumpRoutes(std::vector<KernelRoute>& routes) override {
-        return losesRoutes ? KernelAnswer{ENOBUFS, ""} : Netlink::DumpRoutes(routes);
-    }
+
+    Refusals& refusals_;
+    std::unique_ptr<NetlinkTransport> kernel_;
+    messages::Bytes pending_;
 };
 
 class LinkControlTest : public testing::Test {
@@ -95,9 +152,9 @@ class LinkControlTest : public testing::Test {
     std::string folder_ = "/run/" + netns::NewLinkName("control");
     netns::ScopedVeth link_;
     std::string original_;
-    RefusingKernel* kernel_ = new RefusingKernel;  // machine_ owns it
-    std::shared_ptr<Machine> machine_ =
-        std::make_shared<Machine>(folder_ + "/registry.db", std::unique_ptr<Netlink>(kernel_));
+    Refusals kernel_;
+    std::shared_ptr<Machine> machine_ = std::make_shared<Machine>(
+        folder_ + "/registry.db", std::make_unique<Netlink>(std::make_unique<RefusingTransport>(kernel_)));
     LinkControl control_{machine_};
     std::string failure_;
 };
@@ -119,7 +176,7 @@ TEST_F(LinkControlTest, AnOverrideIsSetWithARestartAndGivenBackWithTheNext) {
 
 TEST_F(LinkControlTest, ADriverThatRefusesTheAddressIsQuotedAndTheLinkHasItsOriginal) {
     SetOverride(kWanted);
-    kernel_->addressRefusal = EBUSY;
+    kernel_.addressRefusal = EBUSY;
     ASSERT_TRUE(Disable()) << failure_;
     EXPECT_FALSE(Enable());
     EXPECT_NE(failure_.find("00-0C-29-4F-8E-35 was refused"), std::string::npos) << failure_;
@@ -132,7 +189,7 @@ TEST_F(LinkControlTest, ADriverThatRefusesTheAddressIsQuotedAndTheLinkHasItsOrig
 
 TEST_F(LinkControlTest, AnAddressInUseThatShowsOnlyWhenTheLinkComesUpIsReplacedByTheOriginal) {
     SetOverride(kWanted);
-    kernel_->upRefusals = 1;
+    kernel_.upRefusals = 1;
     ASSERT_TRUE(Disable()) << failure_;
     EXPECT_FALSE(Enable());
     EXPECT_NE(failure_.find("was refused"), std::string::npos) << failure_;
@@ -143,11 +200,11 @@ TEST_F(LinkControlTest, AnAddressInUseThatShowsOnlyWhenTheLinkComesUpIsReplacedB
 TEST_F(LinkControlTest, ALinkThatDoesNotComeUpIsReportedAndKeepsWhatWasKept) {
     Ip("route add 10.92.0.0/16 via 10.91.0.1");
     ASSERT_TRUE(Disable()) << failure_;
-    kernel_->upRefusals = 2;
+    kernel_.upRefusals = 2;
     EXPECT_FALSE(Enable());
     EXPECT_NE(failure_.find("could not be taken up"), std::string::npos) << failure_;
     EXPECT_TRUE(Row().held);
-    kernel_->upRefusals = 0;
+    kernel_.upRefusals = 0;
     ASSERT_TRUE(Enable()) << failure_;
     EXPECT_EQ(IpJson("route show 10.92.0.0/16").size(), 1U);
     EXPECT_FALSE(Row().held);
@@ -155,7 +212,7 @@ TEST_F(LinkControlTest, ALinkThatDoesNotComeUpIsReportedAndKeepsWhatWasKept) {
 
 TEST_F(LinkControlTest, AnAddressThatTheDriverOnlyPretendsToTakeIsNoticed) {
     SetOverride(kWanted);
-    kernel_->ignoresAddresses = true;
+    kernel_.ignoresAddresses = true;
     ASSERT_TRUE(Disable()) << failure_;
     EXPECT_FALSE(Enable());
     EXPECT_NE(failure_.find("not 00-0C-29-4F-8E-35"), std::string::npos) << failure_;
@@ -164,26 +221,26 @@ TEST_F(LinkControlTest, AnAddressThatTheDriverOnlyPretendsToTakeIsNoticed) {
 TEST_F(LinkControlTest, AnAddressAndAGatewayThatTheKernelOnlyPretendsToTakeAreNoticed) {
     Ip("route add default via 10.91.0.1 dev " + link_.Name());
     ASSERT_TRUE(Disable()) << failure_;
-    kernel_->ignoresSetUp = true;
+    kernel_.ignoresSetUp = true;
     EXPECT_FALSE(Enable());
     EXPECT_NE(failure_.find("IP address 10.91.0.5 is not there"), std::string::npos) << failure_;
     EXPECT_NE(failure_.find("gateway 10.91.0.1 is not there"), std::string::npos) << failure_;
 }
 
 TEST_F(LinkControlTest, ALinkThatStaysUpIsNotSaidToBeDisabled) {
-    kernel_->ignoresDown = true;
+    kernel_.ignoresDown = true;
     EXPECT_FALSE(Disable());
     EXPECT_NE(failure_.find("still up"), std::string::npos) << failure_;
 }
 
 TEST_F(LinkControlTest, APictureThatCouldNotBeReadWholeLeavesTheFormerOneAndIsReadAgain) {
-    kernel_->losesRoutes = true;
+    kernel_.losesRoutes = true;
     Ip("address add 10.91.0.6/24 dev " + link_.Name());
     machine_->Update();
     EXPECT_EQ(std::count_if(machine_->Picture().addresses.begin(), machine_->Picture().addresses.end(),
                             [&](const KernelAddress& address) { return address.index == link_.Index(); }),
               1);
-    kernel_->losesRoutes = false;
+    kernel_.losesRoutes = false;
     machine_->Update();
     EXPECT_EQ(std::count_if(machine_->Picture().addresses.begin(), machine_->Picture().addresses.end(),
                             [&](const KernelAddress& address) { return address.index == link_.Index(); }),

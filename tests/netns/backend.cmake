@@ -6,4 +6,5 @@ corvane_test(NAME backend_test NETNS
         netns/NetnsSupport.cpp
         netns/RunTimeAddressTest.cpp
         netns/SyncedRegistryTest.cpp
+        unit/NetlinkMessages.cpp
     LIBS corvane_backend corvane_fakes)

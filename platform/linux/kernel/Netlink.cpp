@@ -151,6 +151,9 @@ bool KernelLink::Running() const { return (flags & IFF_RUNNING) != 0; }
 
 Netlink::Netlink() : socket_(std::make_unique<NetlinkSocket>()) {}
 
+Netlink::Netlink(std::unique_ptr<NetlinkTransport> transport)
+    : socket_(std::make_unique<NetlinkSocket>(std::move(transport))) {}
+
 Netlink::~Netlink() = default;
 
 KernelAnswer Netlink::DumpLinks(std::vector<KernelLink>& links) {

@@ -76,6 +76,7 @@ struct KernelRoute {
 [[nodiscard]] bool IsIpv4Route(const HeldMessage& message);
 
 class NetlinkSocket;
+class NetlinkTransport;
 
 /// A request socket of the namespace that the process is in. Strict checking and extended acknowledgements
 /// on, 64 kB receive buffer; a dump that the kernel marks as interrupted is repeated, up to ten times, and
@@ -83,14 +84,16 @@ class NetlinkSocket;
 class Netlink {
  public:
     Netlink();
-    virtual ~Netlink();
+    /// Over `transport` instead of a socket; see there.
+    explicit Netlink(std::unique_ptr<NetlinkTransport> transport);
+    ~Netlink();
     Netlink(const Netlink&) = delete;
     Netlink& operator=(const Netlink&) = delete;
 
     // Dumps replace their out-list; on failure it is empty.
     KernelAnswer DumpLinks(std::vector<KernelLink>& links);
     KernelAnswer DumpAddresses(std::vector<KernelAddress>& addresses);
-    virtual KernelAnswer DumpRoutes(std::vector<KernelRoute>& routes);
+    KernelAnswer DumpRoutes(std::vector<KernelRoute>& routes);
 
     /// One link by index or by name; ENODEV when there is none.
     KernelAnswer GetLink(std::uint32_t index, KernelLink& link);
@@ -101,22 +104,22 @@ class Netlink {
     /// EADDRNOTAVAIL for a multicast or zero address, EADDRINUSE when a macvlan's lower link or a sibling has
     /// it, EOPNOTSUPP for a link without one. The kernel drops the link's neighbours, permanent ones
     /// included.
-    virtual KernelAnswer SetLinkAddress(std::uint32_t index, const MacBytes& address);
+    KernelAnswer SetLinkAddress(std::uint32_t index, const MacBytes& address);
     /// EADDRINUSE for a macvlan that comes up with the address of a sibling that is up. Going down loses what
     /// SaveLinkState saves, and no event tells of the routes that go.
-    virtual KernelAnswer SetLinkUp(std::uint32_t index, bool up);
+    KernelAnswer SetLinkUp(std::uint32_t index, bool up);
 
     /// Adds an address (EEXIST when it is there already with this prefix); with `replace` an existing one
     /// gets the new lifetimes instead. The broadcast address is set from the prefix (RFC 919) for prefixes up
     /// to 30.
-    virtual KernelAnswer AddAddress(const KernelAddress& address, bool replace);
+    KernelAnswer AddAddress(const KernelAddress& address, bool replace);
     /// Takes address and prefix together; EADDRNOTAVAIL when the link has no such pair, or has it with a
     /// peer's address on the other end. The kernel removes the secondary addresses of a primary one with it.
     KernelAnswer DeleteAddress(const KernelAddress& address);
 
     /// Adds a route beside routes of the same destination and metric (NLM_F_APPEND); EEXIST for the very same
     /// route. ENETUNREACH when no route leads to the gateway. Every field is sent as it is, the scope too.
-    virtual KernelAnswer AddRoute(const KernelRoute& route);
+    KernelAnswer AddRoute(const KernelRoute& route);
     /// Removes the route that agrees in every field; ESRCH when there is none.
     KernelAnswer DeleteRoute(const KernelRoute& route);
 

@@ -40,7 +40,10 @@ class NetlinkRequest {
     std::vector<std::uint8_t> buffer_;
 };
 
-/// The way to the kernel and back; replaced in tests. Both give an errno value, 0 on success.
+/// The way to the kernel and back. Both give an errno value, 0 on success. It is the one place where tests
+/// stand in for the kernel: a body of theirs answers some requests or all of them itself, with messages as
+/// they come over the socket, and passes the others on to OpenNetlinkTransport's. So what is tested is all of
+/// what runs above the socket.
 class NetlinkTransport {
  public:
     virtual ~NetlinkTransport() = default;

@@ -16,7 +16,7 @@ namespace corvane {
 /// of links, addresses and routes serves until the kernel reports a change. Not thread-safe.
 class Machine {
  public:
-    /// `kernel` is for tests that have it refuse something.
+    /// `kernel` is for tests whose transport refuses something.
     explicit Machine(std::string storePath = RegistryStore::DefaultPath(),
                      std::unique_ptr<Netlink> kernel = std::make_unique<Netlink>());
     ~Machine();
