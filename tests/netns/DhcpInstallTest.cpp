@@ -121,7 +121,10 @@ TEST_F(DhcpInstall, APermanentAddressIsNotTakenForALease) {
     Ip("address add 10.1.2.3/24 dev " + veth_.Name());
     SetText(kId, "DhcpIPAddress", "10.1.2.3");
     installer_.Adopt();
-    EXPECT_FALSE(installer_.HasAddress());
+    installer_.TakeFromLink();
+    const nlohmann::json addresses = netns::IpJson("-4 address show dev " + veth_.Name())[0]["addr_info"];
+    ASSERT_EQ(addresses.size(), 1U);
+    EXPECT_EQ(addresses[0]["local"], "10.1.2.3");
 }
 
 TEST_F(DhcpInstall, AStoreThatCannotBeWrittenIsReported) {

@@ -44,8 +44,6 @@ class LeaseInstaller {
     /// Same, for a link without lease. A TCP/IP key that is gone is not made anew.
     void RecordNoLease();
 
-    [[nodiscard]] bool HasAddress() const { return hasAddress_; }
-
  private:
     /// Tells the neighbours (ARP) which hardware address the leased address has now.
     void Announce();
