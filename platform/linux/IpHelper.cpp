@@ -67,10 +67,6 @@ bool SameWay(const KernelRoute& a, const KernelRoute& b) {
            a.index == b.index;
 }
 
-bool SamePlace(const KernelAddress& a, const KernelAddress& b) {
-    return a.index == b.index && a.address == b.address && a.prefix == b.prefix;
-}
-
 /// A link's addresses and routes before one of its addresses is deleted. With a primary address the kernel
 /// takes its secondary ones away, and with the last address, be it for a moment, every route of the link.
 class BeforeDeletion {

@@ -36,10 +36,6 @@ std::string Text(const KernelRoute& route) {
            (route.gateway ? " via " + DottedQuad(route.gateway->data()) : "");
 }
 
-bool SamePlace(const KernelAddress& one, const KernelAddress& other) {
-    return one.index == other.index && one.address == other.address && one.prefix == other.prefix;
-}
-
 bool InNetwork(const Ipv4Bytes& address, const Ipv4Bytes& network, std::uint8_t prefix) {
     const std::uint32_t mask = HostOrder(MaskFromPrefix(prefix));
     return (HostOrder(address) & mask) == (HostOrder(network) & mask);

@@ -149,6 +149,10 @@ bool KernelLink::Up() const { return (flags & IFF_UP) != 0; }
 
 bool KernelLink::Running() const { return (flags & IFF_RUNNING) != 0; }
 
+bool SamePlace(const KernelAddress& one, const KernelAddress& other) {
+    return one.index == other.index && one.address == other.address && one.prefix == other.prefix;
+}
+
 Netlink::Netlink() : socket_(std::make_unique<NetlinkSocket>()) {}
 
 Netlink::Netlink(std::unique_ptr<NetlinkTransport> transport)

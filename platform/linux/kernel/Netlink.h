@@ -58,6 +58,9 @@ struct KernelAddress {
     bool operator==(const KernelAddress&) const = default;
 };
 
+/// Equal but for lifetimes and rank.
+[[nodiscard]] bool SamePlace(const KernelAddress& one, const KernelAddress& other);
+
 /// One IPv4 route of the main table; a multipath route is one record per next hop.
 struct KernelRoute {
     Ipv4Bytes destination{};

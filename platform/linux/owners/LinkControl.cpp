@@ -163,8 +163,7 @@ class Operation {
 
     static bool Contains(const std::vector<KernelAddress>& addresses, const KernelAddress& address) {
         return std::any_of(addresses.begin(), addresses.end(), [&](const KernelAddress& other) {
-            return other.index == address.index && other.address == address.address &&
-                   other.prefix == address.prefix && address.validSeconds == kForever;
+            return SamePlace(other, address) && address.validSeconds == kForever;
         });
     }
 
