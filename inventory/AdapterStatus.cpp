@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Address.h"
 #include "base/Text.h"
 #include "inventory/NicInfo.h"
 #include "inventory/Stages.h"
@@ -69,14 +70,9 @@ void ReadLive(NicInfo& nic, std::vector<FailedRead>& failures) {
         failures.push_back({FailedRead::Source::kIpHelper, "GetIfEntry", code});
         return;
     }
-    std::string prefix;
-    nic.Mac.clear();
-    for (std::size_t i = 0; i < row.physAddr.size(); ++i) {
-        const std::string octet = ByteToHex2(row.physAddr[i]);
-        if (i > 0) nic.Mac += '-';
-        nic.Mac += octet;
-        if (i < 3) prefix += octet;
-    }
+    nic.Mac = MacText(row.physAddr);
+    // The three octets of the manufacturer.
+    const std::string prefix = MacDigits(row.physAddr).substr(0, 6);
     LookUpVendor(nic, prefix);
     KeepOriginal(nic);
     SetStatus(nic, row);
