@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace corvane {
 
@@ -32,6 +33,11 @@ class RunTimeError : public std::runtime_error {
  private:
     int number_;
 };
+
+/// For a data file that the system would not read, for this reason. `file` begins a sentence ("The list X"),
+/// `remedy` is one.
+[[nodiscard]] RunTimeError UnreadableFile(const std::string& file, const std::error_code& reason,
+                                          const std::string& remedy);
 
 /// An exception in words for the user.
 struct Fault {

@@ -124,19 +124,6 @@ std::error_code ReadBeginning(const std::string& path, std::string& bytes, std::
     return failure ? failure : ReadFileContents(path, bytes, kLargestPresetsFile);
 }
 
-[[noreturn]] void FailToRead(const std::string& path, const std::error_code& reason) {
-    int number = RunTimeError::kPathFileAccess;
-    if (reason == std::errc::no_such_file_or_directory || reason == std::errc::not_a_directory) {
-        number = RunTimeError::kFileNotFound;
-    } else if (reason == std::errc::permission_denied || reason == std::errc::operation_not_permitted) {
-        number = RunTimeError::kPermissionDenied;
-    } else if (reason == std::errc::io_error) {
-        number = RunTimeError::kDeviceIoError;
-    }
-    throw RunTimeError(number,
-                       "The presets file " + path + " cannot be read: " + reason.message() + ". " + kRemedy);
-}
-
 std::error_code Save(const std::string& path) {
     std::string bytes = BuildPresets(Presets());
     // A larger file could not be read again.
@@ -197,7 +184,8 @@ void ReadPresets(const std::string& programFolder) {
     const std::string path = programFolder + kPresetsFileName;
     std::string bytes;
     std::uintmax_t size = 0;
-    if (const std::error_code failure = ReadBeginning(path, bytes, size)) FailToRead(path, failure);
+    if (const std::error_code failure = ReadBeginning(path, bytes, size))
+        throw UnreadableFile("The presets file " + path, failure, kRemedy);
     Presets() = ParsePresets(bytes, size > kLargestPresetsFile, path);
 }
 

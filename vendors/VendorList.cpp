@@ -89,21 +89,6 @@ class TextPool {
     std::vector<std::uint32_t> slots_;
 };
 
-[[noreturn]] void FailToRead(const std::string& path, const std::error_code& reason) {
-    int number = RunTimeError::kPathFileAccess;
-    if (reason == std::errc::no_such_file_or_directory || reason == std::errc::not_a_directory) {
-        number = RunTimeError::kFileNotFound;
-    } else if (reason == std::errc::permission_denied || reason == std::errc::operation_not_permitted) {
-        number = RunTimeError::kPermissionDenied;
-    } else if (reason == std::errc::io_error) {
-        number = RunTimeError::kDeviceIoError;
-    } else if (reason == std::errc::not_enough_memory) {
-        number = RunTimeError::kOutOfMemory;
-    }
-    throw RunTimeError(number,
-                       "The vendor list " + path + " cannot be read: " + reason.message() + ". " + kRemedy);
-}
-
 [[noreturn]] void FailShort(const std::string& path) {
     throw RunTimeError(RunTimeError::kInputPastEndOfFile,
                        "The vendor list " + path + " is shorter than its record count says. " + kRemedy);
@@ -221,14 +206,14 @@ VendorTable LoadVendorList(const std::string& programFolder) {
     const std::string path = programFolder + kVendorFileName;
     std::uintmax_t size = 0;
     std::error_code failure = FileSize(path, size);
-    if (failure) FailToRead(path, failure);
+    if (failure) throw UnreadableFile("The vendor list " + path, failure, kRemedy);
     if (size > kLargestFile) {
         throw RunTimeError(RunTimeError::kOutOfMemory, "The vendor list " + path + " is too large: " +
                                                            std::to_string(size) + " bytes. " + kRemedy);
     }
     std::string contents;
     failure = ReadFileContents(path, contents);
-    if (failure) FailToRead(path, failure);
+    if (failure) throw UnreadableFile("The vendor list " + path, failure, kRemedy);
     return VendorTable::Parse(contents, path);
 }
 

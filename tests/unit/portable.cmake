@@ -47,6 +47,7 @@ corvane_unit_group(platform
     unit/IphlpApiTest.cpp
     unit/PlatformTest.cpp
     unit/RegErrorTextTest.cpp
+    unit/RunTimeErrorTest.cpp
     unit/RegistryOperationsTest.cpp
     unit/TextTest.cpp)
 corvane_unit_group(preset_editing
