@@ -41,8 +41,8 @@ class RunTimeError : public std::runtime_error {
 
 /// An exception in words for the user.
 struct Fault {
-    int Number;  ///< One of RunTimeError's.
-    std::string Description;
+    int number;  ///< One of RunTimeError's.
+    std::string description;
 
     bool operator==(const Fault&) const = default;
 };

@@ -97,9 +97,9 @@ void ReadDisabled(NicInfo& nic) {
 }  // namespace
 
 void ReadAdapterStatus(Discovery& found) {
-    for (NicInfo& nic : found.Adapters) {
+    for (NicInfo& nic : found.adapters) {
         if (nic.IfIndex != 0) {
-            ReadLive(nic, found.Failures);
+            ReadLive(nic, found.failures);
         } else {
             ReadDisabled(nic);
         }

@@ -36,7 +36,7 @@ void Show(const FailedRead& failure) {
 /// Notes a failure, and returns false then.
 bool ReadSubkeys(const char* key, std::vector<std::string>& names, Discovery& found) {
     const Win32Error code = RegEnumSubkeys(kHkeyLocalMachine, key, names);
-    if (!Ok(code)) found.Failures.push_back({FailedRead::Source::kRegistry, key, code});
+    if (!Ok(code)) found.failures.push_back({FailedRead::Source::kRegistry, key, code});
     return Ok(code);
 }
 
@@ -85,12 +85,12 @@ void RefreshNicInfo() {
 }
 
 void Publish(Discovery found) {
-    Nics = std::move(found.Adapters);
-    for (const FailedRead& failure : found.Failures) Show(failure);
+    Nics = std::move(found.adapters);
+    for (const FailedRead& failure : found.failures) Show(failure);
 }
 
 void ReadAdapterRegistry(Discovery& found) {
-    std::vector<NicInfo>& adapters = found.Adapters;
+    std::vector<NicInfo>& adapters = found.adapters;
     std::vector<std::string> names;
     if (!ReadSubkeys(kAdaptersKey, names, found) || names.empty()) return;
 
@@ -128,12 +128,12 @@ void ReadAdapterRegistry(Discovery& found) {
 void MatchInterfaceIndexes(Discovery& found) {
     const TableRead<InterfaceEntry> table = CurrentPlatform().ipHelper->GetInterfaceInfo();
     if (table.outcome == TableRead<InterfaceEntry>::Outcome::kFailed)
-        found.Failures.push_back({FailedRead::Source::kIpHelper, "GetInterfaceInfo", table.code});
+        found.failures.push_back({FailedRead::Source::kIpHelper, "GetInterfaceInfo", table.code});
     if (table.outcome != TableRead<InterfaceEntry>::Outcome::kRows) return;
 
     // An entry belongs to the first record whose Id its name goes on with. Ids have very few lengths (one, as
     // a rule), so one look-up per length finds it.
-    std::vector<NicInfo>& adapters = found.Adapters;
+    std::vector<NicInfo>& adapters = found.adapters;
     const IdIndex records = IndexOfIds(adapters);
     std::set<std::size_t> lengths;
     for (const auto& [id, position] : records)

@@ -21,8 +21,8 @@ struct FailedRead {
 
 /// What a refresh has found, aside from Nics until it is complete.
 struct Discovery {
-    std::vector<NicInfo> Adapters{NicInfo()};  ///< At least one; the first is empty when there are none.
-    std::vector<FailedRead> Failures;          ///< In the order in which they happened.
+    std::vector<NicInfo> adapters{NicInfo()};  ///< At least one; the first is empty when there are none.
+    std::vector<FailedRead> failures;          ///< In the order in which they happened.
 };
 
 /// Which adapters exist, their names, driver keys, overrides, saved addresses and TCP/IP bindings. `found` is

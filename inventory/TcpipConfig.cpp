@@ -154,7 +154,7 @@ void ReadTcpipConfig(Discovery& found) {
     const RowsByInterface<IpAddrRow> addresses(ipHelper.GetIpAddrTable(), &IpAddrRow::index);
     const RowsByInterface<IpForwardRow> routes(ipHelper.GetIpForwardTable(), &IpForwardRow::ifIndex);
     const RegistryReading reading;
-    for (NicInfo& nic : found.Adapters) {
+    for (NicInfo& nic : found.adapters) {
         const std::string key = TcpipKey(nic.Id);
         nic.InterfaceMetric = DwordFrom(ReadBytes(key, kInterfaceMetricValue));
         nic.DhcpEnabled = FlagFrom(ReadBytes(key, kEnableDhcpValue));

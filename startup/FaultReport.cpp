@@ -15,8 +15,8 @@ void FaultReport::Show() noexcept {
         CurrentSeat().ShowBox(kApplicationTitle,
                               std::string("ERROR! What was being done may not have been carried out to its "
                                           "end.") +
-                                  kCrLf + kCrLf + "Description: " + fault.Description + " (" +
-                                  std::to_string(fault.Number) + ")" + kCrLf + kCrLf + "Click OK to continue",
+                                  kCrLf + kCrLf + "Description: " + fault.description + " (" +
+                                  std::to_string(fault.number) + ")" + kCrLf + kCrLf + "Click OK to continue",
                               BoxIcon::kCritical, BoxButtons::kOk);
     } catch (...) {
         // The user cannot be told, and there is nobody else to tell.

@@ -27,7 +27,7 @@ int ShowError(const Fault& fault) {
         std::string(
             "ERROR! This may be caused due to invalid command line parameters. Please check command line "
             "paramaters if passed.") +
-            kCrLf + kCrLf + "Description: " + fault.Description + " (" + std::to_string(fault.Number) + ")" +
+            kCrLf + kCrLf + "Description: " + fault.description + " (" + std::to_string(fault.number) + ")" +
             kCrLf + kCrLf + "Click OK to Quit",
         BoxIcon::kCritical);
     return kExitRunTimeError;
