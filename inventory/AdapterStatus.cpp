@@ -52,7 +52,7 @@ void SetStatus(NicInfo& nic, const IfRow& row) {
     if (row.operStatus < kOper.size()) nic.Status += kOper[row.operStatus];
 }
 
-/// `unit` holds the vendor prefix on entry: a speed below 1000 bit/s is followed by it. This is intended.
+/// A speed below 1000 bit/s is followed by what `unit` is on entry: the vendor prefix.
 std::string SpeedText(std::uint64_t bitsPerSecond, std::string unit) {
     double value = static_cast<double>(bitsPerSecond);
     for (const char* next : {" Kbps", " Mbps", " Gbps"}) {

@@ -29,7 +29,8 @@ class UniformRandom {
 std::size_t DrawVendorIndex(UniformRandom& random, std::size_t upperBound);
 
 /// One random octet as the address boxes receive it: a random number times 10000, rounded to the nearest
-/// integer (ties to even), AND 255, in decimal on purpose, with a leading "0" below ten. Two or three digits.
+/// integer (ties to even), AND 255, with a leading "0" below ten. In decimal, two or three digits: the first
+/// two, which the box keeps, are hexadecimal digits too.
 std::string RandomOctetText(UniformRandom& random);
 
 /// What an address box keeps of a text: its first two characters.

@@ -9,7 +9,7 @@
 #include "ui/logic/Details.h"
 #include "ui/logic/IPAddressEntry.h"
 
-/// The lists `ListIP`, `ListGateway` and `ListDNS` and what their editing has in common.
+/// The lists of IP addresses, gateways and DNS servers, and what their editing has in common.
 namespace corvane {
 
 /// What editing works on.

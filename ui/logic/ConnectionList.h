@@ -12,14 +12,14 @@
 /// The list of connections: its rows, its refresh and its selection.
 namespace corvane {
 
-/// Titles of the columns of `List`.
+/// Titles of the list's columns.
 inline constexpr std::array<const char*, 5> kConnectionColumns = {"Network Connections", "Changed",
                                                                   "MAC Address", "Link Status", "Speed"};
 
 /// The only row when there is no connection.
 inline constexpr char kNoConnections[] = "NIC Not Found";
 
-/// One row of `List`: the text and four sub-items (counted from 1 in progress texts). `tag` is the position
+/// One row of the list: the text and four sub-items (counted from 1 in progress texts). `tag` is the position
 /// of its record in Nics; a row that stands for no connection has none.
 struct ConnectionRow {
     std::array<std::string, 5> texts;

@@ -45,7 +45,7 @@ struct Details {
     bool switchesDhcpOn = true;  ///< The DHCP command switches DHCP on; else off.
     std::string enableButton = "&Enable";
     std::string mnuEnable = "&Enable Network Connection";
-    std::string mnuEnableDHCP = "Enable DHC&P";  ///< Command7 has the same caption.
+    std::string mnuEnableDHCP = "Enable DHC&P";  ///< Of the menu item and the button.
     std::string headerIP = "IP Address (0)";
     std::string headerGateway = "Gateway (0)";
     std::string headerDNS = "DNS Server (0)";

@@ -5,17 +5,17 @@
 
 #include "ui/logic/AddressList.h"
 
-/// Adding, removing and ordering DNS servers: the panel `fAddDNS` and the list `ListDNS`, whose order, first
+/// Adding, removing and ordering DNS servers: their entry panel and their list, whose order, first
 /// row first, is the order of preference.
 namespace corvane {
 
-/// `fAddDNS` as the rules see it.
+/// The entry panel for a DNS server as the rules see it.
 class DnsPanelView {
  public:
     virtual ~DnsPanelView() = default;
-    /// Shows the panel and hides those for IP addresses and gateways. `Command14` is its cancel button.
+    /// Shows the panel and hides those for IP addresses and gateways. Escape closes it.
     virtual void ShowPanel() = 0;
-    /// Makes `Command15` the button that Enter presses.
+    /// Makes "Add DNS" the button that Enter presses.
     virtual void MakeDefault() = 0;
     [[nodiscard]] virtual IPAddressEntry& DNSAddress() = 0;
     virtual void FocusDNSAddress() = 0;
@@ -27,20 +27,21 @@ class DnsEditing {
     /// Both must outlive this.
     DnsEditing(DnsPanelView& panel, AddressListView& listDns) : panel_(panel), list_(listDns) {}
 
-    /// `mnuAddDNSServer`, a digit typed in the list: opens the panel empty.
+    /// The menu item and "+" button that add, a digit typed in the list: opens the panel empty.
     void Open();
 
-    /// `Command15`, "Add DNS": adds the server as the last one. One that is there already is refused in a box
+    /// "Add DNS": adds the server as the last one. One that is there already is refused in a box
     /// when live, else silently. An empty box adds nothing.
     void Add(const EditingTarget& target);
 
-    /// `mnuRemoveDNSServer`, Delete in the list: asks, and removes the selected row's server.
+    /// The menu item and "-" button that remove, Delete in the list: asks, and removes the selected row's
+    /// server.
     void Remove(const EditingTarget& target);
 
-    /// `Command12`, Alt+Up in the list: the selected server changes places with the one above it and stays
-    /// selected. Nothing for the first one.
+    /// The button that moves up, Alt+Up in the list: the selected server changes places with the one above it
+    /// and stays selected. Nothing for the first one.
     void MoveUp(const EditingTarget& target);
-    /// `Command13`, Alt+Down in the list: the same with the one below.
+    /// The button that moves down, Alt+Down in the list: the same with the one below.
     void MoveDown(const EditingTarget& target);
 
  private:

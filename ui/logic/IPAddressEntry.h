@@ -6,7 +6,7 @@
 
 #include "ui/logic/MacEntry.h"
 
-/// The rules of the entry control for one IPv4 address in dotted-quad form: four boxes `Text1`, one per
+/// The rules of the entry control for one IPv4 address in dotted-quad form: four boxes, one per
 /// octet, 0 to 3 from left to right.
 namespace corvane {
 

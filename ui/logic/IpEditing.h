@@ -7,21 +7,21 @@
 
 #include "ui/logic/AddressList.h"
 
-/// Adding and removing IP addresses: the panel `fAddIP` and the list `ListIP`.
+/// Adding and removing IP addresses: their entry panel and their list.
 namespace corvane {
 
-/// `fAddIP` as the rules see it. The entry controls raise their own Change events.
+/// The entry panel for an address as the rules see it. The entry controls raise their own Change events.
 class IpPanelView {
  public:
     virtual ~IpPanelView() = default;
-    /// Shows the panel and hides those for gateways and DNS servers. `Command17` is its cancel button.
+    /// Shows the panel and hides those for gateways and DNS servers. Escape closes it.
     virtual void ShowPanel() = 0;
-    /// Makes `Command16` the button that Enter presses.
+    /// Makes "Add IP" the button that Enter presses.
     virtual void MakeDefault() = 0;
     [[nodiscard]] virtual IPAddressEntry& IPAddress() = 0;
     [[nodiscard]] virtual IPAddressEntry& SubnetMask() = 0;
     virtual void FocusIPAddress() = 0;
-    /// `txtCIDR`, the prefix length. When the text is another one than before, IpEditing::CidrChanged runs
+    /// The box of the prefix length. When the text is another one than before, IpEditing::CidrChanged runs
     /// before SetCidr returns.
     [[nodiscard]] virtual std::string Cidr() const = 0;
     virtual void SetCidr(const std::string& text) = 0;
@@ -35,24 +35,25 @@ class IpEditing {
     /// Both must outlive this.
     IpEditing(IpPanelView& panel, AddressListView& listIp) : panel_(panel), list_(listIp) {}
 
-    /// `mnuAddIPAddress`, a digit typed in the list: opens the panel empty.
+    /// The menu item and "+" button that add, a digit typed in the list: opens the panel empty.
     void Open();
 
-    /// `Command16`, "Add IP". Live: adds the address to the running stack, and to the registry when it is to
+    /// "Add IP". Live: adds the address to the running stack, and to the registry when it is to
     /// be kept; refreshes when it is done, and leaves the boxes as they are after a refusal. Else: adds a row
     /// or gives the address's row another mask. An empty address counts as 0.0.0.0.
     void Add(const EditingTarget& target);
 
-    /// `mnuRemoveIPAddress`, Delete in the list: asks, and removes the selected row's address.
+    /// The menu item and "-" button that remove, Delete in the list: asks, and removes the selected row's
+    /// address.
     void Remove(const EditingTarget& target);
 
     // Mask and prefix length follow each other; which one leads is told by where the focus was last.
     void MaskFocused() { cidrLocked_ = true; }
     void CidrFocused() { cidrLocked_ = false; }
-    /// `SubnetMask` changed: shows its prefix length.
+    /// The mask changed: shows its prefix length.
     void MaskChanged();
-    /// `txtCIDR` changed: shows its mask. What is no number counts as 0; a number outside 0 to 32 beeps and
-    /// is emptied.
+    /// The prefix length changed: shows its mask. What is no number counts as 0; a number outside 0 to 32
+    /// beeps and is emptied.
     void CidrChanged();
 
  private:

@@ -8,7 +8,7 @@
 /// through the seat, and refreshes the window at its end where something changed.
 namespace corvane {
 
-/// The panel `fChangeMAC` as its commands see it.
+/// The panel in which an address is changed, as its commands see it.
 class ChangeMacView {
  public:
     virtual ~ChangeMacView() = default;
@@ -18,17 +18,19 @@ class ChangeMacView {
     virtual void ShowPanel(bool show) = 0;
 };
 
-/// `mnuChangeMAC`: opens the panel empty, with automatic restart ticked, and puts the focus in box 0.
+/// The button and menu item that change the address: opens the panel empty, with automatic restart ticked,
+/// and puts the focus in box 0.
 void OpenChangeMac(MacBoxesView& boxes, VendorBoxView& vendorList, ChangeMacView& panel);
 
-/// `Command9`, "Change Now !": pads the boxes, refuses a network bridge, asks, writes, hides the panel,
-/// restarts when Check1 is ticked, reports, refreshes. Six empty boxes mean the original address.
+/// "Change Now !": pads the boxes, refuses a network bridge, asks, writes, hides the panel,
+/// restarts the connection when the panel says so, reports, refreshes. Six empty boxes mean the original
+/// address.
 void ChangeNow(std::size_t adapter, MacBoxesView& boxes, ChangeMacView& panel);
 
-/// `Command10`, "&Original MAC": empties the boxes and the vendor text and does as ChangeNow.
+/// "Original MAC": empties the boxes and the vendor text and does as ChangeNow.
 void OriginalMac(std::size_t adapter, MacBoxesView& boxes, VendorBoxView& vendorList, ChangeMacView& panel);
 
-/// `mnuEnable`: enables or disables the connection.
+/// The button and menu item "Enable" or "Disable": enables or disables the connection.
 void EnableOrDisable(std::size_t adapter, bool enable);
 
 }  // namespace corvane

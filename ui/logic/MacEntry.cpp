@@ -120,7 +120,7 @@ void MacEntry::Separator(int box) {
 void MacEntry::Backspace(int box) {
     const TextSelection selection = boxes_.Selection(box);
     if (selection.length != 0) {
-        // Both on purpose: the key that removed the selection also does what it always does.
+        // The selection is removed for the key, which then goes on to the box and erases what the box would.
         ReplaceSelection(box, "");
         EraseBeforeCaret(box);
     } else if (selection.start != 0) {

@@ -5,7 +5,7 @@
 
 #include "ui/logic/VendorEntry.h"
 
-/// The typing rules of the octet boxes `MAC`: one box per octet, boxes 0 to 5 the address that is applied, 6
+/// The typing rules of the octet boxes: one box per octet, boxes 0 to 5 the address that is applied, 6
 /// to 11 the second row, which obeys the same keyboard rules.
 namespace corvane {
 

@@ -6,13 +6,14 @@
 /// in a box with what the system says.
 namespace corvane {
 
-/// `mnuShowHelp`, `mnuHelp`: "help.html" in the program folder, which ends in the separator.
+/// The menu items for help: "help.html" in the program folder, which ends in the separator.
 void OpenHelp(const std::string& programFolder);
-/// `mnuOrvellaWebsite`; the picture and the web-site label of the about box; the splash window's picture.
+/// The menu item for the web site; the picture and the web-site label of the about box; the splash window's
+/// picture.
 void OpenWebsite();
-/// `mnuCheckUpdates`
+/// The menu item that looks for updates.
 void OpenUpdates();
-/// `mnuDonate`
+/// The menu item for donations.
 void OpenDonations();
 /// A new mail to the maker.
 void OpenMail();

@@ -30,8 +30,8 @@ class PresetEditorView {
     /// Switches the TCP/IP panel between the connection's settings and the editor. While the editor is shown,
     /// the list of connections and everything that changes a connection is disabled.
     virtual void ShowEditor(bool editing) = 0;
-    /// `txtPresetName`. When the text is another one than before, PresetEditing::NameChanged runs before
-    /// SetPresetName returns.
+    /// The box of the preset's name. When the text is another one than before, PresetEditing::NameChanged
+    /// runs before SetPresetName returns.
     [[nodiscard]] virtual std::string PresetName() const = 0;
     virtual void SetPresetName(const std::string& name) = 0;
     virtual void FocusPresetName() = 0;
@@ -40,7 +40,7 @@ class PresetEditorView {
     [[nodiscard]] virtual bool Ticked(PresetCheck check) const = 0;
     virtual void SetTicked(PresetCheck check, bool ticked) = 0;
     virtual void EnableCheck(PresetCheck check, bool enable) = 0;
-    /// The octet boxes `MAC`, of which the editor's are numbers 6 to 11.
+    /// The octet boxes, of which the editor's are numbers 6 to 11.
     [[nodiscard]] virtual MacBoxesView& MacBoxes() = 0;
     virtual void EnableMacBoxes(bool enable) = 0;
     [[nodiscard]] virtual AddressListView& ListIP() = 0;
@@ -48,7 +48,7 @@ class PresetEditorView {
     [[nodiscard]] virtual AddressListView& ListDNS() = 0;
     /// The commands that add to, remove from and order the list of ckCPIP, ckCPGateway or ckCPDNS.
     virtual void EnableListCommands(PresetCheck list, bool enable) = 0;
-    /// Shows the names of Presets() in `PresetsList`.
+    /// Shows the names of Presets() in the list of presets.
     virtual void RefreshPresetsList() = 0;
 };
 
@@ -59,21 +59,21 @@ class PresetEditing {
 
     [[nodiscard]] bool Active() const { return active_; }
 
-    /// `mnuCreatePreset`: enters editing mode with an empty editor, or one filled from the preset of that
-    /// name.
+    /// The button and menu item that create or edit a preset: enters editing mode with an empty editor, or
+    /// one filled from the preset of that name.
     void Enter(const std::string& name = "");
 
-    /// `Command23`: leaves editing mode; nothing is kept.
+    /// "Leave": leaves editing mode; nothing is kept.
     void Leave();
 
-    /// `txtPresetName` changed: the name of a preset, in any letter case, fills the editor from it.
+    /// The name changed: the name of a preset, in any letter case, fills the editor from it.
     void NameChanged();
 
     /// A check box was clicked. DHCP excludes addresses and gateways; the options of the MAC address need
     /// ckCPMAC and exclude each other and the octet boxes; each list is edited while its box is ticked.
     void Clicked(PresetCheck check);
 
-    /// `Command24`: saves under the name that was entered, after a question when a preset has that name in
+    /// "Save Preset": saves under the name that was entered, after a question when a preset has that name in
     /// any letter case. Leaves editing mode, writes the presets file and reports. A file that cannot be
     /// written has been reported in a box; the list in memory keeps the preset.
     void Save(const std::string& programFolder);

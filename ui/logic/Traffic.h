@@ -9,7 +9,7 @@
 /// The traffic monitor: totals and rates of the selected connection, and the picture of the last two minutes.
 namespace corvane {
 
-/// Interval of Timer1. The rates are differences of two readings, so this makes them rates per second.
+/// Interval of the ticks. The rates are differences of two readings, so this makes them rates per second.
 inline constexpr int kTrafficIntervalMilliseconds = 1000;
 
 /// "999 Bytes", "0.98 KB", "1.5 MB": scaled up to GB from 1000 upward in steps of 1024, two decimals at most.

@@ -20,7 +20,7 @@ struct TextSelection {
     bool operator==(const TextSelection&) const = default;
 };
 
-/// The octet boxes `MAC`, 0 to 11, and what stands around them. Texts are at most two characters.
+/// The octet boxes, 0 to 11, and what stands around them. Texts are at most two characters.
 class MacBoxesView {
  public:
     virtual ~MacBoxesView() = default;
@@ -37,7 +37,8 @@ class MacBoxesView {
     virtual void Beep() = 0;
 };
 
-/// The box `VendorList`: a list of one entry for each vendor record, in the same order, with an edit part.
+/// The box with the vendors: a list of one entry for each vendor record, in the same order, with an edit
+/// part.
 class VendorBoxView {
  public:
     virtual ~VendorBoxView() = default;
@@ -58,17 +59,17 @@ class VendorEntry {
     void PrefixChanged();
 
     /// Shows the vendor of boxes 0 to 2 when none is shown and one of them has a text. A vendor that is found
-    /// is chosen, so boxes 3 to 5 get random octets. For boxes 3 and beyond, and for VendorList, when they
-    /// get the focus. Lets events run; what they put in the place of the text "Searching Wait ..." stays, and
-    /// the search ends there.
+    /// is chosen, so boxes 3 to 5 get random octets. For boxes 3 and beyond, and for the vendors' box, when
+    /// they get the focus. Lets events run; what they put in the place of the text "Searching Wait ..."
+    /// stays, and the search ends there.
     void LookUpTypedVendor();
 
     /// The user chose an entry: the edit part shows it, boxes 0 to 2 get its prefix, boxes 3 to 5 random
     /// octets. An entry that does not exist, and the table that stands for none, change nothing.
     void Choose(std::size_t entry);
 
-    /// `Command8`: the prefix of a random vendor and random octets. Without a vendor list it says so in a box
-    /// and changes nothing.
+    /// "Random MAC Address": the prefix of a random vendor and random octets. Without a vendor list it says
+    /// so in a box and changes nothing.
     void RandomAddress();
 
  private:
@@ -80,10 +81,10 @@ class VendorEntry {
     bool busy_ = false;  ///< A choice fills the boxes.
 };
 
-/// The entries that contain every word of a text that the user typed in VendorList, upper or lower case alike
-/// (ASCII letters), in the order of the table. A word of six hexadecimal digits (":" and "-" left out) also
-/// matches an entry's prefix. An empty text matches all. Looks at the table's texts in place: what is kept
-/// are positions, so the table must stay the same. The table that stands for none has no entries.
+/// The entries that contain every word of a text that the user typed in the vendors' box, upper or lower case
+/// alike (ASCII letters), in the order of the table. A word of six hexadecimal digits (":" and "-" left out)
+/// also matches an entry's prefix. An empty text matches all. Looks at the table's texts in place: what is
+/// kept are positions, so the table must stay the same. The table that stands for none has no entries.
 class VendorSearch {
  public:
     /// Searches anew. Searching on from a text to one that begins with it looks only at what matched before,
@@ -103,10 +104,10 @@ class VendorSearch {
     std::vector<std::uint32_t> matches_;  ///< Ascending.
 };
 
-/// Tells the splash window how far the filling of VendorList is: "0% Done" and so on at every 500th entry,
-/// letting events run. The list reads its texts from the vendor table when it shows them, so there is nothing
-/// else to fill. Throws RunTimeError kOverflow for a list of exactly one entry, whose share is 0 of 0; the
-/// table that stands for none has no entry and passes.
+/// Tells the splash window how far the filling of the vendors' box is: "0% Done" and so on at every 500th
+/// entry, letting events run. The list reads its texts from the vendor table when it shows them, so there is
+/// nothing else to fill. Throws RunTimeError kOverflow for a list of exactly one entry, whose share is 0 of
+/// 0; the table that stands for none has no entry and passes.
 void FillVendorBox();
 
 }  // namespace corvane
