@@ -7,8 +7,6 @@
 #include <iostream>
 #include <map>
 
-#include "tests/wine/tools/Json.h"
-
 namespace corvane::test {
 
 namespace {
@@ -24,8 +22,8 @@ Arguments Parts(const std::string& line) {
     }
 }
 
-std::string Answer(const std::string& line) {
-    static const std::map<std::string, std::string (*)(const Arguments&)> questions = {
+Json Answer(const std::string& line) {
+    static const std::map<std::string, Json (*)(const Arguments&)> questions = {
         {"windows", Windows}, {"input", Input},      {"interfaces", Interfaces}, {"read", ReadKey},
         {"keys", Subkeys},    {"write", WriteValue}, {"delete", Delete}};
     Arguments parts = Parts(line);
@@ -43,7 +41,7 @@ int main() {
     std::string line;
     while (std::getline(std::cin, line)) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
-        std::cout << corvane::test::Answer(line) << std::endl;
+        std::cout << corvane::test::OneLine(corvane::test::Answer(line)) << std::endl;
     }
     return 0;
 }

@@ -2,7 +2,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/wine/tools/Json.h"
 #include "tests/wine/tools/Observer.h"
 #include "tests/wine/tools/System.h"
 
@@ -12,7 +11,7 @@ namespace {
 
 constexpr DWORD kLongestName = 1024;
 
-std::string Code(LONG code) { return Error("code " + std::to_string(code)); }
+Json Code(LONG code) { return Error("code " + std::to_string(code)); }
 
 std::vector<std::uint8_t> Bytes(const std::string& hexadecimal) {
     std::vector<std::uint8_t> bytes;
@@ -50,8 +49,8 @@ std::uint64_t LastWrite(HKEY key) {
     return static_cast<std::uint64_t>(time.dwHighDateTime) << 32U | time.dwLowDateTime;
 }
 
-std::string Values(HKEY key) {
-    JsonObject values;
+Json Values(HKEY key) {
+    Json values = Json::object();
     for (DWORD i = 0;; ++i) {
         std::vector<wchar_t> name(kLongestName);
         std::vector<char> ansiName(kLongestName);
@@ -60,7 +59,7 @@ std::string Values(HKEY key) {
         DWORD type = 0;
         DWORD size = 0;
         const LONG code = RegEnumValueA(key, i, ansiName.data(), &ansiLength, nullptr, &type, nullptr, &size);
-        if (code == ERROR_NO_MORE_ITEMS) return values.Text();
+        if (code == ERROR_NO_MORE_ITEMS) return values;
         if (code != ERROR_SUCCESS) return Code(code);
         RegEnumValueW(key, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
         std::vector<std::uint8_t> data(size);
@@ -72,60 +71,59 @@ std::string Values(HKEY key) {
         }
         if (read != ERROR_SUCCESS) return Code(read);
         data.resize(size);
-        values.Add(Utf8(std::wstring(name.data(), length)),
-                   JsonArray({std::to_string(type), JsonBytes(data)}));
+        values[Utf8({name.data(), length})] = Json::array({type, Hexadecimal(data)});
     }
 }
 
 }  // namespace
 
-std::string Interfaces(const Arguments& /*arguments*/) {
+Json Interfaces(const Arguments& /*arguments*/) {
     ULONG size = 0;
     GetInterfaceInfo(nullptr, &size);
     std::vector<std::uint8_t> buffer(size + sizeof(IP_INTERFACE_INFO));
     size = static_cast<ULONG>(buffer.size());
     auto* const info = reinterpret_cast<IP_INTERFACE_INFO*>(buffer.data());
     const DWORD code = GetInterfaceInfo(info, &size);
-    if (code == ERROR_NO_DATA) return "[]";
+    if (code == ERROR_NO_DATA) return Json::array();
     if (code != NO_ERROR) return Code(static_cast<LONG>(code));
-    std::vector<std::string> found;
+    Json found = Json::array();
     for (LONG i = 0; i < info->NumAdapters; ++i) {
         const IP_ADAPTER_INDEX_MAP& entry = info->Adapter[i];
-        found.push_back(JsonArray({std::to_string(entry.Index), JsonText(std::wstring(entry.Name))}));
+        found.push_back(Json::array({entry.Index, Utf8(entry.Name)}));
     }
-    return JsonArray(found);
+    return found;
 }
 
-std::string ReadKey(const Arguments& arguments) {
+Json ReadKey(const Arguments& arguments) {
     if (arguments.size() != 1) return Error("usage: read KEY");
     const Key key(arguments[0]);
-    if (key.Get() == nullptr) return "null";
+    if (key.Get() == nullptr) return nullptr;
     // Values have numbers, and those behind a new one get others: what is read is of one moment only when
     // nobody has written meanwhile.
     for (;;) {
         const std::uint64_t before = LastWrite(key.Get());
-        std::string values = Values(key.Get());
+        Json values = Values(key.Get());
         if (LastWrite(key.Get()) == before) return values;
     }
 }
 
-std::string Subkeys(const Arguments& arguments) {
+Json Subkeys(const Arguments& arguments) {
     if (arguments.size() != 1) return Error("usage: keys KEY");
     const Key key(arguments[0]);
-    if (key.Get() == nullptr) return "null";
-    std::vector<std::string> names;
+    if (key.Get() == nullptr) return nullptr;
+    Json names = Json::array();
     for (DWORD i = 0;; ++i) {
         std::vector<wchar_t> name(kLongestName);
         DWORD length = kLongestName;
         const LONG code =
             RegEnumKeyExW(key.Get(), i, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
-        if (code == ERROR_NO_MORE_ITEMS) return JsonArray(names);
+        if (code == ERROR_NO_MORE_ITEMS) return names;
         if (code != ERROR_SUCCESS) return Code(code);
-        names.push_back(JsonText(std::wstring(name.data(), length)));
+        names.push_back(Utf8({name.data(), length}));
     }
 }
 
-std::string WriteValue(const Arguments& arguments) {
+Json WriteValue(const Arguments& arguments) {
     if (arguments.size() != 4) return Error("usage: write KEY NAME TYPE HEXADECIMAL-BYTES");
     HKEY key = nullptr;
     LONG code = RegCreateKeyExA(HKEY_LOCAL_MACHINE, arguments[0].c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
@@ -135,19 +133,19 @@ std::string WriteValue(const Arguments& arguments) {
     code = RegSetValueExA(key, arguments[1].c_str(), 0, static_cast<DWORD>(std::stoul(arguments[2])),
                           data.data(), static_cast<DWORD>(data.size()));
     RegCloseKey(key);
-    return code == ERROR_SUCCESS ? "null" : Code(code);
+    return code == ERROR_SUCCESS ? Json(nullptr) : Code(code);
 }
 
-std::string Delete(const Arguments& arguments) {
+Json Delete(const Arguments& arguments) {
     if (arguments.size() == 1) {
         const LONG code = RegDeleteTreeA(HKEY_LOCAL_MACHINE, arguments[0].c_str());
-        return code == ERROR_SUCCESS ? "null" : Code(code);
+        return code == ERROR_SUCCESS ? Json(nullptr) : Code(code);
     }
     if (arguments.size() != 2) return Error("usage: delete KEY [NAME]");
     const Key key(arguments[0]);
     if (key.Get() == nullptr) return Code(key.Code());
     const LONG code = RegDeleteValueA(key.Get(), arguments[1].c_str());
-    return code == ERROR_SUCCESS ? "null" : Code(code);
+    return code == ERROR_SUCCESS ? Json(nullptr) : Code(code);
 }
 
 }  // namespace corvane::test

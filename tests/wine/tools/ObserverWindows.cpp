@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/wine/tools/Json.h"
 #include "tests/wine/tools/Observer.h"
 #include "tests/wine/tools/Probe.h"
 #include "tests/wine/tools/System.h"
@@ -79,7 +78,7 @@ class ProbeMemory {
     void* place_;
 };
 
-/// A thread's answer (ProbeWindows.h), or nothing when it does not answer.
+/// A thread's answer (ProbeWindows.h) as JSON text, or nothing when it does not answer.
 std::string AskThread(DWORD thread, HWND window, ProbeQuestion question) {
     static ProbeMemory memory;
     static const HMODULE library = LoadLibraryW(kProbeLibrary);
@@ -97,22 +96,23 @@ std::string AskThread(DWORD thread, HWND window, ProbeQuestion question) {
 }
 
 /// The answers of all threads of a program, as a JSON array.
-std::string AskProgram(const Arguments& arguments, ProbeQuestion question) {
+Json AskProgram(const Arguments& arguments, ProbeQuestion question) {
     if (arguments.size() != 1) return Error("the question needs the name of a program");
     Search search;
     search.program = arguments.front();
     EnumWindows(NoteThread, reinterpret_cast<LPARAM>(&search));
-    std::vector<std::string> answers;
+    Json answers = Json::array();
     for (const auto& [thread, window] : search.threads) {
-        answers.push_back(AskThread(thread, window, question));
-        if (answers.back().empty()) return Error("the program is busy");
+        const std::string answer = AskThread(thread, window, question);
+        if (answer.empty()) return Error("the program is busy");
+        answers.push_back(Json::parse(answer));
     }
-    return JsonArray(answers);
+    return answers;
 }
 
 }  // namespace
 
-std::string Windows(const Arguments& arguments) { return AskProgram(arguments, ProbeQuestion::kWindows); }
-std::string Input(const Arguments& arguments) { return AskProgram(arguments, ProbeQuestion::kInput); }
+Json Windows(const Arguments& arguments) { return AskProgram(arguments, ProbeQuestion::kWindows); }
+Json Input(const Arguments& arguments) { return AskProgram(arguments, ProbeQuestion::kInput); }
 
 }  // namespace corvane::test

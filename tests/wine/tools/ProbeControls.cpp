@@ -5,7 +5,6 @@
 #include <cwctype>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace corvane::test {
 
@@ -27,14 +26,12 @@ LPARAM Pointer(void* data) { return reinterpret_cast<LPARAM>(data); }
 
 WPARAM Position(int position) { return static_cast<WPARAM>(position); }
 
-std::string Number(long long number) { return std::to_string(number); }
-
 RECT OnScreen(HWND window, RECT rect) {
     MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&rect), 2);
     return rect;
 }
 
-std::string MenuItem(HMENU menu, int position, HWND owner) {
+Json MenuItem(HMENU menu, int position, HWND owner) {
     std::array<wchar_t, kLongestText> text{};
     MENUITEMINFOW info{};
     info.cbSize = sizeof info;
@@ -42,18 +39,18 @@ std::string MenuItem(HMENU menu, int position, HWND owner) {
     info.dwTypeData = text.data();
     info.cch = kLongestText;
     GetMenuItemInfoW(menu, static_cast<UINT>(position), TRUE, &info);
-    JsonObject item;
-    item.Add("text", JsonText(std::wstring(text.data())));
-    item.Add("id", Number(info.wID));
-    item.Add("enabled", JsonBool((info.fState & (MFS_DISABLED | MFS_GRAYED)) == 0));
-    item.Add("checked", JsonBool((info.fState & MFS_CHECKED) != 0));
-    item.Add("separator", JsonBool((info.fType & MFT_SEPARATOR) != 0));
+    Json item;
+    item["text"] = Utf8(text.data());
+    item["id"] = info.wID;
+    item["enabled"] = (info.fState & (MFS_DISABLED | MFS_GRAYED)) == 0;
+    item["checked"] = (info.fState & MFS_CHECKED) != 0;
+    item["separator"] = (info.fType & MFT_SEPARATOR) != 0;
     RECT rect{};
     if (owner != nullptr && GetMenuItemRect(owner, menu, static_cast<UINT>(position), &rect) != FALSE) {
-        item.Add("rect", JsonRect(rect));
+        item["rect"] = JsonRect(rect);
     }
-    if (info.hSubMenu != nullptr) item.Add("items", MenuItems(info.hSubMenu, nullptr));
-    return item.Text();
+    if (info.hSubMenu != nullptr) item["items"] = MenuItems(info.hSubMenu, nullptr);
+    return item;
 }
 
 std::string ListViewText(HWND list, int row, int column) {
@@ -63,11 +60,11 @@ std::string ListViewText(HWND list, int row, int column) {
     item.pszText = text.data();
     item.cchTextMax = kLongestText;
     Ask(list, LVM_GETITEMTEXTW, Position(row), Pointer(&item));
-    return JsonText(std::wstring(item.pszText));
+    return Utf8(item.pszText);
 }
 
-void AddListView(JsonObject& object, HWND list) {
-    std::vector<std::string> columns;
+void AddListView(Json& object, HWND list) {
+    Json columns = Json::array();
     const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
     const int columnCount = std::max(0, Ask(header, HDM_GETITEMCOUNT));
     for (int column = 0; column < columnCount; ++column) {
@@ -77,47 +74,50 @@ void AddListView(JsonObject& object, HWND list) {
         item.pszText = text.data();
         item.cchTextMax = kLongestText;
         Ask(header, HDM_GETITEMW, Position(column), Pointer(&item));
-        columns.push_back(JsonText(std::wstring(text.data())));
+        columns.push_back(Utf8(text.data()));
     }
-    std::vector<std::string> rows;
-    std::vector<std::string> rects;
-    std::vector<std::string> selected;
+    Json rows = Json::array();
+    Json rects = Json::array();
+    Json selected = Json::array();
     const int rowCount = Ask(list, LVM_GETITEMCOUNT);
     for (int row = 0; row < rowCount; ++row) {
-        std::vector<std::string> texts;
+        Json texts = Json::array();
         for (int column = 0; column < std::max(1, columnCount); ++column) {
             texts.push_back(ListViewText(list, row, column));
         }
-        rows.push_back(JsonArray(texts));
+        rows.push_back(std::move(texts));
         RECT rect{};
         rect.left = LVIR_BOUNDS;
         Ask(list, LVM_GETITEMRECT, Position(row), Pointer(&rect));
         rects.push_back(JsonRect(OnScreen(list, rect)));
         if ((Ask(list, LVM_GETITEMSTATE, Position(row), LVIS_SELECTED) & LVIS_SELECTED) != 0) {
-            selected.push_back(Number(row));
+            selected.push_back(row);
         }
     }
-    object.Add("columns", JsonArray(columns)).Add("rows", JsonArray(rows)).Add("rowRects", JsonArray(rects));
-    object.Add("selected", JsonArray(selected));
-    object.Add("focusedRow", Number(Ask(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED)));
+    object["columns"] = std::move(columns);
+    object["rows"] = std::move(rows);
+    object["rowRects"] = std::move(rects);
+    object["selected"] = std::move(selected);
+    object["focusedRow"] = Ask(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
 }
 
 /// A combo box or a list box: the same questions by other names.
-void AddChoices(JsonObject& object, HWND window, UINT count, UINT length, UINT text, UINT current) {
-    std::vector<std::string> choices;
+void AddChoices(Json& object, HWND window, UINT count, UINT length, UINT text, UINT current) {
+    Json choices = Json::array();
     const int number = std::max(0, Ask(window, count));
     for (int i = 0; i < number; ++i) {
         std::wstring choice(static_cast<std::size_t>(std::max(0, Ask(window, length, Position(i)))) + 1,
                             L'\0');
         Ask(window, text, Position(i), Pointer(choice.data()));
         choice.resize(choice.find(L'\0'));
-        choices.push_back(JsonText(choice));
+        choices.push_back(Utf8(choice));
     }
-    object.Add("choices", JsonArray(choices)).Add("choice", Number(Ask(window, current)));
+    object["choices"] = std::move(choices);
+    object["choice"] = Ask(window, current);
 }
 
-void AddToolBar(JsonObject& object, HWND bar) {
-    std::vector<std::string> buttons;
+void AddToolBar(Json& object, HWND bar) {
+    Json buttons = Json::array();
     const int count = Ask(bar, TB_BUTTONCOUNT);
     for (int i = 0; i < count; ++i) {
         TBBUTTON button{};
@@ -128,32 +128,32 @@ void AddToolBar(JsonObject& object, HWND bar) {
         if (Ask(bar, TB_GETBUTTONTEXTW, id, 0) > 0) Ask(bar, TB_GETBUTTONTEXTW, id, Pointer(text.data()));
         RECT rect{};
         Ask(bar, TB_GETITEMRECT, Position(i), Pointer(&rect));
-        JsonObject item;
-        item.Add("text", JsonText(std::wstring(text.data()))).Add("id", Number(button.idCommand));
-        item.Add("enabled", JsonBool((button.fsState & TBSTATE_ENABLED) != 0));
-        item.Add("rect", JsonRect(OnScreen(bar, rect)));
-        buttons.push_back(item.Text());
+        Json item;
+        item["text"] = Utf8(text.data());
+        item["id"] = button.idCommand;
+        item["enabled"] = (button.fsState & TBSTATE_ENABLED) != 0;
+        item["rect"] = JsonRect(OnScreen(bar, rect));
+        buttons.push_back(std::move(item));
     }
-    object.Add("buttons", JsonArray(buttons));
+    object["buttons"] = std::move(buttons);
 }
 
-void AddButton(JsonObject& object, HWND button) {
+void AddButton(Json& object, HWND button) {
     const auto kind = GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK;
-    object.Add("checked", JsonBool(Ask(button, BM_GETCHECK) == BST_CHECKED));
-    object.Add("pushButton",
-               JsonBool(kind == BS_PUSHBUTTON || kind == BS_DEFPUSHBUTTON || kind == BS_OWNERDRAW));
-    object.Add("default", JsonBool(kind == BS_DEFPUSHBUTTON));
+    object["checked"] = Ask(button, BM_GETCHECK) == BST_CHECKED;
+    object["pushButton"] = kind == BS_PUSHBUTTON || kind == BS_DEFPUSHBUTTON || kind == BS_OWNERDRAW;
+    object["default"] = kind == BS_DEFPUSHBUTTON;
 }
 
-void AddEdit(JsonObject& object, HWND edit) {
+void AddEdit(Json& object, HWND edit) {
     DWORD from = 0;
     DWORD to = 0;
     SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&from), Pointer(&to));
-    object.Add("readOnly", JsonBool((GetWindowLongPtrW(edit, GWL_STYLE) & ES_READONLY) != 0));
-    object.Add("selection", JsonArray({Number(from), Number(to)}));
+    object["readOnly"] = (GetWindowLongPtrW(edit, GWL_STYLE) & ES_READONLY) != 0;
+    object["selection"] = Json::array({from, to});
 }
 
-void AddStatic(JsonObject& object, HWND window) {
+void AddStatic(Json& object, HWND window) {
     static const std::pair<const char*, LPWSTR> icons[] = {
         {"error", reinterpret_cast<LPWSTR>(IDI_ERROR)},
         {"warning", reinterpret_cast<LPWSTR>(IDI_WARNING)},
@@ -166,24 +166,23 @@ void AddStatic(JsonObject& object, HWND window) {
         // The system's own icons are shared: every load gives the same handle.
         if (LoadIconW(nullptr, resource) == shown) name = icon;
     }
-    object.Add("icon", JsonText(name));
+    object["icon"] = name;
 }
 
 }  // namespace
 
-std::string JsonRect(const RECT& rect) {
-    return JsonArray({Number(rect.left), Number(rect.top), Number(rect.right - rect.left),
-                      Number(rect.bottom - rect.top)});
+Json JsonRect(const RECT& rect) {
+    return Json::array({rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top});
 }
 
-std::string MenuItems(HMENU menu, HWND owner) {
-    std::vector<std::string> items;
+Json MenuItems(HMENU menu, HWND owner) {
+    Json items = Json::array();
     const int count = GetMenuItemCount(menu);
     for (int i = 0; i < count; ++i) items.push_back(MenuItem(menu, i, owner));
-    return JsonArray(items);
+    return items;
 }
 
-void AddControl(JsonObject& object, HWND window, const std::wstring& name) {
+void AddControl(Json& object, HWND window, const std::wstring& name) {
     const std::wstring kind = Lower(name);
     if (kind == L"syslistview32") AddListView(object, window);
     if (kind == L"combobox") {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "tests/wine/tools/Json.h"
 #include "tests/wine/tools/System.h"
 
@@ -7,12 +9,12 @@
 namespace corvane::test {
 
 /// Rectangle [x, y, width, height].
-std::string JsonRect(const RECT& rect);
+Json JsonRect(const RECT& rect);
 
 /// The items of a menu. `owner` is the window that shows it, for the places of the items.
-std::string MenuItems(HMENU menu, HWND owner);
+Json MenuItems(HMENU menu, HWND owner);
 
 /// Adds what the control of class `name` holds beyond its text.
-void AddControl(JsonObject& object, HWND window, const std::wstring& name);
+void AddControl(Json& object, HWND window, const std::wstring& name);
 
 }  // namespace corvane::test

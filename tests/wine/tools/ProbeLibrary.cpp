@@ -14,7 +14,8 @@ void Answer(ProbeQuestion question) {
     if (memory == nullptr) return;
     void* const place = MapViewOfFile(memory, FILE_MAP_WRITE, 0, 0, kProbeMemorySize);
     if (place != nullptr) {
-        const std::string text = question == ProbeQuestion::kInput ? DescribeInput() : DescribeThread();
+        const std::string text =
+            OneLine(question == ProbeQuestion::kInput ? DescribeInput() : DescribeThread());
         ProbeHeader header{1, 0};
         if (text.size() <= kProbeMemorySize - sizeof header)
             header.size = static_cast<std::uint32_t>(text.size());

@@ -1,7 +1,8 @@
 #include "tests/wine/tools/ProbeWindows.h"
 
 #include <array>
-#include <vector>
+#include <string>
+#include <utility>
 
 #include "tests/wine/tools/ProbeControls.h"
 
@@ -49,66 +50,66 @@ std::wstring AccessibleName(HWND window) {
     return result;
 }
 
-std::string ClientRect(HWND window) {
+Json ClientRect(HWND window) {
     RECT rect{};
     GetClientRect(window, &rect);
     MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&rect), 2);
     return JsonRect(rect);
 }
 
-void AddTopLevel(JsonObject& object, HWND window, const std::wstring& name) {
-    object.Add("client", ClientRect(window));
-    object.Add("active", JsonBool(GetForegroundWindow() == window));
+void AddTopLevel(Json& object, HWND window, const std::wstring& name) {
+    object["client"] = ClientRect(window);
+    object["active"] = GetForegroundWindow() == window;
     const HWND owner = GetWindow(window, GW_OWNER);
-    object.Add("modal", JsonBool(owner != nullptr && IsWindowEnabled(owner) == FALSE));
-    if (const HMENU bar = GetMenu(window); bar != nullptr) object.Add("menu", MenuItems(bar, window));
+    object["modal"] = owner != nullptr && IsWindowEnabled(owner) == FALSE;
+    if (const HMENU bar = GetMenu(window); bar != nullptr) object["menu"] = MenuItems(bar, window);
     if (name == L"#32768") {
         const auto menu = reinterpret_cast<HMENU>(SendMessageW(window, kGetMenuHandle, 0, 0));
-        if (menu != nullptr) object.Add("popup", MenuItems(menu, window));
+        if (menu != nullptr) object["popup"] = MenuItems(menu, window);
     }
 }
 
-std::string Describe(HWND window, bool topLevel) {
+Json Describe(HWND window, bool topLevel) {
     const std::wstring name = ClassName(window);
     RECT rect{};
     GetWindowRect(window, &rect);
-    JsonObject object;
-    object.Add("handle", std::to_string(reinterpret_cast<std::uintptr_t>(window)));
-    object.Add("class", JsonText(name));
-    object.Add("text", JsonText(Text(window)));
-    object.Add("rect", JsonRect(rect));
-    object.Add("visible", JsonBool(IsWindowVisible(window) != FALSE));
-    object.Add("enabled", JsonBool(IsWindowEnabled(window) != FALSE));
-    object.Add("focused", JsonBool(GetFocus() == window));
-    object.Add("id", std::to_string(GetDlgCtrlID(window)));
-    object.Add("style", std::to_string(GetWindowLongPtrW(window, GWL_STYLE)));
-    object.Add("name", JsonText(AccessibleName(window)));
+    Json object;
+    object["handle"] = reinterpret_cast<std::uintptr_t>(window);
+    object["class"] = Utf8(name);
+    object["text"] = Utf8(Text(window));
+    object["rect"] = JsonRect(rect);
+    object["visible"] = IsWindowVisible(window) != FALSE;
+    object["enabled"] = IsWindowEnabled(window) != FALSE;
+    object["focused"] = GetFocus() == window;
+    object["id"] = GetDlgCtrlID(window);
+    object["style"] = GetWindowLongPtrW(window, GWL_STYLE);
+    object["name"] = Utf8(AccessibleName(window));
     if (topLevel) AddTopLevel(object, window, name);
     AddControl(object, window, name);
-    std::vector<std::string> children;
+    Json children = Json::array();
     for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
         children.push_back(Describe(child, false));
     }
-    object.Add("children", JsonArray(children));
-    return object.Text();
+    object["children"] = std::move(children);
+    return object;
 }
 
 BOOL CALLBACK AddVisible(HWND window, LPARAM found) {
     if (IsWindowVisible(window) != FALSE) {
-        reinterpret_cast<std::vector<std::string>*>(found)->push_back(Describe(window, true));
+        reinterpret_cast<Json*>(found)->push_back(Describe(window, true));
     }
     return TRUE;
 }
 
 }  // namespace
 
-std::string DescribeThread() {
-    std::vector<std::string> found;
+Json DescribeThread() {
+    Json found = Json::array();
     EnumThreadWindows(GetCurrentThreadId(), AddVisible, reinterpret_cast<LPARAM>(&found));
-    return JsonArray(found);
+    return found;
 }
 
 // Takes what the display has sent into account.
-std::string DescribeInput() { return JsonBool(GetInputState() != FALSE); }
+Json DescribeInput() { return GetInputState() != FALSE; }
 
 }  // namespace corvane::test

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <string>
+#include "tests/wine/tools/Json.h"
 
 /// The windows of the calling thread, as its own process sees them.
 namespace corvane::test {
 
-/// What the calling thread shows, as a JSON array: its visible top-level windows, the topmost first. A window
+/// What the calling thread shows, as an array: its visible top-level windows, the topmost first. A window
 /// has:
 ///   handle, class, text, rect [x, y, width, height] in screen coordinates, visible, enabled, focused (it has
 ///   the keyboard), id (of the control), style, name (what a screen reader calls it), children (in z-order,
@@ -17,9 +17,9 @@ namespace corvane::test {
 ///   list view), buttons (of a tool bar).
 /// A menu item has: text, id, enabled, checked, separator, items (of its submenu), and rect when it can be
 /// seen.
-std::string DescribeThread();
+Json DescribeThread();
 
-/// Whether keys or mouse buttons wait for the calling thread, as JSON.
-std::string DescribeInput();
+/// Whether keys or mouse buttons wait for the calling thread: true or false.
+Json DescribeInput();
 
 }  // namespace corvane::test

@@ -33,36 +33,34 @@ constexpr int kNoWindow = 3;
 
 struct Exchange {
     std::string Line;
-    std::string Answer;
+    Json Answer;
 };
 
-std::string DescribePlace(HWND taskbar) {
+Json DescribePlace(HWND taskbar) {
     const HWND first = FindWindowExW(nullptr, nullptr, kTaskbarClass, nullptr);
     int all = 0;
     for (HWND found = first; found != nullptr; ++all) {
         found = FindWindowExW(nullptr, found, kTaskbarClass, nullptr);
     }
-    return JsonObject()
-        .Add("first", JsonBool(first == taskbar))
-        .Add("others", std::to_string(all - 1))
-        .Text();
+    return Json::object({{"first", first == taskbar}, {"others", all - 1}});
 }
 
-std::string Send(const TaskbarIcons& icons, LPARAM code) {
+Json Send(const TaskbarIcons& icons, LPARAM code) {
     if (icons.All().size() != 1) return Error("there are " + std::to_string(icons.All().size()) + " icons");
     const TaskbarIcon& icon = icons.All().front();
     if (icon.Message == 0) return Error("the icon wants no messages");
-    if (PostMessageW(icon.Window, icon.Message, icon.Id, code) != FALSE) return "null";
+    if (PostMessageW(icon.Window, icon.Message, icon.Id, code) != FALSE) return nullptr;
     return Error("code " + std::to_string(GetLastError()));
 }
 
-std::string Restart(TaskbarIcons& icons) {
+Json Restart(TaskbarIcons& icons) {
     icons.Forget();
-    if (PostMessageW(HWND_BROADCAST, RegisterWindowMessageW(L"TaskbarCreated"), 0, 0) != FALSE) return "null";
+    const UINT message = RegisterWindowMessageW(L"TaskbarCreated");
+    if (PostMessageW(HWND_BROADCAST, message, 0, 0) != FALSE) return nullptr;
     return Error("code " + std::to_string(GetLastError()));
 }
 
-std::string Answer(HWND taskbar, TaskbarIcons& icons, const std::string& line) {
+Json Answer(HWND taskbar, TaskbarIcons& icons, const std::string& line) {
     const std::size_t end = line.find('\t');
     const std::string question = line.substr(0, end);
     if (question == "icons") return icons.Describe();
@@ -101,7 +99,7 @@ void AnswerLines(HWND taskbar) {
     while (std::getline(std::cin, exchange.Line)) {
         if (!exchange.Line.empty() && exchange.Line.back() == '\r') exchange.Line.pop_back();
         SendMessageW(taskbar, kQuestion, 0, reinterpret_cast<LPARAM>(&exchange));
-        std::cout << exchange.Answer << std::endl;
+        std::cout << OneLine(exchange.Answer) << std::endl;
     }
     PostMessageW(taskbar, WM_CLOSE, 0, 0);
 }
@@ -120,7 +118,7 @@ int main() {
     const HWND taskbar = CreateWindowExW(WS_EX_TOPMOST | WS_EX_NOACTIVATE | WS_EX_TOOLWINDOW, kTaskbarClass,
                                          L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
     if (taskbar == nullptr) return kNoWindow;
-    std::cout << "null" << std::endl;
+    std::cout << OneLine(nullptr) << std::endl;
     std::thread reader(AnswerLines, taskbar);
     MSG message{};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);

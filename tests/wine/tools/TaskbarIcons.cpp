@@ -8,8 +8,6 @@
 
 #include <shellapi.h>
 
-#include "tests/wine/tools/Json.h"
-
 namespace corvane::test {
 
 namespace {
@@ -51,12 +49,12 @@ std::string Name(ULONG_PTR what) {
     }
 }
 
-JsonObject& AddFacts(JsonObject& object, const TaskbarIcon& icon) {
-    return object.Add("window", std::to_string(HandleToLong(icon.Window)))
-        .Add("id", std::to_string(icon.Id))
-        .Add("message", std::to_string(icon.Message))
-        .Add("tip", JsonText(icon.Tip))
-        .Add("picture", std::to_string(icon.Picture));
+void AddFacts(Json& object, const TaskbarIcon& icon) {
+    object["window"] = HandleToLong(icon.Window);
+    object["id"] = icon.Id;
+    object["message"] = icon.Message;
+    object["tip"] = Utf8(icon.Tip);
+    object["picture"] = icon.Picture;
 }
 
 }  // namespace
@@ -97,41 +95,33 @@ bool TaskbarIcons::Take(ULONG_PTR what, const void* data, std::size_t size) {
     }
     if (accepted && what == NIM_DELETE) icons_.erase(known);
 
-    JsonObject line;
-    line.Add("what", JsonText(Name(what)))
-        .Add("accepted", JsonBool(accepted))
-        .Add("flags", std::to_string(record.Flags));
-    diary_.push_back(AddFacts(line, icon).Text());
+    Json line = Json::object({{"what", Name(what)}, {"accepted", accepted}, {"flags", record.Flags}});
+    AddFacts(line, icon);
+    diary_.push_back(std::move(line));
     return accepted;
 }
 
 void TaskbarIcons::Forget() {
     icons_.clear();
-    diary_.push_back(JsonObject().Add("what", JsonText("restart")).Text());
+    diary_.push_back(Json::object({{"what", "restart"}}));
 }
 
-std::string TaskbarIcons::Describe() const {
-    std::vector<std::string> icons;
-    for (const TaskbarIcon& icon : icons_) {
-        JsonObject object;
-        icons.push_back(AddFacts(object, icon).Text());
-    }
-    return JsonArray(icons);
+Json TaskbarIcons::Describe() const {
+    Json icons = Json::array();
+    for (const TaskbarIcon& icon : icons_) AddFacts(icons.emplace_back(), icon);
+    return icons;
 }
 
-std::string TaskbarIcons::Diary(std::size_t from) const {
+Json TaskbarIcons::Diary(std::size_t from) const {
     const std::size_t begin = std::min(from, diary_.size());
-    return JsonArray({diary_.begin() + static_cast<std::ptrdiff_t>(begin), diary_.end()});
+    return Json(diary_.begin() + static_cast<std::ptrdiff_t>(begin), diary_.end());
 }
 
-std::string TaskbarIcons::Picture(std::size_t number) const {
-    if (number >= pictures_.size()) return "null";
+Json TaskbarIcons::Picture(std::size_t number) const {
+    if (number >= pictures_.size()) return nullptr;
     const Pixels& picture = pictures_[number];
-    return JsonObject()
-        .Add("width", std::to_string(picture.Width))
-        .Add("height", std::to_string(picture.Height))
-        .Add("pixels", JsonBytes(picture.Bytes))
-        .Text();
+    return Json::object(
+        {{"width", picture.Width}, {"height", picture.Height}, {"pixels", Hexadecimal(picture.Bytes)}});
 }
 
 int TaskbarIcons::NumberOf(Pixels picture) {

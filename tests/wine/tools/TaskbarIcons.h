@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/wine/tools/Json.h"
 #include "tests/wine/tools/System.h"
 
 /// What programs have told the taskbar of their icons.
@@ -31,16 +32,16 @@ class TaskbarIcons {
     [[nodiscard]] const std::vector<TaskbarIcon>& All() const { return icons_; }
 
     /// The icons, as [{"window", "id", "message", "tip", "picture"}, ...].
-    [[nodiscard]] std::string Describe() const;
+    [[nodiscard]] Json Describe() const;
 
     /// The diary from this line on: one object for every call and every `Forget`, with "what" ("add",
     /// "modify", "delete", "restart" or the number), and for a call whether it was "accepted", its "flags"
     /// and the icon as it was after it, or before it was deleted, as in `Describe`.
-    [[nodiscard]] std::string Diary(std::size_t from) const;
+    [[nodiscard]] Json Diary(std::size_t from) const;
 
     /// A picture, as {"width", "height", "pixels"}: rows from the top, blue, green, red and opacity of each
-    /// pixel in hexadecimal digits; "null" for a number that no picture has. Equal pictures have one number.
-    [[nodiscard]] std::string Picture(std::size_t number) const;
+    /// pixel in hexadecimal digits; null for a number that no picture has. Equal pictures have one number.
+    [[nodiscard]] Json Picture(std::size_t number) const;
 
  private:
     struct Pixels {
@@ -54,7 +55,7 @@ class TaskbarIcons {
     int NumberOf(Pixels picture);
 
     std::vector<TaskbarIcon> icons_;
-    std::vector<std::string> diary_;
+    Json diary_ = Json::array();
     std::vector<Pixels> pictures_;
 };
 
