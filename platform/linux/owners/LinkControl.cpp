@@ -1,15 +1,12 @@
 #include "platform/linux/owners/LinkControl.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <optional>
 #include <utility>
 
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/file.h>
 
 #include "base/Address.h"
 #include "base/Text.h"
@@ -19,35 +16,28 @@
 #include "platform/linux/links/OriginalNote.h"
 #include "platform/linux/links/TcpipKey.h"
 #include "platform/linux/resolver/Dns.h"
-#include "platform/linux/system/Descriptor.h"
 #include "platform/linux/system/Errors.h"
+#include "platform/linux/system/FileLock.h"
 #include "platform/linux/system/RuntimeFolder.h"
 
 namespace corvane {
 
 namespace {
 
-/// Lets one program at a time disable or enable a link of this name; the others wait. Only root may open its
-/// file: without the right there is no lock, and nothing that the kernel would let the program do.
-class LinkLock {
- public:
-    explicit LinkLock(const std::string& name) {
-        std::error_code error;
-        std::filesystem::create_directories(RuntimeFolder(), error);
-        file_.Reset(open((RuntimeFolder() + "/link-" + name + ".lock").c_str(),
-                         O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-        while (file_.IsOpen() && flock(file_.Get(), LOCK_EX) != 0 && errno == EINTR) {
-        }
-    }
-
- private:
-    Descriptor file_;
-};
+/// Takes the lock that lets one program at a time disable or enable a link of this name; the others wait.
+/// Only root may open its file: without the right there is no lock, and nothing that the kernel would let the
+/// program do.
+void LockLink(const std::string& name, FileLock& lock) {
+    std::error_code ignored;
+    std::filesystem::create_directories(RuntimeFolder(), ignored);
+    static_cast<void>(lock.Take(RuntimeFolder() + "/link-" + name + ".lock", FileLock::kNoLimit));
+}
 
 /// One disabling or enabling of one link.
 class Operation {
  public:
-    Operation(Machine& machine, std::string name) : machine_(machine), name_(std::move(name)), lock_(name_) {
+    Operation(Machine& machine, std::string name) : machine_(machine), name_(std::move(name)) {
+        LockLink(name_, lock_);
         machine_.Update();
         if (const LinkRow* row = machine_.RowOfName(name_)) row_ = *row;
     }
@@ -343,7 +333,7 @@ class Operation {
 
     Machine& machine_;
     std::string name_;
-    LinkLock lock_;
+    FileLock lock_;
     LinkRow row_;
     KernelLink link_;
     std::optional<MacBytes> wanted_;
