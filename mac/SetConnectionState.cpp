@@ -22,10 +22,10 @@ bool IsConnectionsFolder(const ShellItem& item) {
            name == "network connections";
 }
 
-StateResult ShowShellFailure(const std::string& description) {
+StateResult ShowShellFailure(const Refusal& refusal) {
     CurrentSeat().ShowBox(kApplicationTitle,
                           std::string("Error! There was an error while accessing shell32.dll") + kCrLf +
-                              kCrLf + "Description: " + description,
+                              kCrLf + "Description: " + refusal.Words(),
                           BoxIcon::kCritical, BoxButtons::kOk);
     return StateResult::kGivenUp;
 }
@@ -54,25 +54,26 @@ bool UserWantsToBrowse(const std::string& name) {
 
 StateResult SetConnectionState(const std::string& name, bool enable, bool partOfRestart) {
     ShellApi& shell = *CurrentPlatform().shell;
-    std::string failure;
     std::vector<ShellItem> panel;
-    if (!shell.ControlPanelItems(panel, failure)) return ShowShellFailure(failure);
+    if (const Refusal refusal = shell.ControlPanelItems(panel)) return ShowShellFailure(refusal);
 
     const std::optional<std::size_t> folder = FirstWhere(panel, IsConnectionsFolder);
     if (folder) {
         std::vector<std::string> connections;
-        if (!shell.FolderItems(*folder, connections, failure)) return ShowShellFailure(failure);
+        if (const Refusal refusal = shell.FolderItems(*folder, connections)) return ShowShellFailure(refusal);
         const std::string wanted = ToLower(name);
         const std::optional<std::size_t> connection =
             FirstWhere(connections, [&](const std::string& item) { return ToLower(item) == wanted; });
         if (connection) {
             std::vector<std::string> verbs;
-            if (!shell.ItemVerbs(*folder, *connection, verbs, failure)) return ShowShellFailure(failure);
+            if (const Refusal refusal = shell.ItemVerbs(*folder, *connection, verbs))
+                return ShowShellFailure(refusal);
             const std::string wantedVerb = enable ? "enable" : "disable";
             const std::optional<std::size_t> verb =
                 FirstWhere(verbs, [&](const std::string& item) { return Plain(item) == wantedVerb; });
             if (!verb) return StateResult::kNoVerb;
-            if (!shell.DoVerb(*folder, *connection, *verb, failure)) return ShowShellFailure(failure);
+            if (const Refusal refusal = shell.DoVerb(*folder, *connection, *verb))
+                return ShowShellFailure(refusal);
             return StateResult::kDone;
         }
         if (!UserWantsToBrowse(name)) return StateResult::kGivenUp;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/Address.h"
+#include "base/Refusal.h"
 #include "base/Win32Error.h"
 
 /// The seam to the machine. Each role is implemented once per operating system (platform/linux,
@@ -197,24 +198,22 @@ struct ShellItem {
 };
 
 /// The shell's Control Panel and the folders in it. Items and verbs are named by their positions in the lists
-/// that the latest call handed out. Every call returns false on failure, with `failure` set to what the
-/// system says.
+/// that the latest call handed out. A refusal says what the system says; the list is then as it was.
 class ShellApi {
  public:
     virtual ~ShellApi() = default;
 
-    virtual bool ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) = 0;
-    virtual bool FolderItems(std::size_t panelItem, std::vector<std::string>& names,
-                             std::string& failure) = 0;
-    virtual bool ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
-                           std::string& failure) = 0;
+    virtual Refusal ControlPanelItems(std::vector<ShellItem>& items) = 0;
+    virtual Refusal FolderItems(std::size_t panelItem, std::vector<std::string>& names) = 0;
+    virtual Refusal ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs) = 0;
 
-    /// Carries a verb out. On Linux it returns when the link is in the new state; false then means that the
-    /// link is not in the state asked for, or only in part (for example up, but with its original address).
-    virtual bool DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) = 0;
+    /// Carries a verb out. On Linux it returns when the link is in the new state; a refusal then means that
+    /// the link is not in the state asked for, or only in part (for example up, but with its original
+    /// address).
+    virtual Refusal DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb) = 0;
 
     /// Opens a document or an address with the user's default program.
-    virtual bool OpenDocument(const std::string& target, std::string& failure) = 0;
+    virtual Refusal OpenDocument(const std::string& target) = 0;
 };
 
 // ---- changes from outside

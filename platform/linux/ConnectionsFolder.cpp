@@ -4,59 +4,44 @@ namespace corvane {
 
 namespace {
 
-bool IsFolder(std::size_t panelItem, std::string& failure) {
-    if (panelItem == 0) return true;
-    failure = "There is no such folder in the Control Panel.";
-    return false;
-}
+Refusal NoSuchFolder() { return Refusal("There is no such folder in the Control Panel."); }
 
 }  // namespace
 
-bool ConnectionsFolder::ControlPanelItems(std::vector<ShellItem>& items, std::string&) {
+Refusal ConnectionsFolder::ControlPanelItems(std::vector<ShellItem>& items) {
     items = {{"Network Connections", true}};
-    return true;
+    return {};
 }
 
-bool ConnectionsFolder::FolderItems(std::size_t panelItem, std::vector<std::string>& names,
-                                    std::string& failure) {
-    if (!IsFolder(panelItem, failure)) return false;
+Refusal ConnectionsFolder::FolderItems(std::size_t panelItem, std::vector<std::string>& names) {
+    if (panelItem != 0) return NoSuchFolder();
     machine_->Update();
     links_.clear();
     for (const KernelLink& link : machine_->Picture().links) links_.push_back(link.name);
     names = links_;
-    return true;
+    return {};
 }
 
-bool ConnectionsFolder::ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
-                                  std::string& failure) {
-    if (!IsFolder(panelItem, failure)) return false;
-    if (item >= links_.size()) {
-        failure = "There is no such network connection.";
-        return false;
-    }
+Refusal ConnectionsFolder::ItemVerbs(std::size_t panelItem, std::size_t item,
+                                     std::vector<std::string>& verbs) {
+    if (panelItem != 0) return NoSuchFolder();
+    if (item >= links_.size()) return Refusal("There is no such network connection.");
     KernelLink link;
     const KernelAnswer answer = machine_->Kernel().GetLinkByName(links_[item], link);
-    if (!answer.Ok()) {
-        failure = "'" + links_[item] + "': the link is gone: " + answer.Words();
-        return false;
-    }
+    if (!answer.Ok()) return Refusal("'" + links_[item] + "': the link is gone: " + answer.Words());
     offersDisable_ = link.Up();
     verbs = {offersDisable_ ? "Disa&ble" : "En&able"};
-    return true;
+    return {};
 }
 
-bool ConnectionsFolder::DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb,
-                               std::string& failure) {
-    if (!IsFolder(panelItem, failure)) return false;
+Refusal ConnectionsFolder::DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb) {
+    if (panelItem != 0) return NoSuchFolder();
     if (item >= links_.size() || verb != 0) {
-        failure = "There is no such network connection or verb.";
-        return false;
+        return Refusal("There is no such network connection or verb.");
     }
-    return offersDisable_ ? control_.Disable(links_[item], failure) : control_.Enable(links_[item], failure);
+    return offersDisable_ ? control_.Disable(links_[item]) : control_.Enable(links_[item]);
 }
 
-bool ConnectionsFolder::OpenDocument(const std::string& target, std::string& failure) {
-    return opener_.Open(target, failure);
-}
+Refusal ConnectionsFolder::OpenDocument(const std::string& target) { return opener_.Open(target); }
 
 }  // namespace corvane

@@ -18,12 +18,11 @@ class ConnectionsFolder : public ShellApi {
     explicit ConnectionsFolder(std::shared_ptr<Machine> machine)
         : machine_(machine), control_(std::move(machine)) {}
 
-    bool ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) override;
-    bool FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) override;
-    bool ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
-                   std::string& failure) override;
-    bool DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) override;
-    bool OpenDocument(const std::string& target, std::string& failure) override;
+    Refusal ControlPanelItems(std::vector<ShellItem>& items) override;
+    Refusal FolderItems(std::size_t panelItem, std::vector<std::string>& names) override;
+    Refusal ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs) override;
+    Refusal DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb) override;
+    Refusal OpenDocument(const std::string& target) override;
 
  private:
     std::shared_ptr<Machine> machine_;

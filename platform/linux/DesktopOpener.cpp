@@ -36,7 +36,7 @@ void DesktopOpener::ReapEnded() {
     std::erase_if(running_, [](pid_t process) { return waitpid(process, nullptr, WNOHANG) != 0; });
 }
 
-bool DesktopOpener::Open(const std::string& target, std::string& failure) {
+Refusal DesktopOpener::Open(const std::string& target) {
     ReapEnded();
     std::string program = "xdg-open";
     std::string argument = target;
@@ -44,18 +44,16 @@ bool DesktopOpener::Open(const std::string& target, std::string& failure) {
     pid_t child = 0;
     const int error = posix_spawnp(&child, program.c_str(), nullptr, nullptr, arguments, environ);
     if (error != 0) {
-        failure = "xdg-open could not be started: " + std::string(std::strerror(error)) +
-                  "; install the package xdg-utils";
-        return false;
+        return Refusal("xdg-open could not be started: " + std::string(std::strerror(error)) +
+                       "; install the package xdg-utils");
     }
     if (!EndsSoon(child)) {
         running_.push_back(child);
-        return true;
+        return {};
     }
     int status = 0;
-    if (waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0) return true;
-    failure = "xdg-open found no program that opens it";
-    return false;
+    if (waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0) return {};
+    return Refusal("xdg-open found no program that opens it");
 }
 
 }  // namespace corvane

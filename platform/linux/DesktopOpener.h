@@ -5,15 +5,17 @@
 
 #include <sys/types.h>
 
+#include "base/Refusal.h"
+
 namespace corvane {
 
 /// Opens documents and addresses with the user's own programs, through xdg-open (package xdg-utils).
 class DesktopOpener {
  public:
-    /// False with words in `failure` when xdg-open is not there or says that it failed. Some desktops keep it
+    /// Refused when xdg-open is not there or says that it failed. Some desktops keep it
     /// running for as long as the opened program runs: one that has not failed after a second has done its
     /// work.
-    bool Open(const std::string& target, std::string& failure);
+    Refusal Open(const std::string& target);
 
  private:
     void ReapEnded();

@@ -57,8 +57,8 @@ bool SyncedRegistry::NamesServersInForce(const std::string& subkey, const std::s
 
 Win32Error SyncedRegistry::Followed(Win32Error written, const std::string& subkey, const std::string& name) {
     if (!Ok(written) || !NamesServersInForce(subkey, name)) return written;
-    std::string failure;
-    if (!ApplyDns(machine_->Store(), machine_->Kernel(), failure)) CurrentSeat().Warn(failure);
+    const Refusal refusal = ApplyDns(machine_->Store(), machine_->Kernel());
+    if (refusal) CurrentSeat().Warn(refusal.Words());
     return written;
 }
 

@@ -6,6 +6,7 @@
 
 #include "base/Text.h"
 #include "platform/CodePage.h"
+#include "platform/Guarded.h"
 #include "platform/windows/SystemMessage.h"
 
 namespace corvane {
@@ -20,14 +21,12 @@ constexpr char kConnectionsName[] = "Network Connections";
 
 /// Turns a failing shell call into the answer that the callers know.
 template <class Action>
-bool WithoutExceptions(std::string& failure, const Action& action) {
-    try {
+Refusal WithoutExceptions(const Action& action) {
+    const auto done = [&] {
         action();
-        return true;
-    } catch (const std::exception& error) {
-        failure = error.what();
-        return false;
-    }
+        return Refusal();
+    };
+    return Guarded(done, RefusalOf);
 }
 
 std::vector<std::string> Names(const std::vector<ShellVerb>& verbs) {
@@ -44,8 +43,8 @@ std::string FailureOf(std::uint32_t code) {
 
 }  // namespace
 
-bool WindowsShell::ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) {
-    return WithoutExceptions(failure, [&] {
+Refusal WindowsShell::ControlPanelItems(std::vector<ShellItem>& items) {
+    return WithoutExceptions([&] {
         const ShellFolder panel = ShellNameSpace(kControlPanel);
         if (!panel.Exists()) throw ShellFailure("The shell has no Control Panel.");
         std::vector<ShellFolderItem> found = panel.Items();
@@ -70,8 +69,8 @@ bool WindowsShell::ControlPanelItems(std::vector<ShellItem>& items, std::string&
     });
 }
 
-bool WindowsShell::FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) {
-    return WithoutExceptions(failure, [&] {
+Refusal WindowsShell::FolderItems(std::size_t panelItem, std::vector<std::string>& names) {
+    return WithoutExceptions([&] {
         ShellFolder folder;
         if (panelItem < panel_.size()) folder = panel_[panelItem].Open();
         if (panelItem == panel_.size()) folder = connections_;
@@ -85,27 +84,24 @@ bool WindowsShell::FolderItems(std::size_t panelItem, std::vector<std::string>& 
     });
 }
 
-bool WindowsShell::ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
-                             std::string& failure) {
-    return WithoutExceptions(failure, [&] {
+Refusal WindowsShell::ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs) {
+    return WithoutExceptions([&] {
         if (panelItem != openFolder_) throw ShellFailure("The folder is not the one that was opened.");
         verbs_ = items_.at(item).Verbs();
         verbs = Names(verbs_);
     });
 }
 
-bool WindowsShell::DoVerb(std::size_t, std::size_t, std::size_t verb, std::string& failure) {
-    return WithoutExceptions(failure, [&] { verbs_.at(verb).Do(); });
+Refusal WindowsShell::DoVerb(std::size_t, std::size_t, std::size_t verb) {
+    return WithoutExceptions([&] { verbs_.at(verb).Do(); });
 }
 
-bool WindowsShell::OpenDocument(const std::string& target, std::string& failure) {
+Refusal WindowsShell::OpenDocument(const std::string& target) {
     const HINSTANCE answer =
         ShellExecuteA(nullptr, "open", ToCodePage(target).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
     const auto code = static_cast<DWORD>(reinterpret_cast<INT_PTR>(answer));
     static constexpr DWORD kLastFailure = 32;
-    if (code > kLastFailure) return true;
-    failure = FailureOf(code);
-    return false;
+    return code > kLastFailure ? Refusal() : Refusal(FailureOf(code));
 }
 
 }  // namespace corvane

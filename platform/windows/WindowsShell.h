@@ -15,13 +15,12 @@ namespace corvane {
 /// "Network Connections", whatever the system's language.
 class WindowsShell : public ShellApi {
  public:
-    bool ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) override;
-    bool FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) override;
-    bool ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
-                   std::string& failure) override;
+    Refusal ControlPanelItems(std::vector<ShellItem>& items) override;
+    Refusal FolderItems(std::size_t panelItem, std::vector<std::string>& names) override;
+    Refusal ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs) override;
     /// Returns when the shell has taken the verb; the connection may still be on its way to the new state.
-    bool DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) override;
-    bool OpenDocument(const std::string& target, std::string& failure) override;
+    Refusal DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb) override;
+    Refusal OpenDocument(const std::string& target) override;
 
  private:
     Apartment apartment_;  ///< Before what lives in it.

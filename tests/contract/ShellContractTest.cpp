@@ -29,8 +29,7 @@ class ShellContract : public testing::TestWithParam<ShellCase> {
     /// Position of the folder in the Control Panel.
     std::size_t Folder() {
         std::vector<ShellItem> items;
-        std::string failure;
-        EXPECT_TRUE(Api().ControlPanelItems(items, failure)) << failure;
+        EXPECT_EQ(Api().ControlPanelItems(items), Refusal());
         const auto found = std::find_if(items.begin(), items.end(), [](const ShellItem& item) {
             return item.name == "Network Connections";
         });
@@ -39,16 +38,14 @@ class ShellContract : public testing::TestWithParam<ShellCase> {
     }
     std::size_t Connection(std::size_t folder) {
         std::vector<std::string> names;
-        std::string failure;
-        EXPECT_TRUE(Api().FolderItems(folder, names, failure)) << failure;
+        EXPECT_EQ(Api().FolderItems(folder, names), Refusal());
         const auto found = std::find(names.begin(), names.end(), world_->Name());
         EXPECT_TRUE(found != names.end());
         return static_cast<std::size_t>(found - names.begin());
     }
     std::vector<std::string> Verbs(std::size_t folder, std::size_t connection) {
         std::vector<std::string> verbs;
-        std::string failure;
-        EXPECT_TRUE(Api().ItemVerbs(folder, connection, verbs, failure)) << failure;
+        EXPECT_EQ(Api().ItemVerbs(folder, connection, verbs), Refusal());
         return verbs;
     }
 
@@ -69,10 +66,9 @@ TEST_P(ShellContract, AnEnabledConnectionOffersToBeDisabledAndTheOtherWayRound) 
     const std::size_t folder = Folder();
     const std::size_t connection = Connection(folder);
     ASSERT_EQ(Verbs(folder, connection), world_->Verbs(true));
-    std::string failure;
-    ASSERT_TRUE(Api().DoVerb(folder, connection, Place(true, "Disa&ble"), failure)) << failure;
+    ASSERT_EQ(Api().DoVerb(folder, connection, Place(true, "Disa&ble")), Refusal());
     ASSERT_EQ(Verbs(folder, connection), world_->Verbs(false));
-    ASSERT_TRUE(Api().DoVerb(folder, connection, Place(false, "En&able"), failure)) << failure;
+    ASSERT_EQ(Api().DoVerb(folder, connection, Place(false, "En&able")), Refusal());
     EXPECT_EQ(Verbs(folder, connection), world_->Verbs(true));
 }
 
@@ -80,12 +76,11 @@ TEST_P(ShellContract, ListsReplaceWhatTheCallerHad) {
     std::vector<ShellItem> items(9);
     std::vector<std::string> names(9, "old");
     std::vector<std::string> verbs(9, "old");
-    std::string failure;
     const std::size_t folder = Folder();
     const std::size_t connection = Connection(folder);
-    ASSERT_TRUE(Api().ControlPanelItems(items, failure));
-    ASSERT_TRUE(Api().FolderItems(folder, names, failure));
-    ASSERT_TRUE(Api().ItemVerbs(folder, connection, verbs, failure));
+    ASSERT_EQ(Api().ControlPanelItems(items), Refusal());
+    ASSERT_EQ(Api().FolderItems(folder, names), Refusal());
+    ASSERT_EQ(Api().ItemVerbs(folder, connection, verbs), Refusal());
     EXPECT_LT(items.size(), 9U);
     EXPECT_EQ(std::count(names.begin(), names.end(), "old"), 0);
     EXPECT_EQ(verbs, world_->Verbs(true));

@@ -130,40 +130,41 @@ std::string FakeIpHelper::SystemText(Win32Error code) {
     return text == texts.end() ? std::string() : text->second;
 }
 
-bool FakeShell::Fails(const std::string& call, std::string& failure) const {
-    if (call != failingCall) return false;
-    failure = failureText;
-    return true;
+void PrintTo(const Refusal& refusal, std::ostream* out) {
+    *out << (refusal ? "refused: " + refusal.Words() : "not refused");
 }
 
-bool FakeShell::ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) {
-    if (Fails("ControlPanelItems", failure)) return false;
+Refusal FakeShell::Failing(const std::string& call) const {
+    return call == failingCall ? Refusal(failureText) : Refusal();
+}
+
+Refusal FakeShell::ControlPanelItems(std::vector<ShellItem>& items) {
+    if (Refusal refusal = Failing("ControlPanelItems")) return refusal;
     items.clear();
     for (const PanelItem& item : panel) items.push_back({item.name, item.isFolder});
-    return true;
+    return {};
 }
 
-bool FakeShell::FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) {
-    if (Fails("FolderItems", failure)) return false;
+Refusal FakeShell::FolderItems(std::size_t panelItem, std::vector<std::string>& names) {
+    if (Refusal refusal = Failing("FolderItems")) return refusal;
     names.clear();
     for (const Connection& connection : panel.at(panelItem).connections) names.push_back(connection.name);
-    return true;
+    return {};
 }
 
-bool FakeShell::ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
-                          std::string& failure) {
-    if (Fails("ItemVerbs", failure)) return false;
+Refusal FakeShell::ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs) {
+    if (Refusal refusal = Failing("ItemVerbs")) return refusal;
     Connection& connection = panel.at(panelItem).connections.at(item);
     if (beforeVerbs) beforeVerbs(connection);
     verbs = connection.verbs;
-    return true;
+    return {};
 }
 
-bool FakeShell::DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) {
+Refusal FakeShell::DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb) {
     Connection& connection = panel.at(panelItem).connections.at(item);
     const std::string name = connection.verbs.at(verb);
     diary.push_back("verb " + name + " of " + connection.name);
-    if (Fails("DoVerb", failure)) return false;
+    if (Refusal refusal = Failing("DoVerb")) return refusal;
     if (onVerb) {
         onVerb(connection, name);
     } else if (name == "Disa&ble") {
@@ -171,12 +172,12 @@ bool FakeShell::DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb
     } else if (name == "En&able") {
         connection.verbs[verb] = "Disa&ble";
     }
-    return true;
+    return {};
 }
 
-bool FakeShell::OpenDocument(const std::string& target, std::string& failure) {
+Refusal FakeShell::OpenDocument(const std::string& target) {
     diary.push_back("open " + target);
-    return !Fails("OpenDocument", failure);
+    return Failing("OpenDocument");
 }
 
 void FakeClock::Sleep(std::uint32_t milliseconds) {

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,9 @@
 
 /// Small models of the machine and the user, with a diary of what was asked of them.
 namespace corvane {
+
+/// For the messages of failed assertions.
+void PrintTo(const Refusal& refusal, std::ostream* out);
 
 /// Interfaces, addresses and routes in memory.
 class FakeIpHelper : public IpHelperApi {
@@ -80,15 +84,14 @@ class FakeShell : public ShellApi {
     /// Run when a verb is done. Without it a verb turns "Disa&ble" into "En&able" and back.
     std::function<void(Connection&, const std::string& verb)> onVerb;
 
-    bool ControlPanelItems(std::vector<ShellItem>& items, std::string& failure) override;
-    bool FolderItems(std::size_t panelItem, std::vector<std::string>& names, std::string& failure) override;
-    bool ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs,
-                   std::string& failure) override;
-    bool DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb, std::string& failure) override;
-    bool OpenDocument(const std::string& target, std::string& failure) override;
+    Refusal ControlPanelItems(std::vector<ShellItem>& items) override;
+    Refusal FolderItems(std::size_t panelItem, std::vector<std::string>& names) override;
+    Refusal ItemVerbs(std::size_t panelItem, std::size_t item, std::vector<std::string>& verbs) override;
+    Refusal DoVerb(std::size_t panelItem, std::size_t item, std::size_t verb) override;
+    Refusal OpenDocument(const std::string& target) override;
 
  private:
-    bool Fails(const std::string& call, std::string& failure) const;
+    [[nodiscard]] Refusal Failing(const std::string& call) const;
 };
 
 class FakeClock : public ClockApi {

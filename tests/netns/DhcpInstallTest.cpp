@@ -44,7 +44,9 @@ class DhcpInstall : public DhcpFixture {
     bool Apply() {
         RegistryStore store(RegistryStore::DefaultPath());
         Netlink netlink;
-        return ApplyDns(store, netlink, failure_);
+        const Refusal refusal = ApplyDns(store, netlink);
+        failure_ = refusal.Words();
+        return !refusal;
     }
 
     static std::vector<std::string> Servers() {

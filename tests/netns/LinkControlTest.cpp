@@ -146,8 +146,12 @@ class LinkControlTest : public testing::Test {
                                                "NetworkAddress", {kRegSz, {digits.begin(), digits.end()}}),
                   Win32Error::kSuccess);
     }
-    bool Disable() { return control_.Disable(link_.Name(), failure_); }
-    bool Enable() { return control_.Enable(link_.Name(), failure_); }
+    bool Disable() { return Done(control_.Disable(link_.Name())); }
+    bool Enable() { return Done(control_.Enable(link_.Name())); }
+    bool Done(const Refusal& refusal) {
+        failure_ = refusal.Words();
+        return !refusal;
+    }
 
     std::string folder_ = "/run/" + netns::NewLinkName("control");
     netns::ScopedVeth link_;

@@ -96,10 +96,9 @@ class RunTimeAddress : public testing::Test {
 
     void Restart() {
         LinkControl control(std::make_shared<Machine>());
-        std::string failure;
-        ASSERT_TRUE(control.Disable(link_.Name(), failure)) << failure;
+        ASSERT_EQ(control.Disable(link_.Name()).Words(), "");
         ASSERT_TRUE(LiveAddresses().empty());
-        ASSERT_TRUE(control.Enable(link_.Name(), failure)) << failure;
+        ASSERT_EQ(control.Enable(link_.Name()).Words(), "");
     }
 
     Texts LiveAddresses() const {

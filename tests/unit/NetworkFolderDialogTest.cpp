@@ -29,8 +29,7 @@ class NetworkFolderDialogTest : public testing::Test {
 
     void Browse(bool enable, bool restart) {
         std::vector<ShellItem> items;
-        std::string failure;
-        ASSERT_TRUE(machine.shell->ControlPanelItems(items, failure));
+        ASSERT_EQ(machine.shell->ControlPanelItems(items), Refusal());
         BrowseNetworkFolder(items, {"Office", enable, restart});
     }
 

@@ -55,7 +55,9 @@ class ResolvConf : public ::testing::Test {
     }
 
     bool Update(const std::vector<std::string>& servers) {
-        return UpdateResolvConf(path_, copy_, servers, failure_);
+        const Refusal refusal = UpdateResolvConf(path_, copy_, servers);
+        failure_ = refusal.Words();
+        return !refusal;
     }
 
     std::string folder_;
@@ -225,9 +227,8 @@ TEST_F(ResolvConf, UpdatesAtTheSameTimeLeaveOneWholeBlock) {
     for (int writer = 0; writer < 8; ++writer) {
         threads.emplace_back([&, writer] {
             for (int round = 0; round < 10; ++round) {
-                std::string failure;
                 const std::string server = "10.0." + std::to_string(writer) + "." + std::to_string(round);
-                if (!UpdateResolvConf(path_, copy_, {server}, failure)) ++failures;
+                if (UpdateResolvConf(path_, copy_, {server})) ++failures;
             }
         });
     }
@@ -251,9 +252,8 @@ TEST_F(ResolvConf, AKilledUpdateLeavesTheOldOrTheNewFile) {
         ASSERT_GE(child, 0);
         if (child == 0) {
             for (;;) {
-                std::string failure;
-                UpdateResolvConf(path_, copy_, {"10.0.0.1"}, failure);
-                UpdateResolvConf(path_, copy_, {"10.0.0.2", "10.0.0.3"}, failure);
+                static_cast<void>(UpdateResolvConf(path_, copy_, {"10.0.0.1"}));
+                static_cast<void>(UpdateResolvConf(path_, copy_, {"10.0.0.2", "10.0.0.3"}));
             }
         }
         // The first round sees an update done; the others strike anywhere.

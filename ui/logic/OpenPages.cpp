@@ -9,11 +9,11 @@ namespace corvane {
 namespace {
 
 void Open(const std::string& target, const std::string& remedy) {
-    std::string failure;
-    if (CurrentPlatform().shell->OpenDocument(target, failure)) return;
+    const Refusal refusal = CurrentPlatform().shell->OpenDocument(target);
+    if (!refusal) return;
     CurrentSeat().ShowBox(kApplicationTitle,
                           "Error! Could not open '" + target + "'." + kCrLf + kCrLf +
-                              "Description: " + failure + kCrLf + kCrLf + remedy,
+                              "Description: " + refusal.Words() + kCrLf + kCrLf + remedy,
                           BoxIcon::kCritical, BoxButtons::kOk);
 }
 

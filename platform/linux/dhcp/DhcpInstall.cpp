@@ -231,8 +231,7 @@ void LeaseInstaller::Write(const std::vector<NamedValue>& values, bool makeKey) 
         if (!Ok(code))
             say_("the lease cannot be recorded in " + RegistryStore::DefaultPath() + ": " + Words(code));
     }
-    std::string failure;
-    if (!ApplyDns(store, netlink_, failure)) say_(failure);
+    if (const Refusal refusal = ApplyDns(store, netlink_)) say_(refusal.Words());
 }
 
 }  // namespace corvane

@@ -42,44 +42,44 @@ class Operation {
         if (const LinkRow* row = machine_.RowOfName(name_)) row_ = *row;
     }
 
-    bool Disable() {
-        if (!Find()) return false;
+    Refusal Disable() {
+        if (!Find()) return Problems();
         if (machine_.Store().ReadOnly()) {
             Problem(kNotKept + Trim(Win32Text(Win32Error::kAccessDenied)));
-            return false;
+            return Problems();
         }
         const bool held = row_.held;
-        if (!SetHeld(true)) return false;
+        if (!SetHeld(true)) return Problems();
         if (const DhcpAnswer stopped = StopDhcp(link_.index); !Ok(stopped.code)) {
             Problem(stopped.words);
             if (!held) SetHeld(false);
-            return false;
+            return Problems();
         }
         const KernelAnswer down = machine_.Kernel().SetLinkUp(link_.index, false);
         if (!down.Ok()) {
             Problem("the link could not be taken down: " + down.Words());
             if (!held) SetHeld(false);
-            return false;
+            return Problems();
         }
         // Read back at once: later on somebody else may have taken it up again.
         KernelLink now;
         if (machine_.Kernel().GetLink(link_.index, now).Ok() && now.Up()) Problem("the link is still up");
         RemoveAddressesBut({});
         ApplyResolver();
-        return problems_.empty();
+        return Problems();
     }
 
-    bool Enable() {
-        if (!Find()) return false;
+    Refusal Enable() {
+        if (!Find()) return Problems();
         // What is up by half must not be taken for the link's set-up, also when this program is ended
         // meanwhile.
         const bool held = row_.held;
-        if (!held && !SetHeld(true)) return false;
+        if (!held && !SetHeld(true)) return Problems();
         const bool dhcp = UsesDhcp(machine_.Store(), row_.id);
         const StaticSetup setup = ReadStaticSetup(machine_.Store(), row_.id, link_.index);
         if (!SetAddress() || !BringUp()) {
             if (!held) SetHeld(false);
-            return false;
+            return Problems();
         }
         if (dhcp) {
             RemoveAddressesBut({});
@@ -92,12 +92,12 @@ class Operation {
         ReleaseHold();
         ApplyResolver();
         ReadBack();
-        return problems_.empty();
+        return Problems();
     }
 
-    [[nodiscard]] std::string Problems() const { return Join(problems_, "; "); }
-
  private:
+    /// All that did not come out as asked for.
+    [[nodiscard]] Refusal Problems() const { return Refusal(Join(problems_, "; ")); }
     void Problem(const std::string& sentence) { problems_.push_back("'" + name_ + "': " + sentence); }
 
     bool Find() {
@@ -269,8 +269,9 @@ class Operation {
     }
 
     void ApplyResolver() {
-        std::string failure;
-        if (!ApplyDns(machine_.Store(), machine_.Kernel(), failure)) problems_.push_back(failure);
+        if (const Refusal refusal = ApplyDns(machine_.Store(), machine_.Kernel())) {
+            problems_.push_back(refusal.Words());
+        }
     }
 
     /// The kernel is the witness of what it said that it took.
@@ -344,18 +345,8 @@ class Operation {
 
 }  // namespace
 
-bool LinkControl::Disable(const std::string& linkName, std::string& failure) {
-    Operation operation(*machine_, linkName);
-    const bool done = operation.Disable();
-    failure = operation.Problems();
-    return done;
-}
+Refusal LinkControl::Disable(const std::string& linkName) { return Operation(*machine_, linkName).Disable(); }
 
-bool LinkControl::Enable(const std::string& linkName, std::string& failure) {
-    Operation operation(*machine_, linkName);
-    const bool done = operation.Enable();
-    failure = operation.Problems();
-    return done;
-}
+Refusal LinkControl::Enable(const std::string& linkName) { return Operation(*machine_, linkName).Enable(); }
 
 }  // namespace corvane

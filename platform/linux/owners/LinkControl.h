@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Refusal.h"
 #include "platform/linux/links/Machine.h"
 
 namespace corvane {
@@ -17,15 +18,15 @@ class LinkControl {
 
     /// Stops the link's DHCP client, takes the link down and its IPv4 addresses away. What the kernel forgets
     /// of a link that is down is kept for Enable first; a link of which it cannot be kept stays as it is.
-    /// False with the reason in `failure` when the link is still up.
-    bool Disable(const std::string& linkName, std::string& failure);
+    /// Refused with all that did not come out as asked for; the link may then still be up.
+    Refusal Disable(const std::string& linkName);
 
     /// Sets the stored override, or else the original address; takes the link up; gives it what its TCP/IP
     /// key says (DHCP, or the static addresses and default routes), what Disable kept, and its DNS servers;
     /// reads everything back and announces the addresses to the neighbours. An override that cannot be had is
-    /// replaced by the original. False with all that did not come out as asked for in `failure`; the link is
-    /// then up as far as the kernel let it.
-    bool Enable(const std::string& linkName, std::string& failure);
+    /// replaced by the original. Refused with all that did not come out as asked for; the link is then up as
+    /// far as the kernel let it.
+    Refusal Enable(const std::string& linkName);
 
  private:
     std::shared_ptr<Machine> machine_;

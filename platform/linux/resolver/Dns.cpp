@@ -8,11 +8,9 @@
 #include <map>
 #include <string_view>
 #include <system_error>
-#include <thread>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,6 +19,7 @@
 #include "platform/RegistryKeys.h"
 #include "platform/RegistryValues.h"
 #include "platform/linux/system/Descriptor.h"
+#include "platform/linux/system/FileLock.h"
 
 namespace corvane {
 
@@ -31,30 +30,16 @@ constexpr std::string_view kEnd = "# Orvella Corvane: end";
 constexpr char kResolvConf[] = "/etc/resolv.conf";
 constexpr std::chrono::seconds kLockPatience{5};
 
-/// Keeps the programs that change one resolv.conf apart. The lock's file stands beside the copy and stays.
-class ResolvLock {
- public:
-    bool Take(const std::string& copyPath, std::string& failure) {
-        const std::filesystem::path path = copyPath + ".lock";
-        std::error_code error;
-        if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), error);
-        file_.Reset(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-        const auto end = std::chrono::steady_clock::now() + kLockPatience;
-        while (!file_.IsOpen() || flock(file_.Get(), LOCK_EX | LOCK_NB) != 0) {
-            const bool busy = file_.IsOpen() && (errno == EWOULDBLOCK || errno == EINTR);
-            if (!busy || std::chrono::steady_clock::now() >= end) {
-                failure =
-                    path.string() + ": " + (busy ? "another program has the lock" : std::strerror(errno));
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-        return true;
-    }
-
- private:
-    Descriptor file_;
-};
+/// Takes the lock that keeps the programs that change one resolv.conf apart. Its file stands beside the copy.
+Refusal Lock(const std::string& copyPath, FileLock& lock) {
+    const std::filesystem::path path = copyPath + ".lock";
+    std::error_code ignored;
+    if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), ignored);
+    const int error = lock.Take(path.string(), kLockPatience);
+    if (error == 0) return {};
+    return Refusal(path.string() + ": " +
+                   (error == EBUSY ? "another program has the lock" : std::strerror(error)));
+}
 
 /// The line that starts at `from`, without its end (LF or CR LF); `next` receives where the line after it
 /// starts.
@@ -132,18 +117,17 @@ std::error_code WriteFile(const std::string& path, const std::string& contents, 
 }
 
 /// UpdateResolvConf under the lock.
-bool Update(const std::string& path, const std::string& copyPath, const std::vector<std::string>& servers,
-            std::string& failure) {
+Refusal Update(const std::string& path, const std::string& copyPath,
+               const std::vector<std::string>& servers) {
     const auto refuse = [&](const std::string& reason) {
-        failure = path + " was left as it is: " + reason;
-        return false;
+        return Refusal(path + " was left as it is: " + reason);
     };
     struct stat status {};
     const bool exists = lstat(path.c_str(), &status) == 0;
     if (!exists && errno != ENOENT) return refuse(std::strerror(errno));
     if (exists && S_ISLNK(status.st_mode)) {
         // Nothing of the program's is in it, as the program never writes through a link.
-        if (servers.empty()) return true;
+        if (servers.empty()) return {};
         std::error_code ignored;
         return refuse(
             "it is a symbolic link to " + std::filesystem::read_symlink(path, ignored).string() +
@@ -157,7 +141,7 @@ bool Update(const std::string& path, const std::string& copyPath, const std::vec
     bool hadBlock = false;
     const std::string foreign = WithoutBlocks(before, hadBlock);
     const std::string after = Block(servers) + foreign;
-    if (after == before) return true;
+    if (after == before) return {};
     if (exists && access(path.c_str(), W_OK) != 0) {
         return refuse(std::string(std::strerror(errno)) +
                       "; make it writable or set the DNS servers in it by hand");
@@ -170,7 +154,7 @@ bool Update(const std::string& path, const std::string& copyPath, const std::vec
     if (const std::error_code error = WriteFile(path, after, exists)) {
         return refuse(error.message() + "; make it writable or set the DNS servers in it by hand");
     }
-    return true;
+    return {};
 }
 
 /// A text value without its terminator, empty when there is none.
@@ -190,18 +174,17 @@ bool IsServer(const std::string& text) {
 }
 
 /// MergedDnsServers, told apart from a store or a kernel that could not be read.
-bool Collect(RegistryStore& store, Netlink& netlink, std::vector<std::string>& servers,
-             std::string& failure) {
+Refusal Collect(RegistryStore& store, Netlink& netlink, std::vector<std::string>& servers) {
+    const auto unreadable = [](Win32Error code) {
+        return Refusal("the DNS servers cannot be read from the registry: error " +
+                       std::to_string(Number(code)));
+    };
     servers.clear();
     std::vector<LinkRow> rows;
     std::vector<KernelLink> links;
-    if (const Win32Error code = store.LoadLinks(rows); !Ok(code)) {
-        failure = "the DNS servers cannot be read from the registry: error " + std::to_string(Number(code));
-        return false;
-    }
+    if (const Win32Error code = store.LoadLinks(rows); !Ok(code)) return unreadable(code);
     if (const KernelAnswer answer = netlink.DumpLinks(links); !answer.Ok()) {
-        failure = "the links cannot be listed: " + answer.Words();
-        return false;
+        return Refusal("the links cannot be listed: " + answer.Words());
     }
     std::map<std::uint32_t, std::string> upIds;
     for (const KernelLink& link : links) {
@@ -219,10 +202,8 @@ bool Collect(RegistryStore& store, Netlink& netlink, std::vector<std::string>& s
             code = ReadText(store, TcpipKey(id), kDhcpNameServerValue, text);
         }
         if (!Ok(code)) {
-            failure =
-                "the DNS servers cannot be read from the registry: error " + std::to_string(Number(code));
             servers.clear();
-            return false;
+            return unreadable(code);
         }
         for (const std::string& piece : Split(text, separator)) {
             const std::string server = Trim(piece);
@@ -230,34 +211,33 @@ bool Collect(RegistryStore& store, Netlink& netlink, std::vector<std::string>& s
             if (!known && IsServer(server)) servers.push_back(server);
         }
     }
-    return true;
+    return {};
 }
 
 }  // namespace
 
 std::vector<std::string> MergedDnsServers(RegistryStore& store, Netlink& netlink) {
     std::vector<std::string> servers;
-    std::string failure;
-    Collect(store, netlink, servers, failure);
+    static_cast<void>(Collect(store, netlink, servers));
     return servers;
 }
 
-bool UpdateResolvConf(const std::string& path, const std::string& copyPath,
-                      const std::vector<std::string>& servers, std::string& failure) {
-    failure.clear();
-    ResolvLock lock;
-    return lock.Take(copyPath, failure) && Update(path, copyPath, servers, failure);
+Refusal UpdateResolvConf(const std::string& path, const std::string& copyPath,
+                         const std::vector<std::string>& servers) {
+    FileLock lock;
+    if (Refusal refusal = Lock(copyPath, lock)) return refusal;
+    return Update(path, copyPath, servers);
 }
 
-bool ApplyDns(RegistryStore& store, Netlink& netlink, std::string& failure) {
-    failure.clear();
+Refusal ApplyDns(RegistryStore& store, Netlink& netlink) {
     const std::filesystem::path folder = std::filesystem::path(RegistryStore::DefaultPath()).parent_path();
     const std::string copyPath = (folder / "resolv.conf.before").string();
     // The lock spans the reading too: a program that read earlier must not write later.
-    ResolvLock lock;
+    FileLock lock;
+    if (Refusal refusal = Lock(copyPath, lock)) return refusal;
     std::vector<std::string> servers;
-    return lock.Take(copyPath, failure) && Collect(store, netlink, servers, failure) &&
-           Update(kResolvConf, copyPath, servers, failure);
+    if (Refusal refusal = Collect(store, netlink, servers)) return refusal;
+    return Update(kResolvConf, copyPath, servers);
 }
 
 }  // namespace corvane

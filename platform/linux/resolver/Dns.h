@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Refusal.h"
 #include "platform/linux/kernel/Netlink.h"
 #include "platform/linux/registry/RegistryStore.h"
 
@@ -19,15 +20,15 @@ std::vector<std::string> MergedDnsServers(RegistryStore& store, Netlink& netlink
 /// else as it was, byte for byte; no servers, no block. A block that is there is replaced. The file as it is
 /// whenever a block comes into it anew is kept at `copyPath`. Written beside and renamed; in place where the
 /// file is a mount point or its folder is read-only, which is not one step for those who read it or for a
-/// crash. A symbolic link and a file that cannot be written are left alone: false with the reason and the
-/// remedy in `failure`, except for a link when there are no servers: nothing of the program's is in it. A
+/// crash. A symbolic link and a file that cannot be written are left alone: refused with the reason and
+/// the remedy, except for a link when there are no servers: nothing of the program's is in it. A
 /// missing file is made when there are servers. Nothing is written when nothing changes. Programs that do
 /// this at once wait for each other (lock file `copyPath` + ".lock", at most five seconds).
-bool UpdateResolvConf(const std::string& path, const std::string& copyPath,
-                      const std::vector<std::string>& servers, std::string& failure);
+Refusal UpdateResolvConf(const std::string& path, const std::string& copyPath,
+                         const std::vector<std::string>& servers);
 
 /// Both steps on /etc/resolv.conf as one; the copy is "resolv.conf.before" beside the store's file. A store
-/// or kernel that cannot be read is a failure, and the file is left alone.
-bool ApplyDns(RegistryStore& store, Netlink& netlink, std::string& failure);
+/// or kernel that cannot be read is refused, and the file is left alone.
+Refusal ApplyDns(RegistryStore& store, Netlink& netlink);
 
 }  // namespace corvane

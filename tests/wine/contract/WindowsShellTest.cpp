@@ -20,32 +20,28 @@ class WindowsShellTest : public testing::Test {
     /// Names in the Control Panel, folders with a separator at the end.
     Texts Panel() {
         std::vector<ShellItem> items;
-        std::string failure;
-        EXPECT_TRUE(shell_.ControlPanelItems(items, failure)) << failure;
+        EXPECT_EQ(shell_.ControlPanelItems(items), Refusal());
         Texts names;
         for (const ShellItem& item : items) names.push_back(item.name + (item.isFolder ? "\\" : ""));
         return names;
     }
     Texts Items(std::size_t panelItem) {
         Texts names;
-        std::string failure;
-        EXPECT_TRUE(shell_.FolderItems(panelItem, names, failure)) << failure;
+        EXPECT_EQ(shell_.FolderItems(panelItem, names), Refusal());
         return names;
     }
     /// What a connection offers to change its state.
     Texts Changes(std::size_t panelItem, std::size_t item) {
         Texts verbs;
-        std::string failure;
-        EXPECT_TRUE(shell_.ItemVerbs(panelItem, item, verbs, failure)) << failure;
+        EXPECT_EQ(shell_.ItemVerbs(panelItem, item, verbs), Refusal());
         std::erase_if(verbs, [](const std::string& verb) { return verb != "Disa&ble" && verb != "En&able"; });
         return verbs;
     }
     /// Has the verb after "&Status" done.
     void Change(std::size_t panelItem, std::size_t item) {
         Texts verbs;
-        std::string failure;
-        EXPECT_TRUE(shell_.ItemVerbs(panelItem, item, verbs, failure)) << failure;
-        EXPECT_TRUE(shell_.DoVerb(panelItem, item, 1, failure)) << failure;
+        EXPECT_EQ(shell_.ItemVerbs(panelItem, item, verbs), Refusal());
+        EXPECT_EQ(shell_.DoVerb(panelItem, item, 1), Refusal());
     }
 
     ShellDescription description_;
@@ -116,9 +112,7 @@ TEST_F(WindowsShellTest, AnItemThatIsNoFolderCannotBeOpened) {
     description_.AddPanelItem(L"Display", Kind::kNoFolder);
     Panel();
     Texts names{"former"};
-    std::string failure;
-    EXPECT_FALSE(shell_.FolderItems(0, names, failure));
-    EXPECT_NE(failure, "");
+    EXPECT_TRUE(shell_.FolderItems(0, names));
 }
 
 TEST_F(WindowsShellTest, EveryCallThatFailsSaysWhatTheSystemSays) {
@@ -141,12 +135,20 @@ TEST_F(WindowsShellTest, EveryCallThatFailsSaysWhatTheSystemSays) {
         WindowsShell shell;
         std::vector<ShellItem> items;
         Texts names;
-        std::string failure;
-        EXPECT_EQ(shell.ControlPanelItems(items, failure), step != kPanel);
-        EXPECT_TRUE(step == kPanel || shell.FolderItems(0, names, failure) == (step != kItems));
-        EXPECT_TRUE(step <= kItems || shell.ItemVerbs(0, 0, names, failure) == (step != kVerbs));
-        EXPECT_TRUE(step != kDo || !shell.DoVerb(0, 0, 1, failure));
-        EXPECT_NE(failure.find("denied"), std::string::npos) << failure;
+        Refusal refusal = shell.ControlPanelItems(items);
+        if (step > kPanel) {
+            EXPECT_EQ(refusal.Words(), "");
+            refusal = shell.FolderItems(0, names);
+        }
+        if (step > kItems) {
+            EXPECT_EQ(refusal.Words(), "");
+            refusal = shell.ItemVerbs(0, 0, names);
+        }
+        if (step > kVerbs) {
+            EXPECT_EQ(refusal.Words(), "");
+            refusal = shell.DoVerb(0, 0, 1);
+        }
+        EXPECT_NE(refusal.Words().find("denied"), std::string::npos) << refusal.Words();
         EXPECT_TRUE(ShellDescription::Diary().empty());
     }
 }
@@ -154,15 +156,12 @@ TEST_F(WindowsShellTest, EveryCallThatFailsSaysWhatTheSystemSays) {
 TEST_F(WindowsShellTest, AFailureWithoutATextIsNamedByItsNumber) {
     description_.Fail(L"Shell.NameSpace", static_cast<HRESULT>(0x8BADF00DU));
     std::vector<ShellItem> items;
-    std::string failure;
-    EXPECT_FALSE(shell_.ControlPanelItems(items, failure));
-    EXPECT_NE(failure.find("8BADF00D"), std::string::npos) << failure;
+    const Refusal refusal = shell_.ControlPanelItems(items);
+    EXPECT_NE(refusal.Words().find("8BADF00D"), std::string::npos) << refusal.Words();
 }
 
 TEST_F(WindowsShellTest, ADocumentThatIsNotThereCannotBeOpened) {
-    std::string failure;
-    EXPECT_FALSE(shell_.OpenDocument("C:\\no such folder\\no such file.txt", failure));
-    EXPECT_NE(failure, "");
+    EXPECT_TRUE(shell_.OpenDocument("C:\\no such folder\\no such file.txt"));
 }
 
 }  // namespace
