@@ -216,6 +216,22 @@ class ShellApi {
     virtual Refusal OpenDocument(const std::string& target) = 0;
 };
 
+// ---- name servers
+// ----------------------------------------------------------------------------------------------
+
+/// Who resolves names on this machine.
+class NameServersApi {
+ public:
+    virtual ~NameServersApi() = default;
+
+    /// To be called by whoever has written or deleted the value "NameServer" of an adapter's TCP/IP key: on
+    /// return the name servers that the registry holds are in force, if the adapter is present and up;
+    /// otherwise nothing is done, they wait for its next start. A refusal names what keeps the resolver from
+    /// following and the remedy, in one sentence; what is stored stays. Nothing to do, and never refused,
+    /// where the system watches its registry (Windows).
+    virtual Refusal PutInForce(const std::string& adapterId) = 0;
+};
+
 // ---- changes from outside
 // -------------------------------------------------------------------------------------
 
@@ -290,6 +306,7 @@ struct Platform {
     std::shared_ptr<ClockApi> clock;
     std::shared_ptr<HostApi> host;
     std::shared_ptr<ChangesApi> changes;
+    std::shared_ptr<NameServersApi> nameServers;
 };
 
 /// The installed platform. Programs install theirs once at start.

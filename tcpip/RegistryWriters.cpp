@@ -35,6 +35,14 @@ void Guarded(std::size_t adapter, const std::function<void(const InterfaceKey&)>
 /// A position as the writers are handed it; a negative one is beyond every list.
 std::size_t Position(std::int16_t adapter) { return static_cast<std::size_t>(adapter); }
 
+/// Writes the name servers and puts them in force. What keeps them from that is told; it stops nothing.
+void WriteServers(const InterfaceKey& key, std::int16_t adapter, const std::string& text) {
+    key.WriteText(kNameServerValue, text, kRegSz);
+    const std::string& id = Nics.at(Position(adapter)).Id;
+    const Refusal refusal = CurrentPlatform().nameServers->PutInForce(id);
+    if (refusal) CurrentSeat().Warn(refusal.Words());
+}
+
 void ReportReadWrite(const InterfaceKey& key, const RegistryFailure& failure) {
     ShowRegistryError("Error! Cannot Read/Write Registry", "Error while reading/writing in windows registry.",
                       key.Path() + "\\" + failure.valueName, failure.code);
@@ -114,9 +122,9 @@ void WriteTcpipSettings(std::int16_t adapter, std::uint8_t flags, const TextList
             }
         }
         if ((flags & kTcpipDns) != 0) {
-            key.WriteText(kNameServerValue, Join(dnsServers, ",") + '\0', kRegSz);
+            WriteServers(key, adapter, Join(dnsServers, ",") + '\0');
         } else if ((flags & kTcpipDhcp) != 0) {
-            key.WriteText(kNameServerValue, std::string(1, '\0'), kRegSz);
+            WriteServers(key, adapter, std::string(1, '\0'));
         }
     };
     Guarded(Position(adapter), write, ReportWrite);
@@ -193,9 +201,7 @@ void RemoveRegistryGateway(std::int16_t adapter, const std::string& gateway) {
 }
 
 int WriteDNSServers(std::int16_t adapter, const TextList& servers) {
-    const auto write = [&](const InterfaceKey& key) {
-        key.WriteText(kNameServerValue, Join(servers, ","), kRegSz);
-    };
+    const auto write = [&](const InterfaceKey& key) { WriteServers(key, adapter, Join(servers, ",")); };
     Guarded(Position(adapter), write, [](const InterfaceKey& key, const RegistryFailure& failure) {
         CurrentSeat().ShowBox("Error! Cannot Write Into Registry",
                               std::string("Error while writing into windows registry.") + kCrLf + kCrLf +

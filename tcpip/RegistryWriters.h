@@ -41,7 +41,8 @@ void AddRegistryGateway(std::int16_t adapter, const std::string& gateway, const 
 /// Removes a gateway; an emptied list is an empty multi-string.
 void RemoveRegistryGateway(std::int16_t adapter, const std::string& gateway);
 
-/// Writes the DNS list, in order. Always 0.
+/// Writes the DNS list, in order, and puts it in force; a resolver that cannot follow is told of as a
+/// warning. WriteTcpipSettings does the same when it writes the list. Always 0.
 int WriteDNSServers(std::int16_t adapter, const std::vector<std::string>& servers);
 
 }  // namespace corvane

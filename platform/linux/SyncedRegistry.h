@@ -8,9 +8,7 @@
 
 namespace corvane {
 
-/// The registry role: the store, brought in step with the kernel before each operation. The name servers of a
-/// link that is up are in force as soon as they are written: the resolver's configuration follows, and what
-/// keeps it from following is told through the seat, while the result is the registry's.
+/// The registry role: the store, brought in step with the kernel before each operation.
 class SyncedRegistry : public RegistryApi {
  public:
     explicit SyncedRegistry(std::shared_ptr<Machine> machine) : machine_(std::move(machine)) {}
@@ -27,11 +25,6 @@ class SyncedRegistry : public RegistryApi {
 
  private:
     RegistryStore& Current();
-
-    /// True for the value "NameServer" of the TCP/IP key of a link that is present and up.
-    bool NamesServersInForce(const std::string& subkey, const std::string& name);
-    /// The result of a write, after the resolver's configuration followed it.
-    Win32Error Followed(Win32Error written, const std::string& subkey, const std::string& name);
 
     std::shared_ptr<Machine> machine_;
 };

@@ -5,6 +5,7 @@
 #include "platform/linux/ConnectionsFolder.h"
 #include "platform/linux/Host.h"
 #include "platform/linux/IpHelper.h"
+#include "platform/linux/NameServers.h"
 #include "platform/linux/SyncedRegistry.h"
 #include "platform/linux/kernel/LinkMonitor.h"
 #include "platform/linux/links/Machine.h"
@@ -37,7 +38,8 @@ Platform MakeSystemPlatform() {
             std::make_shared<ConnectionsFolder>(machine),
             std::make_shared<SystemClock>(),
             std::make_shared<SystemHost>(),
-            std::make_shared<KernelChanges>()};
+            std::make_shared<KernelChanges>(),
+            std::make_shared<NameServers>(machine)};
 }
 
 }  // namespace corvane

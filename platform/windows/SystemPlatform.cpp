@@ -11,7 +11,8 @@ namespace corvane {
 Platform MakeSystemPlatform() {
     return {std::make_shared<WindowsRegistry>(), std::make_shared<WindowsIpHelper>(),
             std::make_shared<WindowsShell>(),    std::make_shared<WindowsClock>(),
-            std::make_shared<WindowsHost>(),     std::make_shared<WindowsChanges>()};
+            std::make_shared<WindowsHost>(),     std::make_shared<WindowsChanges>(),
+            std::make_shared<WindowsNameServers>()};
 }
 
 }  // namespace corvane

@@ -21,6 +21,12 @@ class WindowsHost : public HostApi {
     std::string GeneralDate(const DateTime& date) override;
 };
 
+/// The system watches its registry.
+class WindowsNameServers : public NameServersApi {
+ public:
+    Refusal PutInForce(const std::string&) override { return {}; }
+};
+
 /// Tells changes by comparing the live interfaces, addresses and routes with those of the call before, which
 /// works on every version and costs three table reads.
 class WindowsChanges : public ChangesApi {

@@ -180,6 +180,12 @@ Refusal FakeShell::OpenDocument(const std::string& target) {
     return Failing("OpenDocument");
 }
 
+Refusal FakeNameServers::PutInForce(const std::string& adapterId) {
+    diary.push_back(adapterId);
+    if (onCall) onCall();
+    return answer;
+}
+
 void FakeClock::Sleep(std::uint32_t milliseconds) {
     sleeps.push_back(milliseconds);
     if (onSleep) onSleep(milliseconds);
@@ -245,7 +251,8 @@ void FakeSeat::Refresh() {
     if (onRefresh) onRefresh();
 }
 
-FakeMachine::FakeMachine() : platform_({registry, ipHelper, shell, clock, host, changes}), scopedSeat_(seat) {
+FakeMachine::FakeMachine()
+    : platform_({registry, ipHelper, shell, clock, host, changes, nameServers}), scopedSeat_(seat) {
     ResetProcessState();
     registry->MakeKey(kAdaptersKey);
     registry->MakeKey(kClassKey);

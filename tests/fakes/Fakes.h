@@ -128,6 +128,16 @@ class FakeChanges : public ChangesApi {
     int Descriptor() override { return -1; }
 };
 
+/// A resolver that follows, or not.
+class FakeNameServers : public NameServersApi {
+ public:
+    std::vector<std::string> diary;  ///< Ids of the adapters whose name servers were put in force.
+    Refusal answer;
+    std::function<void()> onCall;  ///< Run at each call.
+
+    Refusal PutInForce(const std::string& adapterId) override;
+};
+
 /// The user: answers questions from a list, remembers what was shown.
 class FakeSeat : public Seat {
  public:
@@ -192,6 +202,7 @@ class FakeMachine {
     std::shared_ptr<FakeClock> clock = std::make_shared<FakeClock>();
     std::shared_ptr<FakeHost> host = std::make_shared<FakeHost>();
     std::shared_ptr<FakeChanges> changes = std::make_shared<FakeChanges>();
+    std::shared_ptr<FakeNameServers> nameServers = std::make_shared<FakeNameServers>();
     FakeSeat seat;
 
  private:

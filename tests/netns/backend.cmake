@@ -3,8 +3,8 @@ corvane_test(NAME backend_test NETNS
         netns/IpHelperTest.cpp
         netns/LinkControlTest.cpp
         netns/LinkSyncTest.cpp
+        netns/NameServersTest.cpp
         netns/NetnsSupport.cpp
         netns/RunTimeAddressTest.cpp
-        netns/SyncedRegistryTest.cpp
         unit/NetlinkMessages.cpp
     LIBS corvane_backend corvane_fakes)

@@ -29,6 +29,22 @@ TEST_F(DnsServersTest, ServersAreJoinedByCommasWithoutATerminator) {
     EXPECT_THAT(machine.seat.diary, IsEmpty());
 }
 
+TEST_F(DnsServersTest, WhatWasWrittenIsPutInForceOnceItStands) {
+    std::string stored;
+    machine.nameServers->onCall = [&] { stored = machine.registry->Text(key, "NameServer"); };
+    EXPECT_EQ(WriteDNSServers(0, {"8.8.8.8"}), 0);
+    EXPECT_THAT(machine.nameServers->diary, ElementsAre(kFirstId));
+    EXPECT_EQ(stored, "8.8.8.8");
+    EXPECT_THAT(machine.seat.diary, IsEmpty());
+}
+
+TEST_F(DnsServersTest, AResolverThatCannotFollowIsAWarningAndTheValueStands) {
+    machine.nameServers->answer = Refusal("/etc/resolv.conf was left as it is.");
+    EXPECT_EQ(WriteDNSServers(0, {"8.8.8.8"}), 0);
+    EXPECT_THAT(machine.seat.diary, ElementsAre("warn /etc/resolv.conf was left as it is."));
+    EXPECT_EQ(machine.registry->Text(key, "NameServer"), "8.8.8.8");
+}
+
 TEST_F(DnsServersTest, OneServerHasNoComma) {
     EXPECT_EQ(WriteDNSServers(0, {"9.9.9.9"}), 0);
     EXPECT_THAT(WritesTo(*machine.registry, key), ElementsAre(NamedValue("NameServer", Sz("9.9.9.9"))));
@@ -54,6 +70,7 @@ TEST_F(DnsServersTest, NothingElseIsReadOrWritten) {
 TEST_F(DnsServersTest, FailureIsShownInItsOwnLayoutAndTheResultIsStillZero) {
     machine.registry->readOnly = true;
     EXPECT_EQ(WriteDNSServers(0, {"8.8.8.8"}), 0);
+    EXPECT_THAT(machine.nameServers->diary, IsEmpty());
     EXPECT_THAT(machine.seat.boxes,
                 ElementsAre(Critical("Error! Cannot Write Into Registry",
                                      "Error while writing into windows registry.\r\n\r\nKey: "
