@@ -11,8 +11,15 @@
 #include "base/Win32Error.h"
 
 /// The seam to the machine. Each role is implemented once per operating system (platform/linux,
-/// platform/windows) and once as a fake for tests. No call throws; no call keeps a handle open for the
-/// caller. All text is UTF-8.
+/// platform/windows) and once as a fake for tests. No call of an installed system platform throws: what flies
+/// inside a back-end ends as an error number or a refusal (platform/GuardedPlatform.h). No call keeps a
+/// handle open for the caller. All text is UTF-8.
+///
+/// Two headers beside this one declare free functions that each back-end defines: Files.h (file operations
+/// that the standard library does not offer safely) and CodePage.h (the single-byte code page). They are no
+/// roles, because nobody ever needs another body of them: they hold no state, show and ask nothing, work the
+/// same before a platform is installed (the back-ends themselves use them), and tests give them real files
+/// and real text. Whatever a test would want to fake is a role.
 namespace corvane {
 
 // ---- registry
@@ -299,7 +306,15 @@ class HostApi {
 // ---- the whole
 // ----------------------------------------------------------------------------------------------
 
+/// The roles. Each is there from the beginning: until another is put in its place, one that answers without
+/// a system (platform/NoPlatform.cpp). Error numbers are kCantRead and kCantWrite for the registry and
+/// kNotSupported elsewhere, refusals say that no platform is installed, nothing sleeps, it is 1970-01-01.
 struct Platform {
+    Platform();
+    Platform(std::shared_ptr<RegistryApi> registry, std::shared_ptr<IpHelperApi> ipHelper,
+             std::shared_ptr<ShellApi> shell, std::shared_ptr<ClockApi> clock, std::shared_ptr<HostApi> host,
+             std::shared_ptr<ChangesApi> changes, std::shared_ptr<NameServersApi> nameServers);
+
     std::shared_ptr<RegistryApi> registry;
     std::shared_ptr<IpHelperApi> ipHelper;
     std::shared_ptr<ShellApi> shell;
@@ -309,14 +324,15 @@ struct Platform {
     std::shared_ptr<NameServersApi> nameServers;
 };
 
-/// The installed platform. Programs install theirs once at start.
+/// The installed platform; a plain Platform() until a program installs its own, once at start.
 Platform& CurrentPlatform();
+/// A platform that lacks a role ends the program at once, with the role's name on standard error.
 void InstallPlatform(Platform platform);
 
 /// Makes this system's platform; defined by the back-end that the build picked.
 Platform MakeSystemPlatform();
 
-/// Installs a platform for a scope and puts the former one back; for tests.
+/// Installs a platform for a scope, as InstallPlatform does, and puts the former one back; for tests.
 class ScopedPlatform {
  public:
     explicit ScopedPlatform(Platform platform);

@@ -1,6 +1,8 @@
 #include <memory>
 #include <optional>
 
+#include "platform/Guarded.h"
+#include "platform/GuardedPlatform.h"
 #include "platform/Platform.h"
 #include "platform/linux/ConnectionsFolder.h"
 #include "platform/linux/Host.h"
@@ -33,13 +35,10 @@ class KernelChanges : public ChangesApi {
 
 Platform MakeSystemPlatform() {
     const auto machine = std::make_shared<Machine>();
-    return {std::make_shared<SyncedRegistry>(machine),
-            std::make_shared<IpHelper>(machine),
-            std::make_shared<ConnectionsFolder>(machine),
-            std::make_shared<SystemClock>(),
-            std::make_shared<SystemHost>(),
-            std::make_shared<KernelChanges>(),
-            std::make_shared<NameServers>(machine)};
+    return GuardedPlatform({std::make_shared<SyncedRegistry>(machine), std::make_shared<IpHelper>(machine),
+                            std::make_shared<ConnectionsFolder>(machine), std::make_shared<SystemClock>(),
+                            std::make_shared<SystemHost>(), std::make_shared<KernelChanges>(),
+                            std::make_shared<NameServers>(machine)});
 }
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "platform/GuardedPlatform.h"
 #include "platform/Platform.h"
 #include "platform/windows/WindowsHost.h"
 #include "platform/windows/WindowsIpHelper.h"
@@ -9,10 +10,10 @@
 namespace corvane {
 
 Platform MakeSystemPlatform() {
-    return {std::make_shared<WindowsRegistry>(), std::make_shared<WindowsIpHelper>(),
-            std::make_shared<WindowsShell>(),    std::make_shared<WindowsClock>(),
-            std::make_shared<WindowsHost>(),     std::make_shared<WindowsChanges>(),
-            std::make_shared<WindowsNameServers>()};
+    return GuardedPlatform({std::make_shared<WindowsRegistry>(), std::make_shared<WindowsIpHelper>(),
+                            std::make_shared<WindowsShell>(), std::make_shared<WindowsClock>(),
+                            std::make_shared<WindowsHost>(), std::make_shared<WindowsChanges>(),
+                            std::make_shared<WindowsNameServers>()});
 }
 
 }  // namespace corvane
