@@ -242,18 +242,20 @@ class NameServersApi {
 // ---- changes from outside
 // -------------------------------------------------------------------------------------
 
-/// Tells when links, addresses or routes change, whoever changes them.
+/// Tells when something changes that a refresh would show, whoever changes it: links that come, go, go up or
+/// down or get another MAC address, state or (where the system tells of it) speed; addresses; routes.
+///
+/// On Linux the kernel tells of all these as they happen; the speed of a link that stays as it is otherwise
+/// is not told. On Windows two pictures are compared: the live interfaces with MAC address, administrative
+/// and operational state and speed, the addresses and the routes; what came and went between two calls is not
+/// noticed. On neither system do counters of bytes count, nor what is only in the registry.
 class ChangesApi {
  public:
     virtual ~ChangesApi() = default;
 
     /// Takes all changes up to now, without waiting. True when there were any since the last call, or when it
-    /// cannot be known.
+    /// cannot be known. The first call begins the watch.
     virtual bool TakeChanges() = 0;
-
-    /// A file descriptor that becomes readable when there are changes to take; -1 when there is none to wait
-    /// on.
-    virtual int Descriptor() = 0;
 };
 
 // ---- clock and host
@@ -270,7 +272,10 @@ struct DateTime {
     int second = 0;
 };
 
-/// Nothing else in the program sleeps or reads the time.
+/// The time that the user sees and waits for: every pause that a command makes and every date that is shown
+/// goes through here. A back-end waits on its own only for the kernel, a lock or another process, never
+/// longer than the deadline that its contract names; the window measures on its own how long to let its
+/// pictures be painted. The files that may do so are listed in the test of the tree's shape.
 class ClockApi {
  public:
     virtual ~ClockApi() = default;

@@ -4,6 +4,7 @@
 #include "platform/Guarded.h"
 #include "platform/GuardedPlatform.h"
 #include "platform/Platform.h"
+#include "platform/linux/ChangesDescriptor.h"
 #include "platform/linux/ConnectionsFolder.h"
 #include "platform/linux/Host.h"
 #include "platform/linux/IpHelper.h"
@@ -17,10 +18,15 @@ namespace corvane {
 namespace {
 
 /// The kernel's events. Watches from the first call on, so that a program that never asks opens no socket.
-class KernelChanges : public ChangesApi {
+class KernelChanges : public DescribedChanges {
  public:
-    bool TakeChanges() override { return Monitor().TakeChanges(); }
-    int Descriptor() override { return Monitor().Descriptor(); }
+    bool TakeChanges() override {
+        return Guarded([this] { return Monitor().TakeChanges(); },
+                       [](Win32Error, const char*) { return true; });
+    }
+    int Descriptor() override {
+        return Guarded([this] { return Monitor().Descriptor(); }, [](Win32Error, const char*) { return -1; });
+    }
 
  private:
     LinkMonitor& Monitor() {

@@ -1,5 +1,6 @@
 #include "platform/windows/SystemTables.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -70,6 +71,21 @@ TableRead<InterfaceEntry> InterfaceTable() {
                 rows.push_back({entry.Index, Without(Narrow(name), '\0')});
             }
         });
+}
+
+Win32Error InterfaceRow(std::uint32_t index, IfRow& row) {
+    MIB_IFROW system{};
+    system.dwIndex = index;
+    const DWORD code = ::GetIfEntry(&system);
+    if (code != NO_ERROR) return FromSystem(code);
+    row.index = system.dwIndex;
+    std::copy_n(system.bPhysAddr, row.physAddr.size(), row.physAddr.begin());
+    row.speed = system.dwSpeed;
+    row.adminStatus = system.dwAdminStatus;
+    row.operStatus = static_cast<std::uint32_t>(system.dwOperStatus);
+    row.inOctets = system.dwInOctets;
+    row.outOctets = system.dwOutOctets;
+    return Win32Error::kSuccess;
 }
 
 TableRead<IpAddrRow> AddressTable() {

@@ -11,6 +11,9 @@ namespace corvane {
 
 TableRead<InterfaceEntry> InterfaceTable();
 
+/// The row of one interface; `row` is as it was when there is none.
+Win32Error InterfaceRow(std::uint32_t index, IfRow& row);
+
 /// `nteContext` is the row's own 16-bit word.
 TableRead<IpAddrRow> AddressTable();
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "platform/Guarded.h"
 #include "platform/windows/SystemTables.h"
 #include "platform/windows/WideText.h"
 #include "platform/windows/Windows.h"
@@ -30,10 +31,22 @@ std::string Formatted(const Format& format) {
 
 std::string Quad(const Ipv4Bytes& address) { return DottedQuad(address.data()); }
 
+/// What a refresh would show of an interface's row, or the number that says why there is none.
+std::string PictureOf(std::uint32_t index) {
+    IfRow row;
+    const Win32Error code = InterfaceRow(index, row);
+    std::ostringstream picture;
+    picture << Number(code) << ' ' << row.adminStatus << ' ' << row.operStatus << ' ' << row.speed;
+    for (const std::uint8_t byte : row.physAddr) picture << ' ' << static_cast<unsigned>(byte);
+    return picture.str();
+}
+
 /// Live interfaces, addresses and routes in a text that differs when any of them does.
 std::string Picture() {
     std::ostringstream picture;
-    for (const InterfaceEntry& entry : InterfaceTable().rows) picture << entry.index << entry.name << '\n';
+    for (const InterfaceEntry& entry : InterfaceTable().rows) {
+        picture << entry.index << ' ' << entry.name << ' ' << PictureOf(entry.index) << '\n';
+    }
     for (const IpAddrRow& row : AddressTable().rows) {
         picture << row.index << ' ' << Quad(row.address) << '/' << Quad(row.mask) << '\n';
     }
@@ -99,11 +112,15 @@ std::string WindowsHost::GeneralDate(const DateTime& date) {
 }
 
 bool WindowsChanges::TakeChanges() {
-    std::string picture = Picture();
-    const bool changed = asked_ && picture != picture_;
-    picture_ = std::move(picture);
-    asked_ = true;
-    return changed;
+    return Guarded(
+        [this] {
+            std::string picture = Picture();
+            const bool changed = asked_ && picture != picture_;
+            picture_ = std::move(picture);
+            asked_ = true;
+            return changed;
+        },
+        [](Win32Error, const char*) { return true; });
 }
 
 }  // namespace corvane

@@ -27,12 +27,12 @@ class WindowsNameServers : public NameServersApi {
     Refusal PutInForce(const std::string&) override { return {}; }
 };
 
-/// Tells changes by comparing the live interfaces, addresses and routes with those of the call before, which
-/// works on every version and costs three table reads.
+/// Tells changes by comparing the live interfaces with their rows (but for the counters), the addresses and
+/// the routes with those of the call before, which works on every version and costs three table reads and a
+/// row for each live interface.
 class WindowsChanges : public ChangesApi {
  public:
     bool TakeChanges() override;
-    int Descriptor() override { return -1; }
 
  private:
     std::string picture_;

@@ -56,20 +56,7 @@ IP_ADAPTER_INDEX_MAP SystemEntry(const InterfaceEntry& entry) {
 
 TableRead<InterfaceEntry> WindowsIpHelper::GetInterfaceInfo() { return InterfaceTable(); }
 
-Win32Error WindowsIpHelper::GetIfEntry(std::uint32_t index, IfRow& row) {
-    MIB_IFROW system{};
-    system.dwIndex = index;
-    const DWORD code = ::GetIfEntry(&system);
-    if (code != NO_ERROR) return FromSystem(code);
-    row.index = system.dwIndex;
-    std::copy_n(system.bPhysAddr, row.physAddr.size(), row.physAddr.begin());
-    row.speed = system.dwSpeed;
-    row.adminStatus = system.dwAdminStatus;
-    row.operStatus = static_cast<std::uint32_t>(system.dwOperStatus);
-    row.inOctets = system.dwInOctets;
-    row.outOctets = system.dwOutOctets;
-    return Win32Error::kSuccess;
-}
+Win32Error WindowsIpHelper::GetIfEntry(std::uint32_t index, IfRow& row) { return InterfaceRow(index, row); }
 
 TableRead<IpAddrRow> WindowsIpHelper::GetIpAddrTable() {
     TableRead<IpAddrRow> read = AddressTable();

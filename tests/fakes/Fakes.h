@@ -125,7 +125,6 @@ class FakeChanges : public ChangesApi {
     bool pending = false;
 
     bool TakeChanges() override { return std::exchange(pending, false); }
-    int Descriptor() override { return -1; }
 };
 
 /// A resolver that follows, or not.

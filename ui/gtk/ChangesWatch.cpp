@@ -6,6 +6,7 @@
 #include <wx/evtloopsrc.h>
 
 #include "platform/Platform.h"
+#include "platform/linux/ChangesDescriptor.h"
 #include "ui/gtk/Callback.h"
 
 namespace corvane {
@@ -14,7 +15,8 @@ namespace corvane {
 class ChangesWatch::Source : public wxEventLoopSourceHandler {
  public:
     explicit Source(std::function<void()> onChange) : onChange_(std::move(onChange)) {
-        const int descriptor = CurrentPlatform().changes->Descriptor();
+        auto* const changes = dynamic_cast<DescribedChanges*>(CurrentPlatform().changes.get());
+        const int descriptor = changes == nullptr ? -1 : changes->Descriptor();
         if (descriptor < 0) return;
         source_.reset(wxEventLoopBase::AddSourceForFD(descriptor, this, wxEVENT_SOURCE_INPUT));
     }
