@@ -159,6 +159,8 @@ class IpHelperApi {
     /// what the system says; `row` is then as it was.
     virtual Win32Error GetIfEntry(std::uint32_t index, IfRow& row) = 0;
 
+    // A system that cannot be asked is kFailed with the system's number, never an empty table.
+
     /// IPv4 addresses of every interface, in ascending order of address.
     virtual TableRead<IpAddrRow> GetIpAddrTable() = 0;
 

@@ -15,7 +15,8 @@ Refusal ConnectionsFolder::ControlPanelItems(std::vector<ShellItem>& items) {
 
 Refusal ConnectionsFolder::FolderItems(std::size_t panelItem, std::vector<std::string>& names) {
     if (panelItem != 0) return NoSuchFolder();
-    machine_->Update();
+    const KernelAnswer answer = machine_->Update();
+    if (!answer.Ok()) return Refusal("The links cannot be listed: " + answer.Words());
     links_.clear();
     for (const KernelLink& link : machine_->Picture().links) links_.push_back(link.name);
     names = links_;

@@ -67,6 +67,12 @@ bool SameWay(const KernelRoute& a, const KernelRoute& b) {
            a.index == b.index;
 }
 
+/// A table of which the kernel could not be asked.
+template <class Row>
+TableRead<Row> FailedTable(const KernelAnswer& answer) {
+    return {TableRead<Row>::Outcome::kFailed, FromErrno(answer.errnoValue), {}};
+}
+
 /// A link's addresses and routes before one of its addresses is deleted. With a primary address the kernel
 /// takes its secondary ones away, and with the last address, be it for a moment, every route of the link.
 class BeforeDeletion {
@@ -123,16 +129,12 @@ class BeforeDeletion {
 }  // namespace
 
 TableRead<InterfaceEntry> IpHelper::GetInterfaceInfo() {
-    machine_->Update();
     std::vector<KernelLink> links;
-    TableRead<InterfaceEntry> table;
     fresh_.clear();
-    const KernelAnswer answer = machine_->Kernel().DumpLinks(links);
-    if (!answer.Ok()) {
-        table.outcome = TableRead<InterfaceEntry>::Outcome::kFailed;
-        table.code = FromErrno(answer.errnoValue);
-        return table;
-    }
+    KernelAnswer answer = machine_->Update();
+    if (answer.Ok()) answer = machine_->Kernel().DumpLinks(links);
+    if (!answer.Ok()) return FailedTable<InterfaceEntry>(answer);
+    TableRead<InterfaceEntry> table;
     std::unordered_map<std::uint32_t, const LinkRow*> rows;
     for (const LinkRow& row : machine_->Rows()) {
         if (row.present) rows.emplace(row.index, &row);
@@ -180,7 +182,8 @@ std::uint16_t IpHelper::ContextOf(const KernelAddress& address) {
 }
 
 TableRead<IpAddrRow> IpHelper::GetIpAddrTable() {
-    machine_->Update();
+    const KernelAnswer answer = machine_->Update();
+    if (!answer.Ok()) return FailedTable<IpAddrRow>(answer);
     TableRead<IpAddrRow> table;
     table.outcome = TableRead<IpAddrRow>::Outcome::kRows;
     for (const KernelAddress& address : machine_->Picture().addresses) {
@@ -193,7 +196,8 @@ TableRead<IpAddrRow> IpHelper::GetIpAddrTable() {
 }
 
 TableRead<IpForwardRow> IpHelper::GetIpForwardTable() {
-    machine_->Update();
+    const KernelAnswer answer = machine_->Update();
+    if (!answer.Ok()) return FailedTable<IpForwardRow>(answer);
     TableRead<IpForwardRow> table;
     table.outcome = TableRead<IpForwardRow>::Outcome::kRows;
     for (const KernelRoute& route : machine_->Picture().routes) {
@@ -224,7 +228,8 @@ Win32Error IpHelper::AddIPAddress(const Ipv4Bytes& address, const Ipv4Bytes& mas
 
 Win32Error IpHelper::AddForRunTime(const KernelAddress& address) {
     Netlink& kernel = machine_->Kernel();
-    machine_->Update();
+    // An address that comes unseen could be taken for the link's own.
+    if (const KernelAnswer answer = machine_->Update(); !answer.Ok()) return FromErrno(answer.errnoValue);
     const LinkRow* const row = machine_->RowOfIndex(address.index);
     if (row == nullptr) return FromErrno(kernel.AddAddress(address, false).errnoValue);
     const std::string id = row->id;
@@ -264,7 +269,7 @@ Win32Error IpHelper::DeleteIPAddress(std::uint32_t nteContext) {
 }
 
 void IpHelper::ForgetRunTime(const KernelAddress& address) {
-    machine_->Update();
+    static_cast<void>(machine_->Update());
     const LinkRow* const row = machine_->RowOfIndex(address.index);
     if (row == nullptr || !IsRunTimeAddress(ReadRunTimeAddresses(machine_->Store(), row->id), address))
         return;
@@ -285,7 +290,7 @@ Win32Error IpHelper::DeleteIpForwardEntry(const IpForwardRow& row) {
     const std::optional<KernelRoute> wanted = RouteOf(row);
     if (!wanted) return Win32Error::kInvalidParameter;
     // Whoever made the route: the caller names it by where it leads.
-    machine_->Update();
+    if (const KernelAnswer answer = machine_->Update(); !answer.Ok()) return FromErrno(answer.errnoValue);
     const KernelRoute* found = nullptr;
     for (const KernelRoute& present : machine_->Picture().routes) {
         const bool named = SameWay(present, *wanted) && (row.metric1 == 0 || present.metric == row.metric1);
@@ -298,7 +303,7 @@ Win32Error IpHelper::DeleteIpForwardEntry(const IpForwardRow& row) {
 Win32Error IpHelper::IpReleaseAddress(const InterfaceEntry& entry) { return ReleaseDhcp(entry.index); }
 
 Win32Error IpHelper::IpRenewAddress(const InterfaceEntry& entry) {
-    machine_->Update();
+    if (const KernelAnswer answer = machine_->Update(); !answer.Ok()) return FromErrno(answer.errnoValue);
     const LinkRow* const row = machine_->RowOfIndex(entry.index);
     if (row != nullptr && !DhcpRunning(entry.index) && UsesDhcp(machine_->Store(), row->id)) {
         const DhcpAnswer started = StartDhcp(entry.index, row->name, row->id);

@@ -8,7 +8,8 @@
 namespace corvane {
 
 Refusal NameServers::PutInForce(const std::string& adapterId) {
-    machine_->Update();
+    const KernelAnswer answer = machine_->Update();
+    if (!answer.Ok()) return Refusal("the links cannot be listed: " + answer.Words());
     const auto& rows = machine_->Rows();
     const auto row = std::find_if(rows.begin(), rows.end(), [&](const LinkRow& candidate) {
         return candidate.present && candidate.id == adapterId;

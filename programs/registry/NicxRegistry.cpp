@@ -15,8 +15,8 @@ int main(int count, char** arguments) {
         std::unique_ptr<Machine> machine;
         const auto store = [&]() -> RegistryStore& {
             machine = std::make_unique<Machine>();
-            // The registry shows the links as they are now.
-            machine->Update();
+            // The registry shows the links as they are now, or as they were when they could be read last.
+            static_cast<void>(machine->Update());
             return machine->Store();
         };
         RegistryConsole console{std::cin, std::cout, std::cerr, isatty(STDIN_FILENO) == 1};

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -6,12 +7,101 @@
 #include <gtest/gtest.h>
 
 #include "netns/NetnsSupport.h"
+#include "platform/linux/ConnectionsFolder.h"
 #include "platform/linux/IpHelper.h"
+#include "platform/linux/NameServers.h"
 
 namespace corvane {
 namespace {
 
 using netns::Ip;
+
+/// The kernel, but for dumps that it refuses.
+class UnreadableKernel : public Netlink {
+ public:
+    int links = 0;  ///< The error numbers of the dumps; 0 lets them through.
+    int addresses = 0;
+    int routes = 0;
+
+    KernelAnswer DumpLinks(std::vector<KernelLink>& rows) override {
+        return links != 0 ? KernelAnswer{links, ""} : Netlink::DumpLinks(rows);
+    }
+    KernelAnswer DumpAddresses(std::vector<KernelAddress>& rows) override {
+        return addresses != 0 ? KernelAnswer{addresses, ""} : Netlink::DumpAddresses(rows);
+    }
+    KernelAnswer DumpRoutes(std::vector<KernelRoute>& rows) override {
+        return routes != 0 ? KernelAnswer{routes, ""} : Netlink::DumpRoutes(rows);
+    }
+};
+
+class UnreadableKernelTest : public testing::Test {
+ protected:
+    UnreadableKernelTest() {
+        link_.BringUp();
+        Ip("address add 10.91.0.5/24 dev " + link_.Name());
+    }
+    ~UnreadableKernelTest() override { std::filesystem::remove_all(folder_); }
+
+    /// Makes the next call ask the kernel.
+    void Change() { Ip("address add 10.91.0." + std::to_string(++host_) + "/24 dev " + link_.Name()); }
+
+    template <class Row>
+    static void ExpectFailed(const TableRead<Row>& table, Win32Error code) {
+        EXPECT_EQ(table.outcome, TableRead<Row>::Outcome::kFailed);
+        EXPECT_EQ(table.code, code);
+        EXPECT_TRUE(table.rows.empty());
+    }
+
+    std::string folder_ = "/run/" + netns::NewLinkName("unread");
+    netns::ScopedVeth link_;
+    int host_ = 10;
+    UnreadableKernel* kernel_ = new UnreadableKernel;  ///< The machine owns it.
+    std::shared_ptr<Machine> machine_ =
+        std::make_shared<Machine>(folder_ + "/registry.db", std::unique_ptr<Netlink>(kernel_));
+    IpHelper helper_{machine_};
+};
+
+TEST_F(UnreadableKernelTest, EveryTableFailsWithTheKernelsNumberWhicheverDumpItRefuses) {
+    for (int* const dump : {&kernel_->links, &kernel_->addresses, &kernel_->routes}) {
+        Change();
+        *dump = EACCES;
+        ExpectFailed(helper_.GetInterfaceInfo(), Win32Error::kAccessDenied);
+        ExpectFailed(helper_.GetIpAddrTable(), Win32Error::kAccessDenied);
+        *dump = ENOMEM;
+        ExpectFailed(helper_.GetIpForwardTable(), Win32Error::kNotEnoughMemory);
+        *dump = 0;
+        EXPECT_EQ(helper_.GetIpAddrTable().outcome, TableRead<IpAddrRow>::Outcome::kRows);
+    }
+}
+
+TEST_F(UnreadableKernelTest, ATableThatFailedIsWholeAgainAtTheNextCall) {
+    kernel_->addresses = EACCES;
+    ExpectFailed(helper_.GetIpAddrTable(), Win32Error::kAccessDenied);
+    kernel_->addresses = 0;
+    const std::vector<IpAddrRow> rows = helper_.GetIpAddrTable().rows;
+    EXPECT_TRUE(std::any_of(rows.begin(), rows.end(), [](const IpAddrRow& row) {
+        return row.address == Ipv4Bytes{10, 91, 0, 5};
+    }));
+}
+
+TEST_F(UnreadableKernelTest, WhatNeedsThePictureIsRefusedAndChangesNothing) {
+    kernel_->addresses = EACCES;
+    std::uint32_t context = 0;
+    EXPECT_EQ(helper_.AddIPAddress({10, 91, 0, 77}, {255, 255, 255, 0}, link_.Index(), context),
+              Win32Error::kAccessDenied);
+    EXPECT_EQ(helper_.DeleteIpForwardEntry({{10, 91, 0, 0}, {255, 255, 255, 0}, {}, link_.Index(), 3, 2, 0}),
+              Win32Error::kAccessDenied);
+    std::vector<std::string> names{"as it was"};
+    EXPECT_TRUE(ConnectionsFolder(machine_).FolderItems(0, names).Words().starts_with(
+        "The links cannot be listed: "));
+    EXPECT_EQ(names, std::vector<std::string>{"as it was"});
+    EXPECT_TRUE(NameServers(machine_).PutInForce("{X}").Words().starts_with("the links cannot be listed: "));
+    kernel_->addresses = 0;
+    const std::vector<IpAddrRow> rows = helper_.GetIpAddrTable().rows;
+    EXPECT_TRUE(std::none_of(rows.begin(), rows.end(), [](const IpAddrRow& row) {
+        return row.address == Ipv4Bytes{10, 91, 0, 77};
+    }));
+}
 
 class IpHelperTest : public testing::Test {
  protected:

@@ -125,7 +125,7 @@ class LinkControlTest : public testing::Test {
         Ip("address add 10.91.0.5/24 dev " + link_.Name());
         link_.BringUp();
         original_ = Address();
-        machine_->Update();
+        EXPECT_TRUE(machine_->Update().Ok());
     }
     ~LinkControlTest() override { std::filesystem::remove_all(folder_); }
 
@@ -138,7 +138,7 @@ class LinkControlTest : public testing::Test {
         return IpJson("-4 address show dev " + link_.Name())[0]["addr_info"].size();
     }
     const LinkRow& Row() {
-        machine_->Update();
+        EXPECT_TRUE(machine_->Update().Ok());
         return *machine_->RowOfName(link_.Name());
     }
     void SetOverride(const std::string& digits) {
@@ -240,12 +240,12 @@ TEST_F(LinkControlTest, ALinkThatStaysUpIsNotSaidToBeDisabled) {
 TEST_F(LinkControlTest, APictureThatCouldNotBeReadWholeLeavesTheFormerOneAndIsReadAgain) {
     kernel_.losesRoutes = true;
     Ip("address add 10.91.0.6/24 dev " + link_.Name());
-    machine_->Update();
+    EXPECT_EQ(machine_->Update().errnoValue, ENOBUFS);
     EXPECT_EQ(std::count_if(machine_->Picture().addresses.begin(), machine_->Picture().addresses.end(),
                             [&](const KernelAddress& address) { return address.index == link_.Index(); }),
               1);
     kernel_.losesRoutes = false;
-    machine_->Update();
+    EXPECT_TRUE(machine_->Update().Ok());
     EXPECT_EQ(std::count_if(machine_->Picture().addresses.begin(), machine_->Picture().addresses.end(),
                             [&](const KernelAddress& address) { return address.index == link_.Index(); }),
               2);
@@ -261,7 +261,7 @@ TEST_F(LinkControlTest, AVanishedLinkIsSaidToBeGone) {
 TEST_F(LinkControlTest, AnotherProgramSeesTheSetUpThatADisabledLinkWillHave) {
     ASSERT_TRUE(Disable()) << failure_;
     Machine other(folder_ + "/registry.db");
-    other.Update();
+    EXPECT_TRUE(other.Update().Ok());
     const RegistryRead read = other.Store().ReadValue(kHkeyLocalMachine, TcpipKey(Row().id), "IPAddress");
     ASSERT_EQ(read.code, Win32Error::kSuccess);
     EXPECT_EQ(std::string(read.value.data.begin(), read.value.data.end()), "10.91.0.5\0\0"s);

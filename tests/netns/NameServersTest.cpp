@@ -32,7 +32,7 @@ class NameServersTest : public testing::Test {
     NameServersTest() {
         Put(kBefore);
         link_.BringUp();
-        machine_->Update();
+        EXPECT_TRUE(machine_->Update().Ok());
         id_ = machine_->RowOfName(link_.Name())->id;
     }
     ~NameServersTest() override { std::filesystem::remove_all(folder_); }
@@ -84,7 +84,7 @@ TEST_F(NameServersTest, AWriteIntoTheRegistryAloneLeavesTheResolverAlone) {
 TEST_F(NameServersTest, TheNameServersOfALinkThatIsDownWaitForItsNextStart) {
     const netns::ScopedVeth other;
     other.BringUp();
-    machine_->Update();
+    EXPECT_TRUE(machine_->Update().Ok());
     Write(machine_->RowOfName(other.Name())->id, "10.92.0.53");
     LinkControl control(machine_);
     ASSERT_EQ(control.Disable(link_.Name()).Words(), "");

@@ -12,18 +12,21 @@ Machine::Machine(std::string storePath, std::unique_ptr<Netlink> kernel)
 
 Machine::~Machine() = default;
 
-void Machine::Update() {
+KernelAnswer Machine::Update() {
     const bool changed = monitor_.TakeChanges();
-    if (known_ && !changed) return;
+    if (known_ && !changed) return {};
     KernelPicture picture;
     picture.incarnationBase = picture_.incarnationBase;
-    known_ = netlink_->DumpLinks(picture.links).Ok() && netlink_->DumpAddresses(picture.addresses).Ok() &&
-             netlink_->DumpRoutes(picture.routes).Ok();
+    KernelAnswer answer = netlink_->DumpLinks(picture.links);
+    if (answer.Ok()) answer = netlink_->DumpAddresses(picture.addresses);
+    if (answer.Ok()) answer = netlink_->DumpRoutes(picture.routes);
+    known_ = answer.Ok();
     // A picture with holes must not make the store forget links: the former one stands until the next try.
-    if (!known_) return;
+    if (!known_) return answer;
     std::erase_if(picture.links, [](const KernelLink& link) { return !IsAdapter(link); });
     picture_ = std::move(picture);
     known_ = Ok(SyncLinks(store_, picture_, zone_, ethtool_, rows_));
+    return {};
 }
 
 const LinkRow* Machine::RowOfIndex(std::uint32_t index) const {

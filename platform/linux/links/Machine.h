@@ -22,8 +22,10 @@ class Machine {
     ~Machine();
 
     /// Brings picture and store up to date if the kernel reported changes since the last call. Cheap when it
-    /// did not. A store that cannot be brought in step shows in the store's own codes.
-    void Update();
+    /// did not. What a kernel that could not be read answered: picture and store are then the former ones,
+    /// which may be out of date, and the next call tries again. A store that cannot be brought in step shows
+    /// in the store's own codes.
+    KernelAnswer Update();
 
     /// Makes the next Update read everything anew.
     void Forget() { known_ = false; }

@@ -38,7 +38,8 @@ class Operation {
  public:
     Operation(Machine& machine, std::string name) : machine_(machine), name_(std::move(name)) {
         LockLink(name_, lock_);
-        machine_.Update();
+        // Find tells of a link that the picture lacks.
+        static_cast<void>(machine_.Update());
         if (const LinkRow* row = machine_.RowOfName(name_)) row_ = *row;
     }
 
