@@ -7,6 +7,7 @@ add_dependencies(unit_tests vendor_list)
 # What is written in terms of POSIX files, rights and processes; on disks of the tests' own in a sandbox.
 corvane_test(NAME files_test
     SOURCES
+        unit/FileLockTest.cpp
         unit/FilesTest.cpp
         unit/PresetsRightsTest.cpp
         unit/VendorListRightsTest.cpp

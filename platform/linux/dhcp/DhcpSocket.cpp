@@ -11,7 +11,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -19,6 +18,7 @@
 #include <unistd.h>
 
 #include "platform/linux/dhcp/DhcpControl.h"
+#include "platform/linux/system/FileLock.h"
 #include "platform/linux/system/ProcessDescriptor.h"
 #include "platform/linux/system/RuntimeFolder.h"
 
@@ -39,28 +39,14 @@ bool SocketAddress(const std::string& path, sockaddr_un& address) {
     return true;
 }
 
-/// The run-time folder under a lock, for the time that it takes to look at the socket's file and to change
-/// it. The lock is a file that only its owner may open: another user could hold a lock on the folder itself.
-class FolderLock {
- public:
-    /// False, with errno set, when there is no folder or its lock is not to be had before `end`.
-    bool Take(const std::string& folder, Clock::time_point end) {
-        file_.Reset(open((folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-        if (!file_.IsOpen()) return false;
-        while (flock(file_.Get(), LOCK_EX | LOCK_NB) != 0) {
-            if (errno != EWOULDBLOCK && errno != EINTR) return false;
-            if (Clock::now() >= end) {
-                errno = EBUSY;
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-        return true;
-    }
-
- private:
-    Descriptor file_;
-};
+/// Takes the lock of the run-time folder, for the time that it takes to look at the socket's file and to
+/// change it. It is a file, as another user could hold a lock on the folder itself. False, with errno set,
+/// when there is no folder or its lock is not to be had before `end`.
+bool LockFolder(const std::string& folder, Clock::time_point end, FileLock& lock) {
+    const auto patience = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+    errno = lock.Take(folder + "/lock", patience);
+    return errno == 0;
+}
 
 /// Binds under a mask that leaves the owner alone the right to connect, from the first moment on.
 int BindPrivately(int socket, const sockaddr_un& address) {
@@ -146,8 +132,8 @@ DhcpListener::Opening DhcpListener::Open(std::uint32_t linkIndex) {
         DhcpCaller former;
         DhcpCaller::Outcome found = DhcpCaller::Outcome::kNobody;
         {
-            FolderLock lock;
-            if (!lock.Take(folder, end)) return fail(folder, std::strerror(errno));
+            FileLock lock;
+            if (!LockFolder(folder, end, lock)) return fail(folder, std::strerror(errno));
             found = former.Connect(linkIndex);
             if (found == DhcpCaller::Outcome::kNobody) {
                 unlink(path.c_str());
@@ -175,10 +161,10 @@ DhcpListener::Opening DhcpListener::Open(std::uint32_t linkIndex) {
 
 void DhcpListener::Close() {
     if (!socket_.IsOpen()) return;
-    FolderLock lock;
+    FileLock lock;
     // Without the lock another supervisor may put its socket there in between; then the file is left, and is
     // recognised as nobody's.
-    if (lock.Take(RuntimeFolder(), Clock::now() + std::chrono::seconds(2))) unlink(path_.c_str());
+    if (LockFolder(RuntimeFolder(), Clock::now() + std::chrono::seconds(2), lock)) unlink(path_.c_str());
     socket_.Reset();
 }
 
