@@ -1,4 +1,6 @@
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -35,6 +37,30 @@ TEST(InstalledPlatform, AScopeEndsWhateverWasInstalledInIt) {
         EXPECT_EQ(CurrentPlatform().clock, installed);
     }
     EXPECT_EQ(CurrentPlatform().clock, former);
+}
+
+TEST(InstalledPlatform, RolesThatNobodyInstalledSayThatThereIsNoPlatform) {
+    const ScopedPlatform scope(Platform{});
+    const Platform& none = CurrentPlatform();
+    EXPECT_EQ(none.registry->ReadValue(kHkeyLocalMachine, "", "").code, Win32Error::kCantRead);
+    EXPECT_EQ(none.registry->WriteValue(kHkeyLocalMachine, "", "", {}), Win32Error::kCantWrite);
+    EXPECT_EQ(none.registry->DeleteValue(kHkeyLocalMachine, "", ""), Win32Error::kCantWrite);
+    EXPECT_EQ(none.registry->CreateKey(kHkeyLocalMachine, ""), Win32Error::kCantWrite);
+    std::vector<std::string> names;
+    EXPECT_EQ(none.registry->EnumSubkeys(kHkeyLocalMachine, "", names), Win32Error::kCantRead);
+    { const RegistryReading reading; }
+    EXPECT_EQ(none.ipHelper->GetInterfaceInfo().outcome, TableRead<InterfaceEntry>::Outcome::kFailed);
+    EXPECT_EQ(none.ipHelper->GetIpAddrTable().code, Win32Error::kNotSupported);
+    EXPECT_EQ(none.ipHelper->GetIpForwardTable().code, Win32Error::kNotSupported);
+    EXPECT_EQ(none.ipHelper->DeleteIPAddress(1), Win32Error::kNotSupported);
+    EXPECT_EQ(none.ipHelper->SystemText(Win32Error::kSuccess), "");
+    std::vector<ShellItem> items;
+    EXPECT_EQ(none.shell->ControlPanelItems(items), Refusal("No platform is installed."));
+    EXPECT_EQ(none.nameServers->PutInForce(""), Refusal("No platform is installed."));
+    none.clock->Sleep(60000);
+    EXPECT_EQ(none.clock->LocalTime().year, 1970);
+    EXPECT_EQ(none.host->ProgramFolder(), ".");
+    EXPECT_FALSE(none.changes->TakeChanges());
 }
 
 TEST(InstalledSeat, InstallingReturnsTheFormerSeat) {

@@ -44,6 +44,7 @@ corvane_unit_group(mac_entry
     unit/VendorSearchTest.cpp)
 corvane_unit_group(platform
     unit/AddressTest.cpp
+    unit/GuardedPlatformTest.cpp
     unit/IphlpApiTest.cpp
     unit/PlatformTest.cpp
     unit/RegErrorTextTest.cpp

@@ -1,5 +1,8 @@
 corvane_test(NAME unit_tests
-    SOURCES ${corvane_unit_sources} ${CMAKE_SOURCE_DIR}/platform/windows/AddressContexts.cpp
+    SOURCES
+        ${corvane_unit_sources}
+        ${CMAKE_SOURCE_DIR}/platform/windows/AddressContexts.cpp
+        unit/WholePlatformTest.cpp
     LIBS corvane_fakes
     GROUPED)
 add_dependencies(unit_tests vendor_list)

@@ -26,7 +26,8 @@ class PlayedIpHelper {
     std::vector<IP_ADAPTER_INDEX_MAP> interfaces;
     std::vector<Address> addresses;
     std::vector<MIB_IPFORWARDROW> routes;
-    std::map<ULONG, ULONG> metrics;  ///< IPv4 metrics by interface index.
+    std::map<ULONG, MIB_IFROW> rows;  ///< By index; a zero row for one that is not here.
+    std::map<ULONG, ULONG> metrics;   ///< IPv4 metrics by interface index.
 
     // ---- answers
     /// Numbers that a function answers instead of doing its work, by its name, the first one first; after
@@ -91,8 +92,10 @@ class PlayedIpHelper {
         [this](MIB_IPFORWARDTABLE* table, ULONG* size, BOOL sorted) {
             return Serve("GetIpForwardTable", sorted != 0, table, size, RouteTable());
         }};
-    ImportedFunction<"GetIfEntry", decltype(::GetIfEntry)> getIfEntry_{
-        [this](MIB_IFROW*) { return Answer("GetIfEntry"); }};
+    ImportedFunction<"GetIfEntry", decltype(::GetIfEntry)> getIfEntry_{[this](MIB_IFROW* row) {
+        if (const auto known = rows.find(row->dwIndex); known != rows.end()) *row = known->second;
+        return Answer("GetIfEntry");
+    }};
     ImportedFunction<"AddIPAddress", decltype(::AddIPAddress)> addIPAddress_{
         [this](IPAddr address, IPMask mask, DWORD index, ULONG* context, ULONG* instance) {
             *context = contextOfAdded;
