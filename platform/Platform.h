@@ -274,10 +274,10 @@ struct DateTime {
     int second = 0;
 };
 
-/// The time that the user sees and waits for: every pause that a command makes and every date that is shown
-/// goes through here. A back-end waits on its own only for the kernel, a lock or another process, never
-/// longer than the deadline that its contract names; the window measures on its own how long to let its
-/// pictures be painted. The files that may do so are listed in the test of the tree's shape.
+/// The time that commands wait for and show: no other code above the back-ends sleeps or asks for it. A
+/// back-end does so on its own only to wait for the kernel, a lock or another process, and to note when a
+/// lease began or which offset of the time zone is in force; the window, to see how long its pictures take
+/// to be painted. The test of the tree's shape lists these files.
 class ClockApi {
  public:
     virtual ~ClockApi() = default;

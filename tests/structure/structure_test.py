@@ -50,12 +50,39 @@ OF_ONE_SYSTEM = {
     "programs/NicxDhcp.cpp": {"platform/linux/dhcp", "platform/linux/kernel", "platform/linux/system"},
     "programs/NicxExe.cpp": {"platform/windows"},
     "programs/NicxWindow.cpp": {"ui/gtk"},
+    "ui/gtk/ChangesWatch.cpp": {"platform/linux"},
 }
+# The seam to the user, which the back-ends must not see: they hand back what went wrong, and the core tells it.
+SEAT = "platform/Seat.h"
+BACK_ENDS = ("platform/linux", "platform/windows")
+# The one header of a back-end that the window's Linux half may see.
+CHANGES_DESCRIPTOR = "platform/linux/ChangesDescriptor.h"
+
+# Who sleeps or reads the time besides the clock role's own bodies, and what for (ClockApi in platform/Platform.h).
+TIMED = {
+    "platform/linux/Host.cpp": "the clock of Linux",
+    "platform/linux/dhcp/DhcpControl.cpp": "waits for the supervisor",
+    "platform/linux/dhcp/DhcpHook.cpp": "waits for the supervisor",
+    "platform/linux/dhcp/DhcpInstall.cpp": "waits for the kernel's neighbours",
+    "platform/linux/dhcp/DhcpSocket.cpp": "waits for another supervisor",
+    "platform/linux/dhcp/DhcpSupervisor.cpp": "waits for the client",
+    "platform/linux/dhcp/HeldLease.cpp": "notes when a lease began",
+    "platform/linux/links/TimeZone.cpp": "asks for the offset in force",
+    "platform/linux/owners/LinkControl.cpp": "waits for the carrier",
+    "platform/linux/system/FileLock.cpp": "waits for a lock",
+    "platform/windows/WindowsHost.cpp": "the clock of Windows",
+    "ui/WindowSeat.cpp": "lets pictures be painted",
+    "ui/WindowSeat.h": "lets pictures be painted",
+}
+TIME_CALLS = re.compile(r"\b(sleep_for|sleep_until|steady_clock|system_clock|high_resolution_clock|clock_gettime|gettimeofday|"
+                        r"u?sleep|nanosleep|time|GetTickCount(64)?|GetLocalTime|GetSystemTime\w*|wxM?i?l?l?i?Sleep)(\b::|\()|"
+                        r"(?<!\w)::Sleep\(|std::chrono::\w+_clock\b")
 
 # Unit tests that the Windows build does not run: parts of the Linux back-end and its programs, and what is written in terms
 # of POSIX files, rights, processes and mounts.
-OF_LINUX_ALONE = (r"(Dhcp(Hook|Lease|State)|Errors|Files|FullDisk|HardwareDatabase|Netlink\w*|PresetsDisk|PresetsRights|RegFile|"
-                  r"RegistryStore\w*|RegistryTool\w*|ReportExport|ResolvConf|VendorListRights)Test\.cpp|NetlinkMessages\.cpp")
+OF_LINUX_ALONE = (r"(Dhcp(Hook|Lease|State)|Errors|FileLock|Files|FullDisk|HardwareDatabase|Netlink\w*|PresetsDisk|PresetsRights|"
+                  r"RegFile|RegistryStore\w*|RegistryTool\w*|ReportExport|ResolvConf|VendorListRights|WholePlatform)Test\.cpp|"
+                  r"NetlinkMessages\.cpp")
 
 LINUX = {folder for folder in ALLOWED if folder.startswith("platform/linux")}
 
@@ -160,6 +187,30 @@ class Structure(unittest.TestCase):
                     wrong.append(f"{path} includes {name}")
         self.assertGreater(seen, 100)
         self.assertEqual(wrong, [])
+
+    def test_no_back_end_sees_the_user(self):
+        seen = [path for path in sources(".cpp", ".h") for _, name in includes(path) if name == SEAT]
+        self.assertGreater(len(seen), 20)
+        self.assertEqual([path for path in seen if path.startswith(BACK_ENDS)], [])
+
+    def test_only_the_event_loop_sees_the_descriptor_of_changes(self):
+        seen = [path for path in sources(".cpp", ".h") if folder_of(path)
+                for _, name in includes(path) if name.startswith("platform/linux/") and path.startswith("ui/")]
+        self.assertEqual([path for path in seen if path != "ui/gtk/ChangesWatch.cpp"], [])
+        self.assertEqual([name for _, name in includes("ui/gtk/ChangesWatch.cpp") if name.startswith("platform/linux/")],
+                         [CHANGES_DESCRIPTOR])
+
+    def test_time_belongs_to_the_clock(self):
+        """Whoever waits or reads the time is in TIMED with a reason, and nobody stands there without need."""
+        timed = set()
+        for path in sources(".cpp", ".h"):
+            if folder_of(path) is None:
+                continue
+            with open(os.path.join(SOURCE, path), encoding="utf-8") as source:
+                code = re.sub(r"//.*", "", source.read())
+            if TIME_CALLS.search(code):
+                timed.add(path)
+        self.assertEqual(timed, set(TIMED))
 
     def test_system_headers_stay_in_the_back_ends(self):
         wrong = []
