@@ -27,9 +27,9 @@ std::string MacText(const MacBytes& mac) {
 
 std::string MacDigits(const MacBytes& mac) { return Without(MacText(mac), '-'); }
 
-std::string MacRefusal(const MacBytes& mac) {
-    if (mac == MacBytes{}) return "it is all zeros";
-    if ((mac[0] & 1U) != 0) return "it is a multicast address (the first octet is odd)";
+Refusal MacRefusal(const MacBytes& mac) {
+    if (mac == MacBytes{}) return Refusal("it is all zeros");
+    if ((mac[0] & 1U) != 0) return Refusal("it is a multicast address (the first octet is odd)");
     return {};
 }
 
@@ -66,11 +66,11 @@ Ipv4Bytes MaskFromPrefix(std::uint8_t prefix) {
     return FromHostOrder(prefix == 0 ? 0U : 0xFFFFFFFFU << (32U - (prefix > 32 ? 32U : prefix)));
 }
 
-std::string HostAddressRefusal(const Ipv4Bytes& address) {
-    if (address[0] == 0) return "addresses that begin with 0 mean 'this network'";
-    if (address[0] == 127) return "addresses that begin with 127 are the host's loopback";
-    if (address[0] >= 240) return "addresses from 240.0.0.0 up are reserved or broadcast";
-    if (address[0] >= 224) return "addresses from 224.0.0.0 to 239.255.255.255 are multicast groups";
+Refusal HostAddressRefusal(const Ipv4Bytes& address) {
+    if (address[0] == 0) return Refusal("addresses that begin with 0 mean 'this network'");
+    if (address[0] == 127) return Refusal("addresses that begin with 127 are the host's loopback");
+    if (address[0] >= 240) return Refusal("addresses from 240.0.0.0 up are reserved or broadcast");
+    if (address[0] >= 224) return Refusal("addresses from 224.0.0.0 to 239.255.255.255 are multicast groups");
     return {};
 }
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/Refusal.h"
+
 /// Address texts and what a host's network stack refuses. Portable: the back-ends refuse by these rules
 /// before they ask the system, and the command line warns by them.
 namespace corvane {
@@ -24,9 +26,9 @@ std::string MacText(const MacBytes& mac);
 /// The twelve upper-case digits.
 std::string MacDigits(const MacBytes& mac);
 
-/// Why no adapter may have this address, in words; empty when it may. A group address (bit 0 of the first
+/// Refused when no adapter may have this address. A group address (bit 0 of the first
 /// octet, IEEE 802) and all zeros are refused, as the kernel does (is_valid_ether_addr, linux/etherdevice.h).
-std::string MacRefusal(const MacBytes& mac);
+Refusal MacRefusal(const MacBytes& mac);
 
 /// Exactly four decimal numbers 0 to 255 joined by ".", without blanks.
 std::optional<Ipv4Bytes> ParseIpv4(std::string_view text);
@@ -38,8 +40,8 @@ Ipv4Bytes FromHostOrder(std::uint32_t value);
 std::optional<std::uint8_t> PrefixFromMask(const Ipv4Bytes& mask);
 Ipv4Bytes MaskFromPrefix(std::uint8_t prefix);
 
-/// Why no host may have this address, in words; empty when it may. Refused: 0.0.0.0/8 and 127.0.0.0/8 (RFC
+/// Refused when no host may have this address: 0.0.0.0/8 and 127.0.0.0/8 (RFC
 /// 1122, 3.2.1.3), 224.0.0.0/4 (RFC 5771), 240.0.0.0/4 with the limited broadcast (RFC 1112, RFC 919).
-std::string HostAddressRefusal(const Ipv4Bytes& address);
+Refusal HostAddressRefusal(const Ipv4Bytes& address);
 
 }  // namespace corvane

@@ -15,10 +15,10 @@ void AdviseMac(const std::string& text, Sentences& advice) {
     const std::string digits = Without(text, '-');
     if (digits.empty()) return;
     const std::optional<MacBytes> mac = ParseMacDigits(digits);
-    const std::string reason = mac ? MacRefusal(*mac) : "it is not made of twelve hexadecimal digits";
-    if (reason.empty()) return;
-    advice.push_back("MAC address '" + text + "' is stored as typed but cannot take effect: " + reason +
-                     "; give another one");
+    const Refusal refusal = mac ? MacRefusal(*mac) : Refusal("it is not made of twelve hexadecimal digits");
+    if (!refusal) return;
+    advice.push_back("MAC address '" + text + "' is stored as typed but cannot take effect: " +
+                     refusal.Words() + "; give another one");
 }
 
 void AdviseMetric(const std::string& text, Sentences& advice) {
@@ -63,11 +63,11 @@ void AdviseGateways(const PresetRecord& record, Sentences& advice) {
 
 void AdviseAddress(const char* what, const std::string& text, Sentences& advice) {
     const std::optional<Ipv4Bytes> address = ParseIpv4(text);
-    const std::string reason =
-        address ? HostAddressRefusal(*address) : "it is not four numbers 0 to 255 joined by '.'";
-    if (reason.empty()) return;
+    const Refusal refusal =
+        address ? HostAddressRefusal(*address) : Refusal("it is not four numbers 0 to 255 joined by '.'");
+    if (!refusal) return;
     advice.push_back(std::string(what) + " '" + text +
-                     "' is stored as typed but cannot take effect: " + reason);
+                     "' is stored as typed but cannot take effect: " + refusal.Words());
 }
 
 void AdviseServer(const std::string& text, Sentences& advice) {

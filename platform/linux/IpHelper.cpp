@@ -216,7 +216,7 @@ TableRead<IpForwardRow> IpHelper::GetIpForwardTable() {
 Win32Error IpHelper::AddIPAddress(const Ipv4Bytes& address, const Ipv4Bytes& mask, std::uint32_t ifIndex,
                                   std::uint32_t& nteContext) {
     const std::optional<std::uint8_t> prefix = PrefixFromMask(mask);
-    if (!prefix || *prefix == 0 || !HostAddressRefusal(address).empty()) return Win32Error::kInvalidParameter;
+    if (!prefix || *prefix == 0 || HostAddressRefusal(address)) return Win32Error::kInvalidParameter;
     KernelAddress wanted;
     wanted.index = ifIndex;
     wanted.address = address;

@@ -24,11 +24,11 @@ void RequireSound(const LeaseRoute& route) {
     Require(route.prefix <= 32, "a route has a prefix length");
     Require((HostOrder(route.destination) & ~HostOrder(MaskFromPrefix(route.prefix))) == 0,
             "a route's destination has no host bits");
-    Require(!route.gateway || HostAddressRefusal(*route.gateway).empty(), "a route's gateway is a host");
+    Require(!route.gateway || !HostAddressRefusal(*route.gateway), "a route's gateway is a host");
 }
 
 void RequireSound(const Lease& lease, std::string_view bytes) {
-    Require(HostAddressRefusal(lease.address).empty(), "a lease's address is one that a host may have");
+    Require(!HostAddressRefusal(lease.address), "a lease's address is one that a host may have");
     Require(lease.prefix >= 1 && lease.prefix <= 32, "a lease has a prefix length");
     Require(lease.seconds >= 1, "a lease lasts");
     Require(lease.renewSeconds <= lease.rebindSeconds && lease.rebindSeconds <= lease.seconds,

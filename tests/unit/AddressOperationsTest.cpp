@@ -369,7 +369,7 @@ TEST_F(RemoveGatewayTest, Result31IsReportedAsAnyOtherAndOffersNoRestart) {
     ipHelper->results["DeleteIpForwardEntry"] = Win32Error::kGenFailure;
     RemoveGateway(1, "10.0.0.2");
     EXPECT_EQ(diary, Lines({{"DeleteIpForwardEntry 10.0.0.2"}, gatewayWrites, {"box Orvella Corvane"}}));
-    EXPECT_THAT(machine.seat.boxes, ElementsAre(Refusal(31, "DeleteIpForwardEntry", "unknown")));
+    EXPECT_THAT(machine.seat.boxes, ElementsAre(RefusalBox(31, "DeleteIpForwardEntry", "unknown")));
 }
 
 TEST_F(RemoveGatewayTest, RegistryFailureIsShownAndTheWindowIsRefreshedForTheLiveRemoval) {

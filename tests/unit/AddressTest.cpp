@@ -31,17 +31,17 @@ TEST(MacDigitsText, TextFormsAreUpperCase) {
 }
 
 TEST(MacRefusal, AnOrdinaryOrLocallyAdministeredAddressIsAllowed) {
-    EXPECT_EQ(MacRefusal({0x00, 0x0C, 0x29, 1, 2, 3}), "");
-    EXPECT_EQ(MacRefusal({0x02, 0, 0, 0, 0, 0}), "");
-    EXPECT_EQ(MacRefusal({0, 0, 0, 0, 0, 1}), "");
+    EXPECT_FALSE(MacRefusal({0x00, 0x0C, 0x29, 1, 2, 3}));
+    EXPECT_FALSE(MacRefusal({0x02, 0, 0, 0, 0, 0}));
+    EXPECT_FALSE(MacRefusal({0, 0, 0, 0, 0, 1}));
 }
 
-TEST(MacRefusal, AllZerosAreRefused) { EXPECT_EQ(MacRefusal({}), "it is all zeros"); }
+TEST(MacRefusal, AllZerosAreRefused) { EXPECT_EQ(MacRefusal({}).Words(), "it is all zeros"); }
 
 TEST(MacRefusal, GroupAndBroadcastAddressesAreRefused) {
     const std::string reason = "it is a multicast address (the first octet is odd)";
-    EXPECT_EQ(MacRefusal({0x01, 0, 0x5E, 0, 0, 1}), reason);
-    EXPECT_EQ(MacRefusal({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}), reason);
+    EXPECT_EQ(MacRefusal({0x01, 0, 0x5E, 0, 0, 1}).Words(), reason);
+    EXPECT_EQ(MacRefusal({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}).Words(), reason);
 }
 
 TEST(Ipv4Text, FourNumbersAreParsed) {
@@ -96,7 +96,7 @@ TEST(HostAddress, OrdinaryAddressesAreAllowed) {
     for (const Ipv4Bytes& address :
          {Ipv4Bytes{1, 0, 0, 0}, Ipv4Bytes{10, 0, 0, 5}, Ipv4Bytes{126, 255, 255, 255},
           Ipv4Bytes{128, 0, 0, 0}, Ipv4Bytes{169, 254, 1, 1}, Ipv4Bytes{223, 255, 255, 255}}) {
-        EXPECT_EQ(HostAddressRefusal(address), "") << HostOrder(address);
+        EXPECT_FALSE(HostAddressRefusal(address)) << HostOrder(address);
     }
 }
 
@@ -105,14 +105,14 @@ TEST(HostAddress, EachReservedRangeHasItsReason) {
     const std::string loopback = "addresses that begin with 127 are the host's loopback";
     const std::string multicast = "addresses from 224.0.0.0 to 239.255.255.255 are multicast groups";
     const std::string reserved = "addresses from 240.0.0.0 up are reserved or broadcast";
-    EXPECT_EQ(HostAddressRefusal({0, 0, 0, 0}), thisNetwork);
-    EXPECT_EQ(HostAddressRefusal({0, 255, 255, 255}), thisNetwork);
-    EXPECT_EQ(HostAddressRefusal({127, 0, 0, 1}), loopback);
-    EXPECT_EQ(HostAddressRefusal({127, 255, 255, 255}), loopback);
-    EXPECT_EQ(HostAddressRefusal({224, 0, 0, 0}), multicast);
-    EXPECT_EQ(HostAddressRefusal({239, 255, 255, 255}), multicast);
-    EXPECT_EQ(HostAddressRefusal({240, 0, 0, 0}), reserved);
-    EXPECT_EQ(HostAddressRefusal({255, 255, 255, 255}), reserved);
+    EXPECT_EQ(HostAddressRefusal({0, 0, 0, 0}).Words(), thisNetwork);
+    EXPECT_EQ(HostAddressRefusal({0, 255, 255, 255}).Words(), thisNetwork);
+    EXPECT_EQ(HostAddressRefusal({127, 0, 0, 1}).Words(), loopback);
+    EXPECT_EQ(HostAddressRefusal({127, 255, 255, 255}).Words(), loopback);
+    EXPECT_EQ(HostAddressRefusal({224, 0, 0, 0}).Words(), multicast);
+    EXPECT_EQ(HostAddressRefusal({239, 255, 255, 255}).Words(), multicast);
+    EXPECT_EQ(HostAddressRefusal({240, 0, 0, 0}).Words(), reserved);
+    EXPECT_EQ(HostAddressRefusal({255, 255, 255, 255}).Words(), reserved);
 }
 
 }  // namespace

@@ -217,7 +217,7 @@ TEST_F(GatewayEditingTest, RefusedAddIsReportedWritesNothingAndLeavesTheBoxes) {
         diary.clear();
         panel.persistent = persistent;
         Add(kLab, "10.0.0.2", "30");
-        EXPECT_THAT(machine.seat.boxes, ElementsAre(Refusal(5010, "CreateIpForwardEntry", "unknown")));
+        EXPECT_THAT(machine.seat.boxes, ElementsAre(RefusalBox(5010, "CreateIpForwardEntry", "unknown")));
         EXPECT_EQ(diary, Lines({{"box Orvella Corvane"}, kGatewayPanelReady}));
         EXPECT_EQ(panel.gateway.entry.Text(), "10.0.0.2");
         EXPECT_EQ(panel.metric, "30");
@@ -389,7 +389,7 @@ TEST_F(GatewayEditingTest, FailedRemovalIsReportedAfterTheRegistryWasUpdatedAndN
 TEST_F(GatewayEditingTest, GatewayThatTheStackDoesNotPartWithOffersNoRestart) {
     ipHelper->refusal = Win32Error::kGenFailure;
     Remove(kLab, 1);
-    EXPECT_THAT(machine.seat.boxes, ElementsAre(question, Refusal(31, "DeleteIpForwardEntry", "unknown")));
+    EXPECT_THAT(machine.seat.boxes, ElementsAre(question, RefusalBox(31, "DeleteIpForwardEntry", "unknown")));
 }
 
 }  // namespace

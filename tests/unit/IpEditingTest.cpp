@@ -94,7 +94,7 @@ TEST_F(IpEditingTest, RefusedAddIsReportedWritesNothingAndLeavesTheBoxes) {
     panel.persistent = true;
     panel.cidr = "24";
     Add(kLab, "10.0.0.5", "255.255.255.0");
-    EXPECT_THAT(machine.seat.boxes, ElementsAre(Refusal(5010, "AddIPAddress", "unknown")));
+    EXPECT_THAT(machine.seat.boxes, ElementsAre(RefusalBox(5010, "AddIPAddress", "unknown")));
     EXPECT_EQ(diary, Lines({{"box Orvella Corvane"}, kIpPanelReady}));
     EXPECT_THAT(panel.Texts(), ElementsAre("10.0.0.5", "255.255.255.0", "24"));
     EXPECT_THAT(machine.registry->diary, IsEmpty());

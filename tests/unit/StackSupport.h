@@ -11,13 +11,13 @@
 namespace corvane::test {
 
 /// The box of an IP Helper call that was refused.
-inline FakeSeat::Box Refusal(int code, const std::string& apiName, const std::string& description) {
+inline FakeSeat::Box RefusalBox(int code, const std::string& apiName, const std::string& description) {
     return Critical("Orvella Corvane", "DLL : IphlpApi.dll\r\n\r\nError Code : " + std::to_string(code) +
                                            "\r\nAPI: " + apiName + "\r\nError Description : " + description +
                                            "\r\n\r\nClick OK To Continue");
 }
 inline FakeSeat::Box InvalidParameter(const std::string& apiName) {
-    return Refusal(87, apiName, "The parameter is incorrect.");
+    return RefusalBox(87, apiName, "The parameter is incorrect.");
 }
 
 /// A default route, every field of it.

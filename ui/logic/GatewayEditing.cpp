@@ -48,8 +48,8 @@ void GatewayEditing::Add(const EditingTarget& target) {
             WarnOf(std::move(sentences));
             Done(target);
             CurrentSeat().Refresh();
-        } else if (const std::string reason = HostAddressRefusal(gateway.octets); !reason.empty()) {
-            CurrentSeat().Warn("Gateway '" + gateway.text + "' cannot be used: " + reason);
+        } else if (const Refusal refusal = HostAddressRefusal(gateway.octets)) {
+            CurrentSeat().Warn("Gateway '" + gateway.text + "' cannot be used: " + refusal.Words());
         }
     }
     panel_.FocusGateway();

@@ -23,9 +23,8 @@ void AdviseStored(const EnteredQuad& address, const EnteredQuad& mask) {
 
 /// The system's text for a refused parameter does not say which one it is.
 void ExplainRefusal(const EnteredQuad& address, const EnteredQuad& mask) {
-    const std::string reason = HostAddressRefusal(address.octets);
-    if (!reason.empty()) {
-        CurrentSeat().Warn("IP address '" + address.text + "' cannot be used: " + reason);
+    if (const Refusal refusal = HostAddressRefusal(address.octets)) {
+        CurrentSeat().Warn("IP address '" + address.text + "' cannot be used: " + refusal.Words());
     } else if (PrefixFromMask(mask.octets).value_or(0) == 0) {
         CurrentSeat().Warn("Subnet mask '" + mask.text +
                            "' cannot be used: a mask is one bits followed by zero bits, such as "

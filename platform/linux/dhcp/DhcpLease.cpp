@@ -85,7 +85,7 @@ std::string CheckedDomain(const std::string& text) {
 }
 
 /// A gateway that the field of a route may name; all zeros say that the destination is on the link.
-bool IsGateway(const Ipv4Bytes& gateway) { return HostAddressRefusal(gateway).empty(); }
+bool IsGateway(const Ipv4Bytes& gateway) { return !HostAddressRefusal(gateway); }
 
 /// Adds one classless route unless its parts make no sense. Host bits of the destination are cleared.
 void AddClassless(const std::optional<Ipv4Bytes>& destination, const std::optional<std::uint8_t>& prefix,
@@ -196,8 +196,8 @@ LeaseReading ReadLease(const HookReport& report, bool udhcpc) {
         reading.problem = "the server offered no IPv4 address";
         return reading;
     }
-    if (const std::string refusal = HostAddressRefusal(*address); !refusal.empty()) {
-        reading.problem = "the server offered " + addressText + ": " + refusal;
+    if (const Refusal refusal = HostAddressRefusal(*address)) {
+        reading.problem = "the server offered " + addressText + ": " + refusal.Words();
         return reading;
     }
     lease.address = *address;

@@ -33,10 +33,10 @@ void TakeAddress(const std::string& text, const std::string& maskText, std::uint
     const std::optional<Ipv4Bytes> address = ParseIpv4(text);
     const std::optional<Ipv4Bytes> mask = ParseIpv4(maskText);
     const std::uint8_t prefix = mask ? PrefixFromMask(*mask).value_or(0) : 0;
-    std::string reason = address ? HostAddressRefusal(*address) : "it is no IPv4 address";
-    if (reason.empty() && prefix == 0) reason = "its mask '" + maskText + "' is no subnet mask";
-    if (!reason.empty()) {
-        setup.refused.push_back("IP address '" + text + "' was not set: " + reason);
+    Refusal refusal = address ? HostAddressRefusal(*address) : Refusal("it is no IPv4 address");
+    if (!refusal && prefix == 0) refusal = Refusal("its mask '" + maskText + "' is no subnet mask");
+    if (refusal) {
+        setup.refused.push_back("IP address '" + text + "' was not set: " + refusal.Words());
         return;
     }
     KernelAddress wanted;
@@ -77,9 +77,9 @@ StaticSetup ReadStaticSetup(RegistryStore& store, const std::string& linkId, std
     for (std::size_t i = 0; i < gateways.size(); ++i) {
         if (Trim(gateways[i]).empty()) continue;
         const std::optional<Ipv4Bytes> gateway = ParseIpv4(gateways[i]);
-        const std::string reason = gateway ? HostAddressRefusal(*gateway) : "it is no IPv4 address";
-        if (!reason.empty()) {
-            setup.refused.push_back("gateway '" + gateways[i] + "' was not set: " + reason);
+        if (const Refusal refusal =
+                gateway ? HostAddressRefusal(*gateway) : Refusal("it is no IPv4 address")) {
+            setup.refused.push_back("gateway '" + gateways[i] + "' was not set: " + refusal.Words());
             continue;
         }
         KernelRoute route;

@@ -165,12 +165,13 @@ class Operation {
         const std::optional<std::string> text = ReadOverride(machine_.Store(), row_.driverKey);
         if (text && !text->empty()) {
             const std::optional<MacBytes> mac = ParseMacDigits(*text);
-            const std::string reason = mac ? MacRefusal(*mac) : "it is not made of twelve hexadecimal digits";
-            if (reason.empty()) {
+            const Refusal refusal =
+                mac ? MacRefusal(*mac) : Refusal("it is not made of twelve hexadecimal digits");
+            if (!refusal) {
                 overrides_ = true;
                 return mac;
             }
-            Problem("MAC address '" + *text + "' cannot be used: " + reason +
+            Problem("MAC address '" + *text + "' cannot be used: " + refusal.Words() +
                     "; the original address was given back");
         }
         // A bridge takes its address from its ports as long as nobody sets one.
