@@ -37,9 +37,9 @@ class RowsByInterface {
     [[nodiscard]] bool Fetched() const { return table_.outcome == TableRead<Row>::Outcome::kRows; }
 
     [[nodiscard]] const std::vector<const Row*>& Of(std::uint32_t index) const {
-        static const std::vector<const Row*> kNone;
+        static const std::vector<const Row*> kNoRows;
         const auto found = rows_.find(index);
-        return found == rows_.end() ? kNone : found->second;
+        return found == rows_.end() ? kNoRows : found->second;
     }
 
  private:

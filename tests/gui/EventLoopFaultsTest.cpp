@@ -15,6 +15,7 @@
 #include <wx/timer.h>
 
 #include "fakes/Fakes.h"
+#include "platform/linux/ChangesDescriptor.h"
 #include "programs/WindowApp.h"
 #include "ui/ChangesWatch.h"
 #include "ui/RowList.h"
@@ -92,7 +93,7 @@ TEST_F(EventLoopFaults, OutOfAPostponedCallBecomeABoxAndTheOtherCallsAreMade) {
 TEST_F(EventLoopFaults, OutOfTheWatchForChangesBecomeABoxAndTheLoopGoesOn) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
-    struct Changes : ChangesApi {
+    struct Changes : DescribedChanges {
         int descriptor = -1;
         bool TakeChanges() override {
             char byte = 0;

@@ -2,36 +2,70 @@
 #include <cerrno>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <linux/rtnetlink.h>
 
 #include "netns/NetnsSupport.h"
 #include "platform/linux/ConnectionsFolder.h"
 #include "platform/linux/IpHelper.h"
 #include "platform/linux/NameServers.h"
+#include "platform/linux/kernel/NetlinkSocket.h"
+#include "tests/unit/NetlinkMessages.h"
 
 namespace corvane {
 namespace {
 
 using netns::Ip;
 
-/// The kernel, but for dumps that it refuses.
-class UnreadableKernel : public Netlink {
- public:
-    int links = 0;  ///< The error numbers of the dumps; 0 lets them through.
+/// The error numbers of the kernel's dumps; 0 lets them through.
+struct DumpRefusals {
+    int links = 0;
     int addresses = 0;
     int routes = 0;
+};
 
-    KernelAnswer DumpLinks(std::vector<KernelLink>& rows) override {
-        return links != 0 ? KernelAnswer{links, ""} : Netlink::DumpLinks(rows);
+/// The kernel, but for these dumps.
+class UnreadableTransport : public NetlinkTransport {
+ public:
+    explicit UnreadableTransport(DumpRefusals& refusals) : refusals_(refusals) {
+        int error = 0;
+        kernel_ = OpenNetlinkTransport(error);
+        EXPECT_EQ(error, 0);
     }
-    KernelAnswer DumpAddresses(std::vector<KernelAddress>& rows) override {
-        return addresses != 0 ? KernelAnswer{addresses, ""} : Netlink::DumpAddresses(rows);
+
+    int Send(ByteSpan message) override {
+        nlmsghdr header{};
+        EXPECT_TRUE(ReadRecord(message, header));
+        const int refusal = RefusalOf(header.nlmsg_type);
+        if (refusal == 0 || (header.nlmsg_flags & NLM_F_DUMP) != NLM_F_DUMP) return kernel_->Send(message);
+        nlmsgerr error{};
+        error.error = -refusal;
+        error.msg = header;
+        pending_ = messages::Message(NLMSG_ERROR, NLM_F_CAPPED, header.nlmsg_seq, messages::Raw(error));
+        return 0;
     }
-    KernelAnswer DumpRoutes(std::vector<KernelRoute>& rows) override {
-        return routes != 0 ? KernelAnswer{routes, ""} : Netlink::DumpRoutes(rows);
+
+    int Receive(std::span<std::uint8_t> buffer, std::size_t& size) override {
+        if (pending_.empty()) return kernel_->Receive(buffer, size);
+        size = pending_.size();
+        std::copy(pending_.begin(), pending_.end(), buffer.begin());
+        pending_.clear();
+        return 0;
     }
+
+ private:
+    [[nodiscard]] int RefusalOf(unsigned type) const {
+        if (type == RTM_GETLINK) return refusals_.links;
+        if (type == RTM_GETADDR) return refusals_.addresses;
+        return type == RTM_GETROUTE ? refusals_.routes : 0;
+    }
+
+    DumpRefusals& refusals_;
+    std::unique_ptr<NetlinkTransport> kernel_;
+    messages::Bytes pending_;
 };
 
 class UnreadableKernelTest : public testing::Test {
@@ -55,14 +89,14 @@ class UnreadableKernelTest : public testing::Test {
     std::string folder_ = "/run/" + netns::NewLinkName("unread");
     netns::ScopedVeth link_;
     int host_ = 10;
-    UnreadableKernel* kernel_ = new UnreadableKernel;  ///< The machine owns it.
-    std::shared_ptr<Machine> machine_ =
-        std::make_shared<Machine>(folder_ + "/registry.db", std::unique_ptr<Netlink>(kernel_));
+    DumpRefusals kernel_;
+    std::shared_ptr<Machine> machine_ = std::make_shared<Machine>(
+        folder_ + "/registry.db", std::make_unique<Netlink>(std::make_unique<UnreadableTransport>(kernel_)));
     IpHelper helper_{machine_};
 };
 
 TEST_F(UnreadableKernelTest, EveryTableFailsWithTheKernelsNumberWhicheverDumpItRefuses) {
-    for (int* const dump : {&kernel_->links, &kernel_->addresses, &kernel_->routes}) {
+    for (int* const dump : {&kernel_.links, &kernel_.addresses, &kernel_.routes}) {
         Change();
         *dump = EACCES;
         ExpectFailed(helper_.GetInterfaceInfo(), Win32Error::kAccessDenied);
@@ -75,9 +109,9 @@ TEST_F(UnreadableKernelTest, EveryTableFailsWithTheKernelsNumberWhicheverDumpItR
 }
 
 TEST_F(UnreadableKernelTest, ATableThatFailedIsWholeAgainAtTheNextCall) {
-    kernel_->addresses = EACCES;
+    kernel_.addresses = EACCES;
     ExpectFailed(helper_.GetIpAddrTable(), Win32Error::kAccessDenied);
-    kernel_->addresses = 0;
+    kernel_.addresses = 0;
     const std::vector<IpAddrRow> rows = helper_.GetIpAddrTable().rows;
     EXPECT_TRUE(std::any_of(rows.begin(), rows.end(), [](const IpAddrRow& row) {
         return row.address == Ipv4Bytes{10, 91, 0, 5};
@@ -85,7 +119,7 @@ TEST_F(UnreadableKernelTest, ATableThatFailedIsWholeAgainAtTheNextCall) {
 }
 
 TEST_F(UnreadableKernelTest, WhatNeedsThePictureIsRefusedAndChangesNothing) {
-    kernel_->addresses = EACCES;
+    kernel_.addresses = EACCES;
     std::uint32_t context = 0;
     EXPECT_EQ(helper_.AddIPAddress({10, 91, 0, 77}, {255, 255, 255, 0}, link_.Index(), context),
               Win32Error::kAccessDenied);
@@ -96,7 +130,7 @@ TEST_F(UnreadableKernelTest, WhatNeedsThePictureIsRefusedAndChangesNothing) {
         "The links cannot be listed: "));
     EXPECT_EQ(names, std::vector<std::string>{"as it was"});
     EXPECT_TRUE(NameServers(machine_).PutInForce("{X}").Words().starts_with("the links cannot be listed: "));
-    kernel_->addresses = 0;
+    kernel_.addresses = 0;
     const std::vector<IpAddrRow> rows = helper_.GetIpAddrTable().rows;
     EXPECT_TRUE(std::none_of(rows.begin(), rows.end(), [](const IpAddrRow& row) {
         return row.address == Ipv4Bytes{10, 91, 0, 77};

@@ -1,9 +1,9 @@
-#include "base/RunTimeError.h"
-
 #include <string>
 #include <system_error>
 
 #include <gtest/gtest.h>
+
+#include "base/RunTimeError.h"
 
 namespace corvane {
 namespace {

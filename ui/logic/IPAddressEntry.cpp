@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/Text.h"
+#include "ui/logic/TypedText.h"
 
 namespace corvane {
 
@@ -14,13 +15,10 @@ namespace {
 
 constexpr int kLastBox = kQuadBoxes - 1;
 constexpr double kLargestOctet = 255;
-constexpr int kBackspace = 8;
 constexpr int kControlC = 3;
 constexpr int kControlV = 22;
 constexpr int kControlX = 24;
 constexpr int kControlZ = 26;
-
-int LengthOf(const std::string& text) { return static_cast<int>(text.size()); }
 
 bool IsDigit(int character) { return character >= '0' && character <= '9'; }
 

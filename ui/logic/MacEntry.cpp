@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "ui/logic/TypedText.h"
 
 namespace corvane {
 
@@ -14,13 +15,10 @@ constexpr int kBoxesOfRow = 6;
 constexpr int kLastAppliedBox = 5;
 constexpr int kLastPrefixBox = 2;
 constexpr std::size_t kOctetLength = 2;
-constexpr int kBackspace = 8;
 constexpr int kNoBox = -1;
 
 bool IsFirstOfRow(int box) { return box % kBoxesOfRow == 0; }
 bool IsLastOfRow(int box) { return box % kBoxesOfRow == kBoxesOfRow - 1; }
-
-int LengthOf(const std::string& text) { return static_cast<int>(text.size()); }
 
 bool IsSeparator(int character) { return character == ':' || character == '-' || character == '.'; }
 
