@@ -42,7 +42,7 @@ std::uint32_t LinkIndex(const std::string& name);
 void SetSysctl(const std::string& path, const std::string& value);
 
 /// Asks `condition` every few milliseconds until it holds; false when it did not within `milliseconds`.
-bool WaitUntil(const std::function<bool()>& condition, int milliseconds = 5000);
+bool WaitUntil(const std::function<bool()>& condition, int milliseconds = 30000);
 
 /// A link made by `ip link add NAME ARGUMENTS` and removed at the end of the scope if it is still there.
 class ScopedLink {

@@ -66,10 +66,10 @@ PlayedIpHelper::Bytes PlayedIpHelper::AddressTable() const {
         std::uint16_t type;
     };
     static_assert(sizeof(Row) == 24);
-    std::vector<Row> rows;
+    std::vector<Row> table;
     for (const Address& each : addresses)
-        rows.push_back({each.address, each.index, {255, 255, 255, 0}, 1, 65535, each.word, 1});
-    return TableOf(rows);
+        table.push_back({each.address, each.index, {255, 255, 255, 0}, 1, 65535, each.word, 1});
+    return TableOf(table);
 }
 
 PlayedIpHelper::Bytes PlayedIpHelper::AdaptersTable(ULONG_PTR place) const {
