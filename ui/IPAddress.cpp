@@ -111,7 +111,7 @@ void IPAddress::BindBox(int box) {
     text.Bind(wxEVT_KEY_DOWN, [this, box](wxKeyEvent& event) { event.Skip(!TakesKey(box, event)); });
     text.Bind(wxEVT_CHAR, [this, box](wxKeyEvent& event) {
         // What the key going down did not tell, on some desktops all that is typed.
-        const int character = event.GetUnicodeKey();
+        const int character = event.GetUnicodeKey();  // NOLINT(bugprone-signed-char-misuse): wchar_t
         const bool asked = character == std::exchange(letThrough_, 0);
         event.Skip(GivesCommand(event) || asked || !TakesCharacter(box, character));
     });

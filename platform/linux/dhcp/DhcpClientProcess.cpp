@@ -21,7 +21,7 @@ namespace corvane {
 namespace {
 
 /// The largest message that DecodeReport is given; EncodeReport's limits stay below it.
-constexpr std::size_t kLargestReport = 256 * 1024;
+constexpr std::size_t kLargestReport = std::size_t{256} * 1024;
 
 /// The child's part between fork and exec. Only calls that are safe there are made.
 /// `parent` is what getppid(2) says while the supervisor lives.

@@ -30,7 +30,8 @@ bool IsProgram(const std::string& path) {
 /// Path of a program, empty when it is in none of the folders.
 std::string FindProgram(const std::string& name, const std::vector<std::string>& folders) {
     for (const std::string& folder : folders) {
-        const std::string path = folder + "/" + name;
+        std::string path = folder;
+        path.append("/").append(name);
         if (folder.starts_with('/') && IsProgram(path)) return path;
     }
     return {};

@@ -48,13 +48,11 @@ bool LinkMonitor::TakeChanges() {
     std::array<std::byte, 1> start{};
     bool changed = false;
     for (;;) {
-        if (recv(descriptor_, start.data(), start.size(), 0) >= 0) {
+        // ENOBUFS: events were lost; the ones still queued follow.
+        if (recv(descriptor_, start.data(), start.size(), 0) >= 0 || errno == ENOBUFS) {
             changed = true;
         } else if (errno == EAGAIN) {
             return changed;
-        } else if (errno == ENOBUFS) {
-            // Events were lost; the ones still queued follow.
-            changed = true;
         } else if (errno != EINTR) {
             return true;
         }
