@@ -2,18 +2,16 @@
 #include <cerrno>
 #include <filesystem>
 #include <memory>
-#include <span>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <linux/rtnetlink.h>
 
+#include "netns/AnsweringTransport.h"
 #include "netns/NetnsSupport.h"
 #include "platform/linux/ConnectionsFolder.h"
 #include "platform/linux/IpHelper.h"
 #include "platform/linux/NameServers.h"
-#include "platform/linux/kernel/NetlinkSocket.h"
-#include "tests/unit/NetlinkMessages.h"
 
 namespace corvane {
 namespace {
@@ -28,35 +26,17 @@ struct DumpRefusals {
 };
 
 /// The kernel, but for these dumps.
-class UnreadableTransport : public NetlinkTransport {
+class UnreadableTransport : public netns::AnsweringTransport {
  public:
-    explicit UnreadableTransport(DumpRefusals& refusals) : refusals_(refusals) {
-        int error = 0;
-        kernel_ = OpenNetlinkTransport(error);
-        EXPECT_EQ(error, 0);
-    }
-
-    int Send(ByteSpan message) override {
-        nlmsghdr header{};
-        EXPECT_TRUE(ReadRecord(message, header));
-        const int refusal = RefusalOf(header.nlmsg_type);
-        if (refusal == 0 || (header.nlmsg_flags & NLM_F_DUMP) != NLM_F_DUMP) return kernel_->Send(message);
-        nlmsgerr error{};
-        error.error = -refusal;
-        error.msg = header;
-        pending_ = messages::Message(NLMSG_ERROR, NLM_F_CAPPED, header.nlmsg_seq, messages::Raw(error));
-        return 0;
-    }
-
-    int Receive(std::span<std::uint8_t> buffer, std::size_t& size) override {
-        if (pending_.empty()) return kernel_->Receive(buffer, size);
-        size = pending_.size();
-        std::copy(pending_.begin(), pending_.end(), buffer.begin());
-        pending_.clear();
-        return 0;
-    }
+    explicit UnreadableTransport(DumpRefusals& refusals) : refusals_(refusals) {}
 
  private:
+    std::optional<Answer> AnswerTo(const nlmsghdr& header, ByteSpan) override {
+        const int refusal = RefusalOf(header.nlmsg_type);
+        const bool dump = (header.nlmsg_flags & NLM_F_DUMP) == NLM_F_DUMP;
+        return dump && refusal != 0 ? std::optional(Answer{refusal, ""}) : std::nullopt;
+    }
+
     [[nodiscard]] int RefusalOf(unsigned type) const {
         if (type == RTM_GETLINK) return refusals_.links;
         if (type == RTM_GETADDR) return refusals_.addresses;
@@ -64,8 +44,6 @@ class UnreadableTransport : public NetlinkTransport {
     }
 
     DumpRefusals& refusals_;
-    std::unique_ptr<NetlinkTransport> kernel_;
-    messages::Bytes pending_;
 };
 
 class UnreadableKernelTest : public testing::Test {

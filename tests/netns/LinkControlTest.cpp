@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -18,11 +17,10 @@
 #include <unistd.h>
 
 #include "base/Address.h"
+#include "netns/AnsweringTransport.h"
 #include "netns/NetnsSupport.h"
 #include "platform/RegistryKeys.h"
-#include "platform/linux/kernel/NetlinkSocket.h"
 #include "platform/linux/owners/LinkControl.h"
-#include "tests/unit/NetlinkMessages.h"
 
 namespace corvane {
 namespace {
@@ -44,48 +42,13 @@ struct Refusals {
 };
 
 /// The kernel, but for these refusals.
-class RefusingTransport : public NetlinkTransport {
+class RefusingTransport : public netns::AnsweringTransport {
  public:
-    explicit RefusingTransport(Refusals& refusals) : refusals_(refusals) {
-        int error = 0;
-        kernel_ = OpenNetlinkTransport(error);
-        EXPECT_EQ(error, 0);
-    }
-
-    int Send(ByteSpan message) override {
-        nlmsghdr header{};
-        EXPECT_TRUE(ReadRecord(message, header));
-        const std::optional<Answer> answer =
-            AnswerTo(header.nlmsg_type, message.subspan(sizeof header, header.nlmsg_len - sizeof header));
-        if (!answer) return kernel_->Send(message);
-        nlmsgerr error{};
-        error.error = -answer->errnoValue;
-        error.msg = header;
-        pending_ = messages::Message(
-            NLMSG_ERROR, NLM_F_CAPPED | (answer->text.empty() ? 0U : NLM_F_ACK_TLVS), header.nlmsg_seq,
-            messages::Join({messages::Raw(error),
-                            answer->text.empty()
-                                ? messages::Bytes()
-                                : messages::Attribute(NLMSGERR_ATTR_MSG, messages::Text(answer->text))}));
-        return 0;
-    }
-
-    int Receive(std::span<std::uint8_t> buffer, std::size_t& size) override {
-        if (pending_.empty()) return kernel_->Receive(buffer, size);
-        size = pending_.size();
-        std::copy(pending_.begin(), pending_.end(), buffer.begin());
-        pending_.clear();
-        return 0;
-    }
+    explicit RefusingTransport(Refusals& refusals) : refusals_(refusals) {}
 
  private:
-    struct Answer {
-        int errnoValue = 0;
-        std::string text;
-    };
-
-    /// Nothing for what the kernel is to answer.
-    std::optional<Answer> AnswerTo(unsigned type, ByteSpan payload) {
+    std::optional<Answer> AnswerTo(const nlmsghdr& header, ByteSpan payload) override {
+        const unsigned type = header.nlmsg_type;
         const bool ipv4 = payload[0] == AF_INET;
         if (type == RTM_NEWLINK) return AnswerToLink(payload);
         if ((type == RTM_NEWADDR || type == RTM_NEWROUTE) && ipv4 && refusals_.ignoresSetUp) return Answer{};
@@ -115,8 +78,6 @@ class RefusingTransport : public NetlinkTransport {
     }
 
     Refusals& refusals_;
-    std::unique_ptr<NetlinkTransport> kernel_;
-    messages::Bytes pending_;
 };
 
 class LinkControlTest : public testing::Test {
