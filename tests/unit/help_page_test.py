@@ -225,7 +225,7 @@ class Content(unittest.TestCase):
         self.assertEqual(named - known, set())
 
     def test_quoted_texts_are_those_of_the_program(self):
-        folders = ("ui", "startup", "mac", "tcpip", "presets", "platform", "inventory", "vendors")
+        folders = ("ui", "programs", "startup", "mac", "tcpip", "presets", "platform", "inventory", "vendors", "base")
         known = {text for folder in folders for text in literals(f"{folder}/**/*.cpp", f"{folder}/**/*.h")}
         quotes = list(self.page.all("q"))
         self.assertGreater(len(quotes), 30)
