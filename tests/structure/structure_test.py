@@ -284,17 +284,6 @@ class Structure(unittest.TestCase):
         self.assertGreater(len(rules), 50)
         self.assertEqual(sorted(rules - on_windows), [])
 
-    def test_python_names_exist_and_are_used(self):
-        scripts = sources(".py")
-        for path in filter(None, sources("")):
-            with open(os.path.join(SOURCE, path), "rb") as start:
-                if re.match(rb"#!.*python", start.readline()):
-                    scripts.append(path)
-        self.assertGreater(len(scripts), 20)
-        found = subprocess.run(["pyflakes3", *sorted(set(scripts))], cwd=SOURCE, capture_output=True, text=True)
-        self.assertEqual(found.stdout + found.stderr, "")
-        self.assertEqual(found.returncode, 0)
-
     def test_every_source_file_is_listed(self):
         units = [path for path in sources(".cpp") if folder_of(path)]
         self.assertGreater(len(units), 100)
